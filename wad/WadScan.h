@@ -1,0 +1,31 @@
+// Opening a WAD: header and directory checks, the IWAD scan with its spare slots.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace kelvar::wad
+{
+
+/// Opens and scans a WAD. `magic` "IWAD" makes it the main file, record 0, whose directory
+/// becomes the master directory; "PWAD" lays the file over the master directory (the name
+/// must stand in OpenFiles). Any magic not ending in "WAD" opens a plain data file with a
+/// record but no directory. Warnings of the merge are gathered in the error log and shown
+/// under "List of WAD problems"; `warnings` enables the optional ones.
+/// Returns the file number (0 for the IWAD), or -1 after the reason was shown.
+[[nodiscard]] int OpenWad(const std::string& path, std::string_view magic, bool warnings);
+
+/// OpenWad for a PWAD; with `closeAfter` the stream is closed again (state 'C'). The view
+/// position is reset so the next load centres the map. Returns the file number or -1.
+int OpenPwad(const std::string& path, bool closeAfter, bool warnings);
+
+/// Renumbers the Ordinal field of every master entry.
+void RenumberOrdinals();
+
+/// Puts the spare entry "k_e  v_r" (offset, size and file 0) at the end of the master
+/// directory when there is none and there is room; the lump saver takes it over for a lump
+/// that has no entry yet.
+void EnsureSpareEntry();
+
+} // namespace kelvar::wad
