@@ -1,0 +1,65 @@
+// The commands of kelvar-cli: argument handling and dispatch.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/Commands.h"
+
+#include "cli/WadCommands.h"
+#include "platform/ConsoleUi.h"
+#include "platform/Paths.h"
+#include "wad/WadState.h"
+
+#include <cstdio>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kelvar::cli
+{
+namespace
+{
+
+void PrintUsage(std::FILE* out)
+{
+    std::fputs("usage: kelvar-cli COMMAND ARGUMENTS\n"
+               "\n"
+               "  lumps IWAD [PWAD...]    the master lump directory after the PWADs are laid\n"
+               "                          over the IWAD: index, name, file, offset, size\n"
+               "  levels IWAD [PWAD...]   the game the IWAD belongs to and its level list,\n"
+               "                          with the file that supplies each level\n"
+               "\n"
+               "Messages go to stderr. Exit status: 0 done, 1 bad usage, 2 a file was refused,\n"
+               "4 a fatal error.\n",
+               out);
+}
+
+} // namespace
+
+int Run(int argc, char** argv)
+{
+    const std::vector<std::string> args(argv + 1, argv + argc);
+    if (args.empty() || args[0] == "-h" || args[0] == "--help" || args[0] == "help")
+    {
+        PrintUsage(args.empty() ? stderr : stdout);
+        return args.empty() ? ExitUsage : ExitOk;
+    }
+
+    static platform::ConsoleUi console(stderr, 0);
+    platform::InstallUi(&console);
+    wad::Wad().ProgramDir = platform::DefaultProgramDir();
+
+    const std::string_view command = args[0];
+    const std::vector<std::string> rest(args.begin() + 1, args.end());
+    if (command == "lumps" && !rest.empty())
+    {
+        return ListLumps(rest);
+    }
+    if (command == "levels" && !rest.empty())
+    {
+        return ListLevels(rest);
+    }
+    std::fprintf(stderr, "kelvar-cli: unknown command or missing arguments: %s\n\n",
+                 std::string(command).c_str());
+    PrintUsage(stderr);
+    return ExitUsage;
+}
+
+} // namespace kelvar::cli

@@ -1,0 +1,16 @@
+// The commands of kelvar-cli.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+namespace kelvar::cli
+{
+
+/// Exit statuses of kelvar-cli.
+inline constexpr int ExitOk = 0;
+inline constexpr int ExitUsage = 1;
+inline constexpr int ExitBadFile = 2;
+
+/// Runs the command named by argv[1]; returns the process's exit status.
+int Run(int argc, char** argv);
+
+} // namespace kelvar::cli

@@ -1,0 +1,21 @@
+// kelvar-cli commands over the WAD directory: lumps, levels.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace kelvar::cli
+{
+
+/// Opens the IWAD and the PWADs named in `files` (IWAD first). Returns ExitOk, or
+/// ExitBadFile when a file was refused (the IWAD's refusal stops; a PWAD's doesn't).
+int OpenFiles(const std::vector<std::string>& files);
+
+/// kelvar-cli lumps IWAD [PWAD...]
+int ListLumps(const std::vector<std::string>& files);
+
+/// kelvar-cli levels IWAD [PWAD...]
+int ListLevels(const std::vector<std::string>& files);
+
+} // namespace kelvar::cli

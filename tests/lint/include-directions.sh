@@ -1,0 +1,40 @@
+#!/usr/bin/env bash
+# Fails when a folder includes from a folder it must not depend on. The core's dependencies
+# run one way; a cycle means something is in the wrong room.
+set -euo pipefail
+root=${1:-.}
+cd "$root"
+
+# folder: the folders it may include from (besides itself).
+declare -A allowed=(
+    [platform]=""
+    [wad]="platform"
+    [map]="platform wad"
+    [game]="platform wad map"
+    [gfx]="platform wad"
+    [sound]="platform wad"
+    [view]="platform wad map game gfx"
+    [check]="platform wad map game"
+    [tools]="platform wad map game view"
+    [lumps]="platform wad gfx sound"
+    [run]="platform wad map game"
+    [app]="platform wad map game gfx sound view check tools lumps run res"
+    [cli]="platform wad map game gfx sound view check tools lumps run app res"
+)
+
+status=0
+for folder in "${!allowed[@]}"; do
+    [ -d "$folder" ] || continue
+    while IFS= read -r line; do
+        file=${line%%:*}
+        target=$(echo "$line" | sed -E 's/.*#include "([^/"]+)\/.*/\1/')
+        [ "$target" = "$folder" ] && continue
+        # Qt code of a folder may use platform/qt; the core may not.
+        case " ${allowed[$folder]} " in
+            *" $target "*) ;;
+            *) echo "$file: $folder/ must not include from $target/"; status=1 ;;
+        esac
+    done < <(grep -rnE '^#include "[^/"]+/' "$folder" --include='*.h' --include='*.cpp' || true)
+done
+[ $status -eq 0 ] && echo "include directions are clean"
+exit $status
