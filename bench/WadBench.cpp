@@ -53,7 +53,7 @@ std::string MakeBigPwad(int count)
                                              "REJECT", "BLOCKMAP"};
     for (int map = 1; map <= 32; ++map)
     {
-        char marker[9];
+        char marker[16];
         std::snprintf(marker, sizeof marker, "MAP%02d", map);
         names.emplace_back(marker);
         names.insert(names.end(), std::begin(LevelLumps), std::end(LevelLumps));
@@ -71,8 +71,8 @@ std::string MakeBigPwad(int count)
     }
     for (int i = 0; static_cast<int>(names.size()) < count; ++i)
     {
-        char name[9];
-        std::snprintf(name, sizeof name, "N%07d", i);
+        char name[16];
+        std::snprintf(name, sizeof name, "N%07d", i % 10000000);
         names.emplace_back(name);
     }
 
