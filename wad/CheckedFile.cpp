@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wad/CheckedFile.h"
 
+#include "platform/Fatal.h"
 #include "platform/Format.h"
-#include "wad/Fatal.h"
+#include "platform/Messages.h"
 #include "wad/FileChecks.h"
-#include "wad/Messages.h"
 
 #include <cerrno>
 #include <new>
@@ -68,13 +68,14 @@ StreamPtr CheckedOpen(const std::filesystem::path& path, std::string_view mode, 
     {
         if (openMode[0] == 'r')
         {
-            ShowError("   WARNING\n\n%s\n\nfile=%s\n\nEither file does not exist or you should\n"
-                      "Increase FILES= in CONFIG.SYS (128 min)",
-                      reason, path.c_str());
+            platform::ShowError(
+                "   WARNING\n\n%s\n\nfile=%s\n\nEither file does not exist or you should\n"
+                "Increase FILES= in CONFIG.SYS (128 min)",
+                reason, path.c_str());
         }
         else
         {
-            ShowError("   WARNING\n\n%s\n\nfile=%s\n\n", reason, path.c_str());
+            platform::ShowError("   WARNING\n\n%s\n\nfile=%s\n\n", reason, path.c_str());
         }
     }
     else if (BeginsWith(openMode, "r+"))
@@ -87,7 +88,7 @@ StreamPtr CheckedOpen(const std::filesystem::path& path, std::string_view mode, 
 
     if ((fatalFlags & 0x7FFF) != 0)
     {
-        FatalError("FATAL opening %s", path.c_str());
+        platform::FatalError("FATAL opening %s", path.c_str());
     }
     return nullptr;
 }
@@ -140,20 +141,21 @@ int CheckedSeek(std::FILE* stream, std::int64_t offset)
         return 1;
     }
     const int osError = errno != 0 ? errno : EINVAL;
-    ShowLastError(osError);
+    platform::ShowLastError(osError);
     const int code = WindowsErrorOf(osError);
     const auto at = static_cast<int>(offset);
     if (Wad().BackupInProgress)
     {
-        ShowError("Seek errorcode=%d at %d (Backup)", code, at);
+        platform::ShowError("Seek errorcode=%d at %d (Backup)", code, at);
         return 0;
     }
-    if (AskYesNo("Seek errorcode=%d at %d\n\n!!  Quit now ?  !!\n\nYou'll lose all work in "
-                 "progress\nOn the other hand, if you continue,\nwhat happens next is "
-                 "unpredictable!",
-                 code, at))
+    if (platform::AskYesNo(
+            "Seek errorcode=%d at %d\n\n!!  Quit now ?  !!\n\nYou'll lose all work in "
+            "progress\nOn the other hand, if you continue,\nwhat happens next is "
+            "unpredictable!",
+            code, at))
     {
-        FatalError("User cancelled");
+        platform::FatalError("User cancelled");
     }
     return 0;
 }
@@ -171,28 +173,28 @@ void IoFailure(std::string_view operationWord, std::FILE* stream, std::size_t co
     if (Wad().BackupInProgress)
     {
         text += " (Backup)";
-        ShowMessageLines(0, "I/O error", {text, "Press Enter"});
+        platform::ShowMessageLines(0, "I/O error", {text, "Press Enter"});
         return;
     }
     const int answer =
-        ShowMessageLines(LinesCancel, "I/O error",
-                         {text, "!! ? Quit now ? !! You'll lose all work in progress",
-                          "If you continue what happens next is unpredictable!",
-                          "(If in OpenPreview - you can continue)"});
+        platform::ShowMessageLines(platform::LinesCancel, "I/O error",
+                                   {text, "!! ? Quit now ? !! You'll lose all work in progress",
+                                    "If you continue what happens next is unpredictable!",
+                                    "(If in OpenPreview - you can continue)"});
     if (answer != 1)
     {
         return;
     }
     if (BeginsWith(word, "w"))
     {
-        ShowMessageLines(0, "I/O error",
-                         {"Several options are available to recover your data",
-                          "Select the appropriate choice, also see HELP",
-                          "1. Copy the ~KELVAR.WAD for the last good save",
-                          "2. Copy the yourfile.BAK for the prior version",
-                          "3. Copy the yourfile.BKP for the last optl backup"});
+        platform::ShowMessageLines(0, "I/O error",
+                                   {"Several options are available to recover your data",
+                                    "Select the appropriate choice, also see HELP",
+                                    "1. Copy the ~KELVAR.WAD for the last good save",
+                                    "2. Copy the yourfile.BAK for the prior version",
+                                    "3. Copy the yourfile.BKP for the last optl backup"});
     }
-    FatalError("User cancelled");
+    platform::FatalError("User cancelled");
 }
 
 std::int64_t FileSize(std::FILE* stream, int keepPosition)
@@ -241,7 +243,7 @@ int CopyFileSpan(std::FILE* destination, std::FILE* source, std::int64_t byteCou
         {
             if (bufferSize <= 256)
             {
-                FatalError("Unable to allocate memory for file copy?");
+                platform::FatalError("Unable to allocate memory for file copy?");
             }
             bufferSize /= 2;
         }

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wad/ErrorLog.h"
 
+#include "platform/Messages.h"
 #include "platform/Ui.h"
-#include "wad/Messages.h"
 #include "wad/WadState.h"
 
 #include <cstdio>
@@ -25,7 +25,7 @@ bool OpenErrorLog()
     log.File.reset(std::fopen(log.Path.c_str(), "wt"));
     if (!log.File)
     {
-        ShowError("Failed to create %s", log.Path.c_str());
+        platform::ShowError("Failed to create %s", log.Path.c_str());
         return false;
     }
     return true;

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wad/FileChecks.h"
 
+#include "platform/Messages.h"
 #include "wad/LumpName.h"
-#include "wad/Messages.h"
 #include "wad/WadState.h"
 
 #include <cerrno>
@@ -102,32 +102,36 @@ int DiagnoseOpenFailure(const std::filesystem::path& path, std::string_view mode
         // plain file at all.
         if (!regular)
         {
-            ShowError("  ERROR\n\n%s\n\nfile=%s\n\nFile access denied\n\nHidden or System file?",
-                      reason, path.c_str());
+            platform::ShowError(
+                "  ERROR\n\n%s\n\nfile=%s\n\nFile access denied\n\nHidden or System file?", reason,
+                path.c_str());
             return 1;
         }
-        ShowError("  WARNING\n\nfile=%s (%s)\n\nFile is READ only\n\nuse ATTRIB command to reset",
-                  path.c_str(), modeText.c_str());
+        platform::ShowError(
+            "  WARNING\n\nfile=%s (%s)\n\nFile is READ only\n\nuse ATTRIB command to reset",
+            path.c_str(), modeText.c_str());
         return -1;
     case 2:
     case 3:
     case 183:
         return 0;
     case 4:
-        ShowError("   ERROR\n\n%s\n\n%s\n\nIncrease FILES= in CONFIG.SYS (128 min)", reason,
-                  path.c_str());
+        platform::ShowError("   ERROR\n\n%s\n\n%s\n\nIncrease FILES= in CONFIG.SYS (128 min)",
+                            reason, path.c_str());
         return code;
     case 5:
-        ShowError("  ERROR\n\n%s\n\nfile=%s\n\nFile is in use, code=%d\nTry another filename\n",
-                  reason, path.c_str(), code);
+        platform::ShowError(
+            "  ERROR\n\n%s\n\nfile=%s\n\nFile is in use, code=%d\nTry another filename\n", reason,
+            path.c_str(), code);
         return code;
     case 161:
-        ShowError("  ERROR\n\n%s\n\nfile=%s\n\nBad Path Name", reason, path.c_str());
+        platform::ShowError("  ERROR\n\n%s\n\nfile=%s\n\nBad Path Name", reason, path.c_str());
         return code;
     default:
-        ShowError("  ERROR\n\n%s\n\nfile=%s\n\nFile Access Error Code=%d\nSee help file for "
-                  "common codes\n",
-                  reason, path.c_str(), code);
+        platform::ShowError(
+            "  ERROR\n\n%s\n\nfile=%s\n\nFile Access Error Code=%d\nSee help file for "
+            "common codes\n",
+            reason, path.c_str(), code);
         return code;
     }
 }
@@ -145,9 +149,9 @@ int CheckFileType(std::string& path, std::string_view expectedMagic, bool clearI
 
     if (mode == 0 && (stem == "~KELVAR" || extension == ".BAK" || extension == ".BKP"))
     {
-        ShowError("Access to .BAK, .BKP and Temporary ~KELVAR files not allowed\n\n%s\n\n"
-                  "Please copy this file to a name ending in .WAD",
-                  path.c_str());
+        platform::ShowError("Access to .BAK, .BKP and Temporary ~KELVAR files not allowed\n\n%s\n\n"
+                            "Please copy this file to a name ending in .WAD",
+                            path.c_str());
         return -1;
     }
 
@@ -168,7 +172,7 @@ int CheckFileType(std::string& path, std::string_view expectedMagic, bool clearI
         }
         if (clearIfMissing)
         {
-            ShowError(" %s  not found!", path.c_str());
+            platform::ShowError(" %s  not found!", path.c_str());
             path.clear();
         }
         return 0;
@@ -189,10 +193,10 @@ int CheckFileType(std::string& path, std::string_view expectedMagic, bool clearI
         if (tag == "IWAD" && stem == "HEXDD")
         {
             // The Hexen add-on carries the IWAD magic but is no main file.
-            ShowMessageLines(0, "Hexen IWAD",
-                             {"for HEXEN Deathkings", "is not really an IWAD!",
-                              "Just open this as a PWAD", "Please reselect the IWAD name",
-                              "by selecting CANCEL for the next msg"});
+            platform::ShowMessageLines(0, "Hexen IWAD",
+                                       {"for HEXEN Deathkings", "is not really an IWAD!",
+                                        "Just open this as a PWAD", "Please reselect the IWAD name",
+                                        "by selecting CANCEL for the next msg"});
             return -1;
         }
         return std::string_view(found, got) == "IWAD" ? 2 : 1;
@@ -204,7 +208,7 @@ int CheckFileType(std::string& path, std::string_view expectedMagic, bool clearI
     if (mode != 3)
     {
         const std::string expected(expectedMagic);
-        ShowError("%s is not %s, found %s ", path.c_str(), expected.c_str(), found);
+        platform::ShowError("%s is not %s, found %s ", path.c_str(), expected.c_str(), found);
     }
     return -1;
 }
@@ -238,8 +242,9 @@ int FileInUse(std::string& path, bool warn, bool clear)
     if (result != 0 && warn)
     {
         const std::string& openName = wad.Files[static_cast<std::size_t>(record)].FileName;
-        ShowError("File %hd\n\n%s\n\nis in use by Kelvar\nCan't write over file",
-                  static_cast<short>(record), (openName.empty() ? path : openName).c_str());
+        platform::ShowError("File %hd\n\n%s\n\nis in use by Kelvar\nCan't write over file",
+                            static_cast<short>(record),
+                            (openName.empty() ? path : openName).c_str());
     }
     if (result > 0 && clear)
     {
@@ -274,7 +279,7 @@ int ValidateWadPath(std::string& path)
     const std::filesystem::path full = CompleteWadPath(path);
     if (full.string().size() >= MaxPathLength)
     {
-        ShowError("%s\nFilename is too long (max is 259)", full.c_str());
+        platform::ShowError("%s\nFilename is too long (max is 259)", full.c_str());
         path.clear();
         return 0;
     }
@@ -292,7 +297,7 @@ bool PathFitsRecord(std::string& name)
     {
         return true;
     }
-    ShowError(" !!   %s    !!\n\nfound, but total path exceeds 127!", name.c_str());
+    platform::ShowError(" !!   %s    !!\n\nfound, but total path exceeds 127!", name.c_str());
     name.clear();
     return false;
 }

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wad/FileTable.h"
 
+#include "platform/Fatal.h"
 #include "wad/CheckedFile.h"
-#include "wad/Fatal.h"
 #include "wad/FileChecks.h"
 #include "wad/WadScan.h"
 
@@ -105,7 +105,7 @@ int AddOpenFile(const std::string& path, bool warnings)
     }
     if (slot < 0)
     {
-        FatalError("Maximum of %hd files exceeded", static_cast<short>(NameTableSize));
+        platform::FatalError("Maximum of %hd files exceeded", static_cast<short>(NameTableSize));
     }
     wad.OpenFiles[static_cast<std::size_t>(slot)] = path;
     return OpenWad(path, "PWAD", warnings);

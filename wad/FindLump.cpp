@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wad/FindLump.h"
 
+#include "platform/Fatal.h"
 #include "wad/CheckedFile.h"
-#include "wad/Fatal.h"
 #include "wad/FileTable.h"
 #include "wad/WadFormat.h"
 
@@ -19,7 +19,8 @@ int NotFound(const FileRec& file, std::string_view name, bool fatal)
     if (fatal)
     {
         const std::string lump(name);
-        FatalError(" Internal Damaged %s file %s not found", file.FileName.c_str(), lump.c_str());
+        platform::FatalError(" Internal Damaged %s file %s not found", file.FileName.c_str(),
+                             lump.c_str());
     }
     return -1;
 }
@@ -222,7 +223,8 @@ int FindLevelLump(std::string_view name, bool fatal)
     if (fatal)
     {
         const std::string lump(name);
-        FatalError(" Internal Damaged %s file %s not found", fileName.c_str(), lump.c_str());
+        platform::FatalError(" Internal Damaged %s file %s not found", fileName.c_str(),
+                             lump.c_str());
     }
     return -1;
 }
@@ -243,7 +245,7 @@ std::optional<LumpEntry> ReadIwadEntry(std::string_view name, bool fatal)
     if (fatal)
     {
         const std::string lump(name);
-        FatalError(" Reading Damaged %s file %s not found", path.c_str(), lump.c_str());
+        platform::FatalError(" Reading Damaged %s file %s not found", path.c_str(), lump.c_str());
     }
     return std::nullopt;
 }

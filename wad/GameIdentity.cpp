@@ -3,11 +3,11 @@
 #include "wad/GameIdentity.h"
 
 #include "platform/Format.h"
+#include "platform/Messages.h"
 #include "platform/Ui.h"
 #include "wad/FileChecks.h"
 #include "wad/FileTable.h"
 #include "wad/LevelList.h"
-#include "wad/Messages.h"
 #include "wad/WadScan.h"
 #include "wad/WadState.h"
 
@@ -55,8 +55,9 @@ int IdentifyGameNumber(GameIdentity& game)
         }
         return 5;
     }
-    ShowError("Unable to identify IWAD type\n\nDOOM2 is assumed\n\nUse a stock IWAD to fix this "
-              "problem");
+    platform::ShowError(
+        "Unable to identify IWAD type\n\nDOOM2 is assumed\n\nUse a stock IWAD to fix this "
+        "problem");
     return 2;
 }
 
@@ -106,7 +107,8 @@ int WalkForIwad(const std::filesystem::path& directory, const std::string& wante
     platform::Ui& ui = platform::TheUi();
     ui.ShowProgress(caption, directory.string());
     if (ui.PollEscape() &&
-        AskYesNo(" Volume Scan Interrupted\n\nDo you want to stop ?\nConfirm Stop - Find IWAD"))
+        platform::AskYesNo(
+            " Volume Scan Interrupted\n\nDo you want to stop ?\nConfirm Stop - Find IWAD"))
     {
         return -1;
     }
@@ -218,17 +220,18 @@ int ScanMainIwad(const std::string& path)
     ListMasterLevels();
     if (wad.Game.Format != 4 && wad.Game.IwadHasBehavior)
     {
-        ShowError("IWAD %s\nhas BEHAVIOR\nPlease select a different IWAD", path.c_str());
+        platform::ShowError("IWAD %s\nhas BEHAVIOR\nPlease select a different IWAD", path.c_str());
         return 0;
     }
     if (wad.Game.Format == 4 && !wad.Game.IwadHasBehavior && !wad.IwadBehaviorWarned &&
         !wad.Options.NoIwadWarningMsg)
     {
         wad.IwadBehaviorWarned = true;
-        ShowError("IWAD %s\ndoes not have BEHAVIOR\nPlease convert the IWAD using ZWADCONV\n\nUse "
-                  "F5 Options and set IWAD message to bypass this message and not reset "
-                  "anything\n\n",
-                  path.c_str());
+        platform::ShowError(
+            "IWAD %s\ndoes not have BEHAVIOR\nPlease convert the IWAD using ZWADCONV\n\nUse "
+            "F5 Options and set IWAD message to bypass this message and not reset "
+            "anything\n\n",
+            path.c_str());
     }
     return 1;
 }
@@ -250,9 +253,10 @@ int SelectMainIwad(bool firstRun)
     {
         std::string candidate = iwad;
         if (CheckFileType(candidate, "IWAD", false, 0) > 0 &&
-            AskYesNo("IWAD = %s found!!\n\nIs this the IWAD to use for this project?\n\nPress NO "
-                     "to choose the file yourself\n",
-                     iwad.c_str()) &&
+            platform::AskYesNo(
+                "IWAD = %s found!!\n\nIs this the IWAD to use for this project?\n\nPress NO "
+                "to choose the file yourself\n",
+                iwad.c_str()) &&
             ScanMainIwad(iwad) == 1)
         {
             return 1;
@@ -261,18 +265,18 @@ int SelectMainIwad(bool firstRun)
 
     for (;;)
     {
-        const int answer = ShowMessageLines(LinesCancel, "find IWAD",
-                                            {"!! No Main IWAD found !!",
-                                             "Press Continue to have Kelvar find it for you",
-                                             "Press Cancel to choose the file yourself"},
-                                            platform::MessageButtons::OkCancel);
+        const int answer = platform::ShowMessageLines(
+            platform::LinesCancel, "find IWAD",
+            {"!! No Main IWAD found !!", "Press Continue to have Kelvar find it for you",
+             "Press Cancel to choose the file yourself"},
+            platform::MessageButtons::OkCancel);
         if (answer == 1)
         {
             const std::optional<std::filesystem::path> found = SearchForIwad(iwad);
             if (found)
             {
                 iwad = found->string();
-                ShowMessageLines(0, "found IWAD", {iwad});
+                platform::ShowMessageLines(0, "found IWAD", {iwad});
                 if (wad.Hooks.SaveStatusFiles)
                 {
                     wad.Hooks.SaveStatusFiles();
@@ -293,12 +297,12 @@ int SelectMainIwad(bool firstRun)
         const std::optional<std::filesystem::path> chosen = platform::TheUi().ChooseFile(choice);
         if (!chosen)
         {
-            ShowMessageLines(0, "Games",
-                             {"You MUST have one of the following",
-                              "Games installed on your system:", "      Doom/Ultimate Doom",
-                              "      Doom2/Final Doom", "      Heretic", "      Hexen",
-                              "      Strife", "Please select an IWAD or New Project",
-                              "If you don't do either, please EXIT Kelvar!"});
+            platform::ShowMessageLines(
+                0, "Games",
+                {"You MUST have one of the following", "Games installed on your system:",
+                 "      Doom/Ultimate Doom", "      Doom2/Final Doom", "      Heretic",
+                 "      Hexen", "      Strife", "Please select an IWAD or New Project",
+                 "If you don't do either, please EXIT Kelvar!"});
             return 0;
         }
         std::string picked = chosen->string();

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wad/LevelList.h"
 
-#include "wad/Messages.h"
+#include "platform/Messages.h"
 #include "wad/WadState.h"
 
 namespace kelvar::wad
@@ -60,7 +60,7 @@ void ListMasterLevels()
     }
     if (excess)
     {
-        ShowError("IWAD has too many levels.\nExcess ignored.");
+        platform::ShowError("IWAD has too many levels.\nExcess ignored.");
     }
 }
 

@@ -3,9 +3,9 @@
 #include "wad/WadMerge.h"
 
 #include "platform/Format.h"
+#include "platform/Messages.h"
 #include "wad/ErrorLog.h"
 #include "wad/LevelList.h"
-#include "wad/Messages.h"
 #include "wad/WadScan.h"
 #include "wad/WadState.h"
 
@@ -56,7 +56,8 @@ void CheckMarkers(MergeScan& scan, const LumpName& name)
     {
         if (!scan.TxStart && !quiet)
         {
-            ShowMessageLines(0, "TX loading", {"Caution - TX_END before TX_START", ExpertNote});
+            platform::ShowMessageLines(0, "TX loading",
+                                       {"Caution - TX_END before TX_START", ExpertNote});
         }
         scan.TxEnd = true;
     }
@@ -68,9 +69,9 @@ void CheckMarkers(MergeScan& scan, const LumpName& name)
     {
         if (!scan.FStart && !quiet)
         {
-            ShowMessageLines(0, "Flat loading",
-                             {"Caution - F_END,FF_END before F_START,FF_END",
-                              "All FLAT replacements may not show up!", ExpertNote});
+            platform::ShowMessageLines(0, "Flat loading",
+                                       {"Caution - F_END,FF_END before F_START,FF_END",
+                                        "All FLAT replacements may not show up!", ExpertNote});
         }
         scan.FEnd = true;
     }
@@ -80,9 +81,9 @@ void CheckMarkers(MergeScan& scan, const LumpName& name)
     }
     else if ((name.Is("S_END") || name.Is("SS_END")) && !scan.SStart && !quiet)
     {
-        ShowMessageLines(0, "Spriteloading",
-                         {"Caution - S_END,SS_END before S_START,SS_END",
-                          "All SPRITE replacements may not show up!", ExpertNote});
+        platform::ShowMessageLines(0, "Spriteloading",
+                                   {"Caution - S_END,SS_END before S_START,SS_END",
+                                    "All SPRITE replacements may not show up!", ExpertNote});
     }
 }
 
@@ -394,15 +395,17 @@ std::size_t MergeLevel(MergeScan& scan, std::size_t at, int count, int layout)
     {
         if (count < 5)
         {
-            ShowError("entry%d Level %s [%s] is damaged - has only %d entries\n\n! Missing data "
-                      "will crash Kelvar and is ignored !",
-                      index, text.c_str(), format, count);
+            platform::ShowError(
+                "entry%d Level %s [%s] is damaged - has only %d entries\n\n! Missing data "
+                "will crash Kelvar and is ignored !",
+                index, text.c_str(), format, count);
             return static_cast<std::size_t>(count);
         }
-        ShowError("entry%d Level %s [%s] is damaged - has only %d entries\n\n!  Warning Level "
-                  "may crash Kelvar  !\n\nThis is usually caused by missing Level Lumps\n\nIf the "
-                  "level displays, saving will fix this error",
-                  index, text.c_str(), format, count);
+        platform::ShowError(
+            "entry%d Level %s [%s] is damaged - has only %d entries\n\n!  Warning Level "
+            "may crash Kelvar  !\n\nThis is usually caused by missing Level Lumps\n\nIf the "
+            "level displays, saving will fix this error",
+            index, text.c_str(), format, count);
     }
     const int expected = layout == 2 ? 12 : 11;
     if (expected != wad.Game.ExpectedLevelEntries)
@@ -483,21 +486,23 @@ void FinishScan(MergeScan& scan)
     WadState& wad = Wad();
     if (scan.Rejected > 0)
     {
-        ShowError("Increase the Additional Lump Entries by %d\n\nLocated in F5 options (under Set "
-                  "Main IWAD)",
-                  scan.Rejected);
+        platform::ShowError(
+            "Increase the Additional Lump Entries by %d\n\nLocated in F5 options (under Set "
+            "Main IWAD)",
+            scan.Rejected);
     }
     EnsureSpareEntry();
     if (scan.FStart != scan.FEnd)
     {
-        ShowMessageLines(0, "Flat loading",
-                         {"Caution - F_START / FF_START is not matched",
-                          "with F_END / FF_END or wrong sequence?",
-                          "FLAT replacements only will show up!"});
+        platform::ShowMessageLines(0, "Flat loading",
+                                   {"Caution - F_START / FF_START is not matched",
+                                    "with F_END / FF_END or wrong sequence?",
+                                    "FLAT replacements only will show up!"});
     }
     if (scan.TxStart != scan.TxEnd)
     {
-        ShowMessageLines(0, "TX loading", {"Caution - TX_START is not matched with TX_END"});
+        platform::ShowMessageLines(0, "TX loading",
+                                   {"Caution - TX_START is not matched with TX_END"});
     }
     if (scan.OtherGame > 0)
     {

@@ -3,11 +3,11 @@
 #include "wad/WadScan.h"
 
 #include "platform/Format.h"
+#include "platform/Messages.h"
 #include "wad/CheckedFile.h"
 #include "wad/ErrorLog.h"
 #include "wad/FileChecks.h"
 #include "wad/FileTable.h"
-#include "wad/Messages.h"
 #include "wad/WadFormat.h"
 #include "wad/WadMerge.h"
 
@@ -32,7 +32,8 @@ bool ReadHeader(std::FILE* stream, const std::string& path, std::int64_t fileSiz
 {
     if (fileSize < WadHeaderSize)
     {
-        ShowError("File %s\n\nsize %d is too small", path.c_str(), static_cast<int>(fileSize));
+        platform::ShowError("File %s\n\nsize %d is too small", path.c_str(),
+                            static_cast<int>(fileSize));
         return false;
     }
     std::uint8_t bytes[WadHeaderSize];
@@ -44,12 +45,13 @@ bool ReadHeader(std::FILE* stream, const std::string& path, std::int64_t fileSiz
     header.DirectoryOffset = ReadLe32(bytes + 8);
     if (header.DirectoryOffset < 0 || header.DirectoryOffset > fileSize - 4)
     {
-        ShowError("File %s\n\nDir offset=%d is invalid", path.c_str(), header.DirectoryOffset);
+        platform::ShowError("File %s\n\nDir offset=%d is invalid", path.c_str(),
+                            header.DirectoryOffset);
         return false;
     }
     if (header.LumpCount < 0)
     {
-        ShowError("File %s\n\nLump count=%d is invalid", path.c_str(), header.LumpCount);
+        platform::ShowError("File %s\n\nLump count=%d is invalid", path.c_str(), header.LumpCount);
         return false;
     }
     return true;
@@ -62,8 +64,9 @@ bool ReportBadEntry(const std::string& path, std::int64_t fileSize, const LumpEn
     const std::string name = entry.Name.Text();
     if (!shown)
     {
-        ShowError("File %s size=%d\n\nLump %s\nInvalid: offset=%d size=%d\nIgnored - launch again",
-                  path.c_str(), static_cast<int>(fileSize), name.c_str(), entry.Offset, entry.Size);
+        platform::ShowError(
+            "File %s size=%d\n\nLump %s\nInvalid: offset=%d size=%d\nIgnored - launch again",
+            path.c_str(), static_cast<int>(fileSize), name.c_str(), entry.Offset, entry.Size);
         shown = true;
     }
     else
@@ -85,10 +88,11 @@ std::vector<LumpEntry> ReadDirectory(std::FILE* stream, const std::string& path,
     const std::int64_t fits = (fileSize - header.DirectoryOffset) / DirectoryEntrySize;
     if (count > fits)
     {
-        ShowError("File %s size=%d\n\nDirectory of %d entries at offset=%d runs past the end\n"
-                  "Only the first %d entries are read",
-                  path.c_str(), static_cast<int>(fileSize), header.LumpCount,
-                  header.DirectoryOffset, static_cast<int>(fits));
+        platform::ShowError(
+            "File %s size=%d\n\nDirectory of %d entries at offset=%d runs past the end\n"
+            "Only the first %d entries are read",
+            path.c_str(), static_cast<int>(fileSize), header.LumpCount, header.DirectoryOffset,
+            static_cast<int>(fits));
         count = fits;
     }
     std::vector<LumpEntry> entries;
@@ -319,9 +323,9 @@ int OpenWad(const std::string& path, std::string_view magic, bool warnings)
     const int slot = isIwad ? 0 : FreeFileRecordIndex();
     if (slot < 0)
     {
-        ShowMessageLines(0, "File Limit",
-                         {platform::Format("File Limit of %hd Exceeded",
-                                           static_cast<short>(wad.Options.FileLimit))});
+        platform::ShowMessageLines(0, "File Limit",
+                                   {platform::Format("File Limit of %hd Exceeded",
+                                                     static_cast<short>(wad.Options.FileLimit))});
         return -1;
     }
     int listIndex = -1;
@@ -334,7 +338,7 @@ int OpenWad(const std::string& path, std::string_view magic, bool warnings)
     }
     if (!isIwad && listIndex < 0)
     {
-        ShowError("File %s mismatch?", path.c_str());
+        platform::ShowError("File %s mismatch?", path.c_str());
         return -1;
     }
     StreamPtr stream = CheckedOpen(path, (isIwad || wad.ReadOnlyOpen) ? "rb" : "r+b", 0);

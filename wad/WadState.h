@@ -9,7 +9,7 @@
 // - OpenFiles is the name table: the PWADs of the session in overlay order. A PWAD record
 //   points into it through ListIndex.
 // - The options and hooks are how the application shell feeds in its settings and its own
-//   reactions (status files, the picture catalogue, the fatal exit) without this layer
+//   reactions (status files, the picture catalogue) without this layer
 //   knowing the shell.
 #pragma once
 
@@ -75,7 +75,6 @@ struct WadHooks
     std::function<void(const LumpName&)> ForgetPicture;  // a newer lump of this name came
     std::function<void()> DropCatalogues;                // all files are being closed
     std::function<void()> SaveStatusFiles;               // the IWAD name changed
-    std::function<void()> BeforeFatalExit;               // CHK, crash save, shutdown
 };
 
 /// One record of the file table.
@@ -164,7 +163,6 @@ struct WadState
     std::size_t LastWriteCount = 0;
     int LastSeekResult = 0;
     std::filesystem::path ProgramDir;
-    bool FatalInProgress = false; // FatalError is running its hooks
 
     WadOptions Options;
     WadHooks Hooks;

@@ -1,10 +1,10 @@
 // Tests of checked file access: transfers, failures and what the user is told.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wad/CheckedFile.h"
+#include "platform/Fatal.h"
+#include "platform/Messages.h"
 #include "tests/testkit/WadFixture.h"
-#include "wad/Fatal.h"
 #include "wad/FileChecks.h"
-#include "wad/Messages.h"
 
 #include <cerrno>
 #include <cstring>
@@ -90,7 +90,8 @@ TEST_F(CheckedFile, QuittingAfterAFailedWriteListsTheWaysToRecoverThenEndsWithCo
         const char data[4] = {1, 2, 3, 4};
         (void)CheckedWrite(stream.get(), data, 4);
     };
-    EXPECT_EXIT(writeAndQuit(), ::testing::ExitedWithCode(FatalExitCode), "User cancelled");
+    EXPECT_EXIT(writeAndQuit(), ::testing::ExitedWithCode(platform::FatalExitCode),
+                "User cancelled");
 }
 
 TEST_F(CheckedFile, FailedSeekShowsTheSystemTextThenAsks)
@@ -169,10 +170,12 @@ TEST_F(CheckedFile, FatalFlagsEndTheProgramWithCode4)
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const std::string missing = Dir.File("absent.wad");
     int hooked = 0;
-    Wad().Hooks.BeforeFatalExit = [&hooked] { ++hooked; };
-    EXPECT_EXIT((void)CheckedOpen(missing, "rb", 1), ::testing::ExitedWithCode(FatalExitCode),
+    const auto previous = platform::InstallFatalHook([&hooked] { ++hooked; });
+    EXPECT_EXIT((void)CheckedOpen(missing, "rb", 1),
+                ::testing::ExitedWithCode(platform::FatalExitCode),
                 "FATAL opening .*absent.wad\n\nTo bypass all files at startup");
     EXPECT_EQ(hooked, 0); // the hook ran in the child only
+    platform::InstallFatalHook(previous);
 }
 
 TEST_F(CheckedFile, WriteProtectedPwadOpensReadOnlyAfterAWarning)
@@ -231,7 +234,7 @@ TEST_F(CheckedFile, TooManyOpenFilesAsksForMoreFiles)
     {
         // The sanitizers' first look at a virtual call may need a file of their own: make
         // that call while files can still be opened.
-        ShowError("warming up");
+        platform::ShowError("warming up");
         Ui.Clear();
         const rlimit none{0, 0};
         setrlimit(RLIMIT_NOFILE, &none);
@@ -264,11 +267,12 @@ TEST_F(CheckedFile, FatalErrorAddsTheStartUpHintAndAFailingHookCannotLoop)
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const auto fail = []
     {
-        Wad().Hooks.BeforeFatalExit = [] { FatalError("again"); }; // a failing hook must not loop
-        FatalError("broken %d", 7);
+        platform::InstallFatalHook(
+            [] { platform::FatalError("again"); }); // a failing hook must not loop
+        platform::FatalError("broken %d", 7);
     };
     EXPECT_EXIT(
-        fail(), ::testing::ExitedWithCode(FatalExitCode),
+        fail(), ::testing::ExitedWithCode(platform::FatalExitCode),
         "FATAL ERROR: broken 7\n\nTo bypass all files at startup\n\nFrom Windows Start Menu\n\n"
         "Run \\*\\* C:.Kelvar.Kelvar -N\n\n\\(\\*\\*replace with your installation location\\)");
 }

@@ -1,8 +1,8 @@
 // Tests of the lump search family and of reading directories straight from disk.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wad/FindLump.h"
+#include "platform/Fatal.h"
 #include "tests/testkit/WadFixture.h"
-#include "wad/Fatal.h"
 #include "wad/FileTable.h"
 #include "wad/MarkerRanges.h"
 
@@ -79,7 +79,7 @@ TEST_F(FindLumpTest, ARequiredLumpThatIsMissingIsFatal)
 {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT((void)FindLump(Master0(), "BEHAVIOR", true),
-                ::testing::ExitedWithCode(FatalExitCode),
+                ::testing::ExitedWithCode(platform::FatalExitCode),
                 " Internal Damaged .*iwad.wad file BEHAVIOR not found");
 }
 

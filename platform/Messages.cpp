@@ -1,18 +1,14 @@
 // The message forms, turned into platform Messages.
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "wad/Messages.h"
+#include "platform/Messages.h"
 
 #include "platform/Format.h"
 
 #include <cstdarg>
 #include <cstring>
 
-namespace kelvar::wad
+namespace kelvar::platform
 {
-
-using platform::Message;
-using platform::MessageButtons;
-using platform::MessageIcon;
 
 namespace
 {
@@ -26,7 +22,7 @@ int ShowSingle(const char* title, MessageIcon icon, MessageButtons buttons, bool
     message.Icon = icon;
     message.Buttons = buttons;
     message.SystemModal = systemModal;
-    return platform::TheUi().Show(message);
+    return TheUi().Show(message);
 }
 
 } // namespace
@@ -35,7 +31,7 @@ void ShowError(const char* format, ...)
 {
     va_list arguments;
     va_start(arguments, format);
-    std::string text = platform::FormatV(format, arguments);
+    std::string text = FormatV(format, arguments);
     va_end(arguments);
     ShowSingle("Kelvar Error", MessageIcon::Stop, MessageButtons::Ok, true, std::move(text));
 }
@@ -44,7 +40,7 @@ void ShowInfo(const char* format, ...)
 {
     va_list arguments;
     va_start(arguments, format);
-    std::string text = platform::FormatV(format, arguments);
+    std::string text = FormatV(format, arguments);
     va_end(arguments);
     ShowSingle("Kelvar Information", MessageIcon::Exclamation, MessageButtons::Ok, true,
                std::move(text));
@@ -54,7 +50,7 @@ bool AskYesNo(const char* format, ...)
 {
     va_list arguments;
     va_start(arguments, format);
-    std::string text = platform::FormatV(format, arguments);
+    std::string text = FormatV(format, arguments);
     va_end(arguments);
     return ShowSingle("Kelvar Confirm", MessageIcon::Question, MessageButtons::YesNo, false,
                       std::move(text)) == 1;
@@ -92,7 +88,7 @@ int ShowMessageLines(int flags, const std::string& title, const std::vector<std:
     {
         message.Buttons = MessageButtons::YesNo;
     }
-    return platform::TheUi().Show(message);
+    return TheUi().Show(message);
 }
 
 void ShowLastError(int osError)
@@ -101,4 +97,4 @@ void ShowLastError(int osError)
                std::strerror(osError));
 }
 
-} // namespace kelvar::wad
+} // namespace kelvar::platform
