@@ -78,4 +78,6 @@ bool ConsoleUi::PollEscape()
     return false;
 }
 
+void ConsoleUi::Beep() {}
+
 } // namespace kelvar::platform

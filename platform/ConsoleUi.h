@@ -32,6 +32,7 @@ public:
     void ShowProgress(const std::string& caption, const std::string& detail) override;
     void EndProgress() override;
     bool PollEscape() override;
+    void Beep() override;
 
 private:
     std::FILE* Out;

@@ -3,11 +3,14 @@
 #include "platform/Fatal.h"
 
 #include "platform/Format.h"
+#include "platform/Messages.h"
 #include "platform/Ui.h"
 
+#include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <new>
 
 namespace kelvar::platform
 {
@@ -17,7 +20,8 @@ namespace
 struct FatalState
 {
     std::function<void()> Hook;
-    bool Running = false; // the hook is running: a fatal end inside it must not loop
+    bool Running = false;        // the hook is running: a fatal end inside it must not loop
+    bool TextureLimited = false; // the picture cache has a size limit
 };
 
 FatalState& Fatal()
@@ -62,6 +66,31 @@ void FatalError(const char* format, ...)
     }
     std::fflush(nullptr);
     std::_Exit(FatalExitCode);
+}
+
+} // namespace kelvar::platform
+
+namespace kelvar::platform
+{
+
+void SetTextureLimitAdvice(bool limited)
+{
+    Fatal().TextureLimited = limited;
+}
+
+void OutOfMemory(int code, std::size_t size)
+{
+    ShowLastError(ENOMEM);
+    FatalError(Fatal().TextureLimited
+                   ? "(%d) Kelvar requires %d bytes more memory, set texture size limit lower"
+                   : "(%d) Kelvar requires %d bytes more memory, close ALL other PGMS, increase "
+                     "swapfile",
+               code, static_cast<int>(size));
+}
+
+void InstallOutOfMemoryHandler()
+{
+    std::set_new_handler([] { OutOfMemory(1, 0); });
 }
 
 } // namespace kelvar::platform

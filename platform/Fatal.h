@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cstddef>
 #include <functional>
 
 namespace kelvar::platform
@@ -17,5 +18,17 @@ std::function<void()> InstallFatalHook(std::function<void()> hook);
 /// Shows the formatted message with the start-up hint in a box titled "FATAL ERROR", runs the
 /// shell's fatal hook once, and ends the process with exit code 4. Never returns.
 [[noreturn]] void FatalError(const char* format, ...) __attribute__((format(printf, 1, 2)));
+
+/// Says whether the picture cache has a size limit, which changes the advice of OutOfMemory.
+void SetTextureLimitAdvice(bool limited);
+
+/// The end of an allocation that failed: the system's own text, then the fatal path with
+/// "(%d) Kelvar requires %d bytes more memory, " and the advice. `code` tells which kind of
+/// allocation failed (1 plain, 2 zero-filled, 3 growth, 4 a drawing list).
+[[noreturn]] void OutOfMemory(int code, std::size_t size);
+
+/// Installs a new-handler that ends the program through OutOfMemory when an allocation of
+/// unknown size fails anywhere.
+void InstallOutOfMemoryHandler();
 
 } // namespace kelvar::platform

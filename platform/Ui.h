@@ -100,6 +100,9 @@ public:
     /// True when the user has pressed Escape since the last poll. Long loops call it and keep
     /// the window alive meanwhile.
     virtual bool PollEscape() = 0;
+
+    /// Sounds the error signal: a refused key or a command that can't apply here.
+    virtual void Beep() = 0;
 };
 
 /// The installed Ui. Before anything is installed, a console Ui that writes to stderr and

@@ -53,14 +53,15 @@ inline constexpr double UnsetViewPosition = -32666.0;
 struct WadOptions
 {
     std::string IwadPath = "/usr/share/games/doom/freedoom2.wad";
-    bool ProjectNeverUsed = false; // the project's marker is still "ee"
-    bool ZdoomHexenFormat = false; // " ZDOOM - HEXEN format"
-    bool BoomTypes = false;        // " ZDOOM & BOOM types"
-    bool GlNodes = false;          // " GLnodes (as applicable)"
-    bool AllowDuplicates = false;  // Allow Duplicates
-    bool DuplicateLumpMsg = true;  // Duplicate Lump Msg
-    bool ExpertMode = false;       // Expert Mode (Fewer Messages)
-    bool NoIwadWarningMsg = false; // no  IWAD warning Msg
+    bool ProjectNeverUsed = false;    // the project's marker is still "ee"
+    bool ZdoomHexenFormat = false;    // " ZDOOM - HEXEN format"
+    bool BoomTypes = false;           // " ZDOOM & BOOM types"
+    bool GlNodes = false;             // " GLnodes (as applicable)"
+    bool AllowDuplicates = false;     // Allow Duplicates
+    bool DuplicateLumpMsg = true;     // Duplicate Lump Msg
+    bool ExpertMode = false;          // Expert Mode (Fewer Messages)
+    bool NoIwadWarningMsg = false;    // no  IWAD warning Msg
+    bool AutomaticSideUnpack = false; // Automatic SideUnpack
     std::int16_t AdditionalLumpEntries = 32000;
     std::int16_t FileLimit = 100;
     int LevelListLimit = 200;

@@ -143,6 +143,11 @@ bool RecordingUi::PollEscape()
     return EscapeFrom > 0 && EscapePolls >= EscapeFrom;
 }
 
+void RecordingUi::Beep()
+{
+    ++Beeps;
+}
+
 const Message& RecordingUi::Last() const
 {
     static const Message none;

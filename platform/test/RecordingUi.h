@@ -48,6 +48,7 @@ public:
     void ShowProgress(const std::string& caption, const std::string& detail) override;
     void EndProgress() override;
     bool PollEscape() override;
+    void Beep() override;
 
     /// The last message shown; fails the test when there is none.
     const Message& Last() const;
@@ -72,6 +73,7 @@ public:
     std::vector<std::string> StatusTexts;
     std::vector<std::pair<std::string, std::string>> Progress;
     int EscapePolls = 0;
+    int Beeps = 0;
 
 private:
     std::deque<int> Answers;

@@ -5,11 +5,12 @@ set -euo pipefail
 root=${1:-.}
 cd "$root"
 
-# folder: the folders it may include from (besides itself).
+# folder: the folders it may include from (besides itself). The level's records and object
+# store (map/) sit below the WAD layer, whose level reader and writers fill and store them.
 declare -A allowed=(
     [platform]=""
-    [wad]="platform"
-    [map]="platform wad"
+    [map]="platform"
+    [wad]="platform map"
     [game]="platform wad map"
     [gfx]="platform wad"
     [sound]="platform wad"

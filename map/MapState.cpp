@@ -1,0 +1,40 @@
+// The one instance of the map model's state; kind names and texture names.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "map/MapState.h"
+
+#include <algorithm>
+
+namespace kelvar::map
+{
+
+MapState& Map()
+{
+    static MapState state;
+    return state;
+}
+
+void ResetMap()
+{
+    Map() = MapState{};
+}
+
+const char* KindName(int kind)
+{
+    static constexpr const char* Names[] = {"Thing",   "LineDef", "SideDef", "Vertex", "Segment",
+                                            "SSector", "Node",    "Sector",  "Reject", "Blockmap"};
+    return kind >= 1 && kind <= 10 ? Names[kind - 1] : "<?unknown?>";
+}
+
+TextureName TextureName::From(std::string_view text)
+{
+    TextureName name;
+    std::copy_n(text.begin(), std::min<std::size_t>(text.size(), 8), name.Chars.begin());
+    return name;
+}
+
+std::string TextureName::Text() const
+{
+    return std::string(Chars.begin(), std::find(Chars.begin(), Chars.end(), '\0'));
+}
+
+} // namespace kelvar::map

@@ -1,0 +1,69 @@
+// The object store: growing, inserting, deleting with renumbering, bounds, copies of levels.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "map/LevelData.h"
+#include "map/ObjectList.h"
+
+namespace kelvar::map
+{
+
+/// First capacities of a level's arrays.
+inline constexpr std::int32_t FirstThingCapacity = 400;
+inline constexpr std::int32_t FirstLineDefCapacity = 800;
+inline constexpr std::int32_t FirstSideDefCapacity = 1200;
+inline constexpr std::int32_t FirstVertexCapacity = 1600;
+inline constexpr std::int32_t FirstSectorCapacity = 200;
+
+/// The step by which ResizeObject grows an array of the kind: 500, 4,000, 8,000, 8,000, 1,000.
+std::int32_t GrowthStep(int kind);
+
+/// Changes the count of a kind by one: a `delta` below 1 drops the last record (never below
+/// 0), 1 or more adds a default record, growing the allocation by the kind's step when the
+/// count exceeds the capacity. A kind other than 1, 2, 3, 4 and 8 is fatal
+/// ("ResizeObject wrong type %hd"). Waits for a running save first.
+void ResizeObject(LevelData& level, int kind, int delta);
+
+/// Appends one object and fills it in: from object `templateObject` of the same kind, or with
+/// the defaults for -1. Things and Vertexes take the position (x, y). Counts the change.
+/// Returns the new object's number, or -1 (and the error signal) for a kind the store
+/// doesn't hold.
+int InsertObject(LevelData& level, int kind, int templateObject, int x, int y);
+
+/// Removes one object with all that hangs on it, renumbering what follows. -1 does nothing.
+void DeleteObject(LevelData& level, int kind, int object);
+
+/// Deletes every object of the list, whatever its order, and empties the list.
+void DeleteObjectList(LevelData& level, int kind, ObjectList& list);
+
+/// Removes the Vertexes of the list that no LineDef uses, and empties the list.
+void PurgeOrphanVertices(LevelData& level, ObjectList& list);
+
+/// Widens the level's bounding box to take in a Vertex.
+void ExtendBounds(LevelData& level, const Vertex& vertex);
+
+/// Recomputes the bounding box from all Vertexes; a level without any gets the default frame
+/// 100, -100, 116, -116.
+void MeasureLevel(LevelData& level);
+
+/// Empties a level and gives it its first capacities; arrays already there are kept.
+void LevelInit(LevelData& level);
+
+/// Frees the arrays and zeroes capacities, counts and both change counters.
+void LevelFree(LevelData& level);
+
+/// Makes `destination` a full copy of `source`, allocations included.
+void LevelCopy(LevelData& destination, const LevelData& source);
+
+/// Keeps the impassable and two-sided bits of a LineDef consistent with its sides.
+void SetSideFlags(LineDef& line);
+
+/// Counts an edit of an object of `kind`: the change counter always, the geometry counter for
+/// every kind but Thing.
+void NoteChange(LevelData& level, int kind);
+
+/// Waits while a save writes; gives up after 20 seconds with "Stuck waiting for Save to
+/// finish?".
+void WaitForSave();
+
+} // namespace kelvar::map

@@ -1,0 +1,236 @@
+// LevelBuilder: levels built in a few calls for tests, in memory or as lumps of a WAD.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/testkit/LevelBuilder.h"
+
+#include "map/ObjectStore.h"
+
+namespace kelvar::testkit
+{
+namespace
+{
+
+void Put16(std::string& out, std::uint32_t value)
+{
+    out += static_cast<char>(value & 0xFF);
+    out += static_cast<char>((value >> 8) & 0xFF);
+}
+
+void Put32(std::string& out, std::uint32_t value)
+{
+    Put16(out, value & 0xFFFF);
+    Put16(out, value >> 16);
+}
+
+void PutName(std::string& out, const map::TextureName& name)
+{
+    out.append(name.Chars.begin(), name.Chars.end());
+}
+
+bool IsHexen(LevelLayout layout)
+{
+    return layout == LevelLayout::Hexen || layout == LevelLayout::ExtendedHexen;
+}
+
+} // namespace
+
+LevelBuilder::LevelBuilder()
+{
+    map::LevelInit(Data);
+}
+
+LevelBuilder& LevelBuilder::Vertex(int x, int y)
+{
+    Data.Vertexes.Array.push_back({static_cast<std::int16_t>(x), static_cast<std::int16_t>(y)});
+    return *this;
+}
+
+LevelBuilder& LevelBuilder::Sector(int floor, int ceiling)
+{
+    map::Sector sector;
+    sector.FloorHeight = static_cast<std::int16_t>(floor);
+    sector.CeilingHeight = static_cast<std::int16_t>(ceiling);
+    sector.FloorTexture = map::TextureName::From("FLOOR4_8");
+    sector.CeilingTexture = map::TextureName::From("CEIL3_5");
+    sector.Light = 160;
+    Data.Sectors.Array.push_back(sector);
+    return *this;
+}
+
+LevelBuilder& LevelBuilder::Side(std::uint32_t sector, std::string_view normal)
+{
+    map::SideDef side;
+    side.NormalTexture = map::TextureName::From(normal);
+    side.Sector = sector;
+    Data.SideDefs.Array.push_back(side);
+    return *this;
+}
+
+LevelBuilder& LevelBuilder::Line(std::uint32_t start, std::uint32_t end, std::uint32_t side1,
+                                 std::uint32_t side2)
+{
+    map::LineDef line;
+    line.StartVertex = start;
+    line.EndVertex = end;
+    line.SideDef1 = side1;
+    line.SideDef2 = side2;
+    map::SetSideFlags(line);
+    Data.LineDefs.Array.push_back(line);
+    return *this;
+}
+
+LevelBuilder& LevelBuilder::Room(int x, int y, int width, int height)
+{
+    const auto sector = static_cast<std::uint32_t>(Data.Sectors.Count());
+    const auto first = static_cast<std::uint32_t>(Data.Vertexes.Count());
+    Sector();
+    Vertex(x, y).Vertex(x, y + height).Vertex(x + width, y + height).Vertex(x + width, y);
+    for (std::uint32_t i = 0; i < 4; ++i)
+    {
+        const auto side = static_cast<std::uint32_t>(Data.SideDefs.Count());
+        Side(sector);
+        Line(first + i, first + (i + 1) % 4, side);
+    }
+    return *this;
+}
+
+LevelBuilder& LevelBuilder::Thing(int x, int y, std::uint16_t type, std::uint16_t angle,
+                                  std::uint16_t flags)
+{
+    map::Thing thing;
+    thing.X = x;
+    thing.Y = y;
+    thing.Type = type;
+    thing.Angle = angle;
+    thing.Flags = flags;
+    Data.Things.Array.push_back(thing);
+    return *this;
+}
+
+map::LevelData LevelBuilder::Build() const
+{
+    map::LevelData level = Data;
+    map::MeasureLevel(level);
+    return level;
+}
+
+std::string LevelBuilder::ThingsLump(LevelLayout layout) const
+{
+    std::string out;
+    for (const map::Thing& thing : Data.Things)
+    {
+        if (IsHexen(layout))
+        {
+            Put16(out, thing.Tid);
+            Put16(out, static_cast<std::uint16_t>(thing.X));
+            Put16(out, static_cast<std::uint16_t>(thing.Y));
+            Put16(out, static_cast<std::uint16_t>(thing.Z));
+            Put16(out, thing.Angle);
+            Put16(out, thing.Type);
+            Put16(out, thing.Flags);
+            out += static_cast<char>(thing.Special);
+            out.append(thing.Args.begin(), thing.Args.end());
+        }
+        else
+        {
+            Put16(out, static_cast<std::uint16_t>(thing.X));
+            Put16(out, static_cast<std::uint16_t>(thing.Y));
+            Put16(out, thing.Angle);
+            Put16(out, thing.Type);
+            Put16(out, thing.Flags);
+        }
+    }
+    return out;
+}
+
+std::string LevelBuilder::LineDefsLump(LevelLayout layout) const
+{
+    const bool extended =
+        layout == LevelLayout::ExtendedDoom || layout == LevelLayout::ExtendedHexen;
+    std::string out;
+    for (const map::LineDef& line : Data.LineDefs)
+    {
+        const auto put = [&](std::uint32_t value)
+        { extended ? Put32(out, value) : Put16(out, value); };
+        put(line.StartVertex);
+        put(line.EndVertex);
+        Put16(out, line.Flags);
+        if (IsHexen(layout))
+        {
+            out += static_cast<char>(line.Type);
+            out += static_cast<char>(line.Tag);
+            out.append(line.Args.begin(), line.Args.end());
+        }
+        else
+        {
+            Put16(out, line.Type);
+            Put16(out, line.Tag);
+        }
+        put(line.SideDef1);
+        put(line.SideDef2);
+    }
+    return out;
+}
+
+std::string LevelBuilder::SideDefsLump() const
+{
+    std::string out;
+    for (const map::SideDef& side : Data.SideDefs)
+    {
+        Put16(out, static_cast<std::uint16_t>(side.XOffset));
+        Put16(out, static_cast<std::uint16_t>(side.YOffset));
+        PutName(out, side.UpperTexture);
+        PutName(out, side.LowerTexture);
+        PutName(out, side.NormalTexture);
+        Put16(out, side.Sector);
+    }
+    return out;
+}
+
+std::string LevelBuilder::VertexesLump() const
+{
+    std::string out;
+    for (const map::Vertex& vertex : Data.Vertexes)
+    {
+        Put16(out, static_cast<std::uint16_t>(vertex.X));
+        Put16(out, static_cast<std::uint16_t>(vertex.Y));
+    }
+    return out;
+}
+
+std::string LevelBuilder::SectorsLump() const
+{
+    std::string out;
+    for (const map::Sector& sector : Data.Sectors)
+    {
+        Put16(out, static_cast<std::uint16_t>(sector.FloorHeight));
+        Put16(out, static_cast<std::uint16_t>(sector.CeilingHeight));
+        PutName(out, sector.FloorTexture);
+        PutName(out, sector.CeilingTexture);
+        Put16(out, static_cast<std::uint16_t>(sector.Light));
+        Put16(out, sector.Type);
+        Put16(out, sector.Tag);
+    }
+    return out;
+}
+
+WadBuilder& LevelBuilder::WriteTo(WadBuilder& wad, std::string_view name, LevelLayout layout) const
+{
+    wad.Marker(name)
+        .Lump("THINGS", ThingsLump(layout))
+        .Lump("LINEDEFS", LineDefsLump(layout))
+        .Lump("SIDEDEFS", SideDefsLump())
+        .Lump("VERTEXES", VertexesLump())
+        .Marker("SEGS")
+        .Marker("SSECTORS")
+        .Marker("NODES")
+        .Lump("SECTORS", SectorsLump())
+        .Marker("REJECT")
+        .Marker("BLOCKMAP");
+    if (IsHexen(layout))
+    {
+        wad.Lump("BEHAVIOR", std::string("ACS\0\x08\0\0\0\0\0\0\0\0\0\0\0", 16));
+    }
+    return wad;
+}
+
+} // namespace kelvar::testkit

@@ -1,0 +1,67 @@
+// LevelBuilder: levels built in a few calls for tests, in memory or as lumps of a WAD.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "map/LevelData.h"
+#include "tests/testkit/MapPrinters.h"
+#include "tests/testkit/WadBuilder.h"
+
+#include <string>
+#include <string_view>
+
+namespace kelvar::testkit
+{
+
+/// The layouts a built level can be written in.
+enum class LevelLayout
+{
+    Doom,
+    Hexen,
+    ExtendedDoom,
+    ExtendedHexen,
+};
+
+/// Builds a level: `LevelBuilder().Room(0, 0, 128, 128).Thing(64, 64, 1).Build()`. Numbers are
+/// given in the order objects are added, so tests can name them.
+class LevelBuilder
+{
+public:
+    LevelBuilder();
+
+    /// A Vertex.
+    LevelBuilder& Vertex(int x, int y);
+    /// A Sector with default flats (FLOOR4_8, CEIL3_5) and light 160.
+    LevelBuilder& Sector(int floor = 0, int ceiling = 128);
+    /// A SideDef facing Sector `sector`, with a normal texture.
+    LevelBuilder& Side(std::uint32_t sector, std::string_view normal = "STARTAN3");
+    /// A LineDef between two Vertexes with the given sides; flags follow the sides.
+    LevelBuilder& Line(std::uint32_t start, std::uint32_t end, std::uint32_t side1,
+                       std::uint32_t side2 = map::NoSideDef);
+    /// A closed square room: its Sector, four Vertexes, four one-sided LineDefs running
+    /// clockwise (their right sides face in) and their SideDefs.
+    LevelBuilder& Room(int x, int y, int width, int height);
+    /// A Thing.
+    LevelBuilder& Thing(int x, int y, std::uint16_t type, std::uint16_t angle = 0,
+                        std::uint16_t flags = 7);
+
+    /// The level as built so far, to change by hand (bad references and the like).
+    map::LevelData& Level() { return Data; }
+    /// The level, bounds measured.
+    map::LevelData Build() const;
+
+    /// Puts the level's marker and its five object lumps into a WAD, in canonical order; a
+    /// Hexen layout adds an empty BEHAVIOR after an empty BLOCKMAP.
+    WadBuilder& WriteTo(WadBuilder& wad, std::string_view name,
+                        LevelLayout layout = LevelLayout::Doom) const;
+
+    std::string ThingsLump(LevelLayout layout) const;
+    std::string LineDefsLump(LevelLayout layout) const;
+    std::string SideDefsLump() const;
+    std::string VertexesLump() const;
+    std::string SectorsLump() const;
+
+private:
+    map::LevelData Data;
+};
+
+} // namespace kelvar::testkit
