@@ -22,3 +22,7 @@ def median(action):
 
 print("omg.WadIO", median(lambda: omg.WadIO(path)))
 print("omg.WAD", median(lambda: omg.WAD(path)))
+if len(sys.argv) > 3:
+    level = sys.argv[3]
+    wad = omg.WAD(path)
+    print("omg.MapEditor", median(lambda: omg.MapEditor(wad.maps[level])))
