@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/Commands.h"
 
+#include "cli/LevelCommands.h"
+#include "cli/StatusCommands.h"
 #include "cli/WadCommands.h"
 #include "platform/ConsoleUi.h"
 #include "platform/Paths.h"
@@ -25,6 +27,11 @@ void PrintUsage(std::FILE* out)
                "                          over the IWAD: index, name, file, offset, size\n"
                "  levels IWAD [PWAD...]   the game the IWAD belongs to and its level list,\n"
                "                          with the file that supplies each level\n"
+               "  level IWAD [PWAD...] MAPNAME\n"
+               "                          one level: its layout, object counts, node lumps\n"
+               "                          and bounding box\n"
+               "  status FILE             a status file's frame and every named field\n"
+               "  status --build DIR      writes all control files into DIR\n"
                "\n"
                "Messages go to stderr. Exit status: 0 done, 1 bad usage, 2 a file was refused,\n"
                "4 a fatal error.\n",
@@ -55,6 +62,14 @@ int Run(int argc, char** argv)
     if (command == "levels" && !rest.empty())
     {
         return ListLevels(rest);
+    }
+    if (command == "level" && rest.size() >= 2)
+    {
+        return DescribeLevel(rest);
+    }
+    if (command == "status" && !rest.empty())
+    {
+        return StatusCommand(rest);
     }
     std::fprintf(stderr, "kelvar-cli: unknown command or missing arguments: %s\n\n",
                  std::string(command).c_str());

@@ -61,35 +61,6 @@ int IdentifyGameNumber(GameIdentity& game)
     return 2;
 }
 
-void NameFormat(GameIdentity& game, const WadOptions& options)
-{
-    game.ExpectedLevelEntries = 11;
-    switch (game.Format)
-    {
-    case 1:
-    case 2:
-        game.DisplayName = options.BoomTypes ? "BOOM" : "DOOM";
-        game.ConfigFile =
-            options.BoomTypes ? "BOOM.DFG" : (game.Format == 1 ? "DOOM1.DFG" : "DOOM2.DFG");
-        break;
-    case 3:
-        game.DisplayName = "HERETIC";
-        game.ConfigFile = "HERETIC.DFG";
-        break;
-    case 5:
-        game.DisplayName = "STRIFE";
-        game.ConfigFile = "STRIFE.DFG";
-        break;
-    default:
-        game.ExpectedLevelEntries = 12;
-        game.DisplayName = options.ZdoomHexenFormat ? "ZDOOM" : "HEXEN";
-        game.ConfigFile = !options.ZdoomHexenFormat ? "HEXEN.DFG"
-                          : game.Game == 3          ? "ZDOOMHERETIC.DFG"
-                                                    : "ZDOOMHEXEN.DFG";
-        break;
-    }
-}
-
 std::string Upper(std::string text)
 {
     for (char& c : text)
@@ -166,6 +137,27 @@ int WalkForIwad(const std::filesystem::path& directory, const std::string& wante
 
 } // namespace
 
+FormatNames NamesOfFormat(int format, int game, bool boomTypes, bool zdoomHexenFormat)
+{
+    switch (format)
+    {
+    case 1:
+    case 2:
+        return {boomTypes ? "BOOM" : "DOOM",
+                boomTypes ? "BOOM.DFG" : (format == 1 ? "DOOM1.DFG" : "DOOM2.DFG"), 11};
+    case 3:
+        return {"HERETIC", "HERETIC.DFG", 11};
+    case 5:
+        return {"STRIFE", "STRIFE.DFG", 11};
+    default:
+        if (!zdoomHexenFormat)
+        {
+            return {"HEXEN", "HEXEN.DFG", 12};
+        }
+        return {"ZDOOM", game == 3 ? "ZDOOMHERETIC.DFG" : "ZDOOMHEXEN.DFG", 12};
+    }
+}
+
 const char* GameName(int game)
 {
     switch (game)
@@ -203,7 +195,11 @@ void IdentifyGame()
     wad.Files[0].LevelLayout = hasBehavior ? 2 : 1;
     game.ExtendedTypes = ((game.Format == 1 || game.Format == 2) && wad.Options.BoomTypes) ||
                          (game.Format == 4 && wad.Options.ZdoomHexenFormat);
-    NameFormat(game, wad.Options);
+    FormatNames names =
+        NamesOfFormat(game.Format, game.Game, wad.Options.BoomTypes, wad.Options.ZdoomHexenFormat);
+    game.DisplayName = std::move(names.DisplayName);
+    game.ConfigFile = std::move(names.ConfigFile);
+    game.ExpectedLevelEntries = names.ExpectedLevelEntries;
 }
 
 int ScanMainIwad(const std::string& path)

@@ -13,6 +13,17 @@ namespace kelvar::wad
 /// The name of a game number: "Doom, Ultimate Doom", "Doom 2, Final Doom", "Heretic"...
 const char* GameName(int game);
 
+/// What a project format is called and how its levels look.
+struct FormatNames
+{
+    std::string DisplayName; // "DOOM", "BOOM", "HERETIC", "STRIFE", "HEXEN", "ZDOOM"
+    std::string ConfigFile;  // "DOOM1.DFG" ... "ZDOOMHERETIC.DFG"
+    int ExpectedLevelEntries = 11;
+};
+
+/// The names of a format (1 to 5) for a game, with the project's Boom and ZDoom switches.
+FormatNames NamesOfFormat(int format, int game, bool boomTypes, bool zdoomHexenFormat);
+
 /// Identifies the game from the master directory and sets Wad().Game: the game, the format
 /// (4 for any Hexen layout), the display name, the configuration file, the expected level
 /// entries and the texture record sizes. An unknown IWAD is taken as Doom 2 after
