@@ -3,6 +3,7 @@
 #include "cli/Commands.h"
 
 #include "cli/LevelCommands.h"
+#include "cli/RenderCommands.h"
 #include "cli/StatusCommands.h"
 #include "cli/WadCommands.h"
 #include "platform/ConsoleUi.h"
@@ -30,6 +31,10 @@ void PrintUsage(std::FILE* out)
                "  level IWAD [PWAD...] MAPNAME\n"
                "                          one level: its layout, object counts, node lumps\n"
                "                          and bounding box\n"
+               "  render IWAD [PWAD...] MAPNAME -o FILE.png [--mode MODE] [--size WxH]\n"
+               "                          the level drawn as the map window shows it at its\n"
+               "                          best fit; MODE is things, linedefs (the default),\n"
+               "                          vertexes or sectors; the size defaults to 1280x960\n"
                "  status FILE             a status file's frame and every named field\n"
                "  status --build DIR      writes all control files into DIR\n"
                "\n"
@@ -66,6 +71,10 @@ int Run(int argc, char** argv)
     if (command == "level" && rest.size() >= 2)
     {
         return DescribeLevel(rest);
+    }
+    if (command == "render")
+    {
+        return RenderLevel(rest);
     }
     if (command == "status" && !rest.empty())
     {

@@ -4,6 +4,8 @@
 
 #include "map/EditOptions.h"
 #include "map/LevelData.h"
+#include "map/Selection.h"
+#include "map/SpatialIndex.h"
 
 #include <functional>
 
@@ -23,6 +25,14 @@ struct MapState
     bool SaveBusy = false;     // a save is writing: changes to the store wait for it
     int SelectedCount = 0;     // live nodes of the general lists: the selection's size
     int DrawingCount = 0;      // live nodes of the drawing lists
+    SelectionState Select;     // what is marked and highlighted
+    /// Goes up with every change to any level's objects; caches built from a level (the
+    /// spatial index) compare it to know they are stale.
+    std::uint64_t Serial = 1;
+    /// The spatial index of the level last asked for, and the serial it was built at.
+    SpatialIndex Index;
+    const LevelData* IndexedLevel = nullptr;
+    std::uint64_t IndexedSerial = 0;
     /// Called when a level's ChangeCount has just become non-zero, for the window title.
     std::function<void()> TitleChanged;
 };
@@ -32,5 +42,9 @@ MapState& Map();
 
 /// Puts the map model back to its defaults (tests call it).
 void ResetMap();
+
+/// Tells the caches that a level's objects changed. NoteChange and every function of the
+/// store call it; code that rewrites a level's records directly calls it when done.
+void LevelChanged();
 
 } // namespace kelvar::map

@@ -25,7 +25,8 @@ enum class ListFamily : std::uint8_t
 class ObjectList
 {
 public:
-    explicit ObjectList(ListFamily family = ListFamily::General) : Family(family) {}
+    ObjectList() = default;
+    explicit ObjectList(ListFamily family) : Family(family) {}
     ~ObjectList();
     ObjectList(ObjectList&& other) noexcept;
     ObjectList& operator=(ObjectList&& other) noexcept;
@@ -67,7 +68,7 @@ private:
 
     void Count(int delta) const;
 
-    ListFamily Family;
+    ListFamily Family = ListFamily::General;
     std::vector<Node> Nodes;
     std::vector<std::int32_t> FreeNodes;
     std::unordered_map<std::int32_t, std::int32_t> Newest; // object -> its newest node

@@ -256,6 +256,7 @@ void ResizeObject(LevelData& level, int kind, int delta)
 
 void NoteChange(LevelData& level, int kind)
 {
+    LevelChanged();
     // The counters are 16 bits; 0 means "unchanged", so a count that wraps skips it.
     const bool first = level.ChangeCount == 0;
     if (++level.ChangeCount == 0)
@@ -372,6 +373,7 @@ void DeleteObject(LevelData& level, int kind, int object)
     {
         return;
     }
+    LevelChanged();
     if (kind <= 0 || kind > KindSector)
     {
         platform::TheUi().Beep();
@@ -427,6 +429,7 @@ void DeleteObjectList(LevelData& level, int kind, ObjectList& list)
 
 void PurgeOrphanVertices(LevelData& level, ObjectList& list)
 {
+    LevelChanged();
     std::vector<std::int32_t> candidates = list.Objects();
     ObjectListClear(list);
     for (const LineDef& line : level.LineDefs)
@@ -520,6 +523,7 @@ template <typename Record> void FreeArray(ObjectArray<Record>& array)
 
 void LevelInit(LevelData& level)
 {
+    LevelChanged();
     InitArray(level.Things, FirstThingCapacity);
     InitArray(level.LineDefs, FirstLineDefCapacity);
     InitArray(level.SideDefs, FirstSideDefCapacity);
@@ -537,6 +541,7 @@ void LevelInit(LevelData& level)
 
 void LevelFree(LevelData& level)
 {
+    LevelChanged();
     FreeArray(level.Things);
     FreeArray(level.LineDefs);
     FreeArray(level.SideDefs);
@@ -548,6 +553,7 @@ void LevelFree(LevelData& level)
 
 void LevelCopy(LevelData& destination, const LevelData& source)
 {
+    LevelChanged();
     destination = source;
     // The copy owns an allocation as large as the original's: an undo step costs the level's
     // capacity, and editing the copy grows it no sooner than the original would grow.

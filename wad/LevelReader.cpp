@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wad/LevelReader.h"
 
+#include "map/MapState.h"
 #include "map/ObjectStore.h"
 #include "map/SideDefPacking.h"
 #include "platform/Fatal.h"
@@ -379,6 +380,7 @@ int ReadLevel(LevelData& level, std::string_view levelName, bool newLevel)
     }
     NoteNodeLumps(level, layout, newLevel);
     map::MeasureLevel(level);
+    map::LevelChanged();
     CheckSideDefPacking(level);
     return 1;
 }

@@ -1,0 +1,300 @@
+// The map renderer: DrawMap's order of work, the grid, the selection overlay and feedback.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "view/Renderer.h"
+
+#include "view/RendererParts.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace kelvar::view
+{
+namespace
+{
+
+// The first grid multiple at or below a map value.
+int GridFloor(int value, int grid)
+{
+    return value >= 0 ? value / grid * grid : -((-value + grid - 1) / grid * grid);
+}
+
+// The grid of the current size, as one picture of the window's size blitted at once: dots at
+// the crossings, or lines through them (dashed with the option). A grid finer than three
+// pixels would only fill the window, and is left out.
+void DrawGrid(platform::Canvas& canvas, const ViewState& view)
+{
+    const int grid = view.Settings.GridSize;
+    const MapViewport& viewport = view.Viewport;
+    if ((view.Options.GridDisplay & GridShown) == 0 || grid <= 0 ||
+        grid * static_cast<double>(viewport.Scale) < 3.0)
+    {
+        return;
+    }
+    platform::MonoBitmap picture;
+    picture.Width = viewport.WidthPx;
+    picture.Height = viewport.HeightPx;
+    picture.Bits.assign(
+        static_cast<std::size_t>(picture.Width) * static_cast<std::size_t>(picture.Height), 0);
+    const auto set = [&](int x, int y)
+    {
+        if (x >= 0 && y >= 0 && x < picture.Width && y < picture.Height)
+        {
+            picture.Bits[static_cast<std::size_t>(y * picture.Width + x)] = 1;
+        }
+    };
+    std::vector<int> columns;
+    std::vector<int> rows;
+    for (int x = GridFloor(ScreenToMapX(viewport, -1), grid);
+         MapToScreenX(viewport, x) < picture.Width; x += grid)
+    {
+        columns.push_back(MapToScreenX(viewport, x));
+    }
+    for (int y = GridFloor(ScreenToMapY(viewport, picture.Height), grid);
+         MapToScreenY(viewport, y) >= 0; y += grid)
+    {
+        rows.push_back(MapToScreenY(viewport, y));
+    }
+    if (!view.Options.GridLines)
+    {
+        for (const int y : rows)
+        {
+            for (const int x : columns)
+            {
+                set(x, y);
+            }
+        }
+    }
+    else
+    {
+        const bool dashed = view.Options.GridDashed;
+        for (const int x : columns)
+        {
+            for (int y = 0; y < picture.Height; ++y)
+            {
+                if (!dashed || y % 6 < 3)
+                {
+                    set(x, y);
+                }
+            }
+        }
+        for (const int y : rows)
+        {
+            for (int x = 0; x < picture.Width; ++x)
+            {
+                if (!dashed || x % 6 < 3)
+                {
+                    set(x, y);
+                }
+            }
+        }
+    }
+    canvas.BlitMask(picture, 0, 0, view.Colors.Grid);
+}
+
+// Small crosses at every crossing of the 64-unit grid in the window.
+void DrawGrid64(platform::Canvas& canvas, const ViewState& view)
+{
+    const MapViewport& viewport = view.Viewport;
+    if ((view.Options.GridDisplay & Grid64Shown) == 0 || viewport.Scale < 0.1f)
+    {
+        return;
+    }
+    const int size = std::clamp(view.Settings.Grid64MarkSize, 2, 6);
+    platform::MonoBitmap cross;
+    cross.Width = cross.Height = 2 * size + 1;
+    cross.Bits.assign(static_cast<std::size_t>(cross.Width * cross.Height), 0);
+    for (int i = 0; i < cross.Width; ++i)
+    {
+        cross.Bits[static_cast<std::size_t>(size * cross.Width + i)] = 1;
+        cross.Bits[static_cast<std::size_t>(i * cross.Width + size)] = 1;
+    }
+    for (int x = GridFloor(ScreenToMapX(viewport, -1), 64);
+         MapToScreenX(viewport, x) < viewport.WidthPx; x += 64)
+    {
+        for (int y = GridFloor(ScreenToMapY(viewport, viewport.HeightPx), 64);
+             MapToScreenY(viewport, y) >= 0; y += 64)
+        {
+            canvas.BlitMask(cross, MapToScreenX(viewport, x) - size,
+                            MapToScreenY(viewport, y) - size, view.Colors.Grid64);
+        }
+    }
+}
+
+bool ThingsShown(int mode, const ViewState& view)
+{
+    return mode == ModeThings || view.Options.ThingsInAllModes;
+}
+
+void DrawThings(platform::Canvas& canvas, const map::LevelData& level, const ViewState& view)
+{
+    for (const map::Thing& thing : level.Things)
+    {
+        DrawThing(canvas, thing, view, false);
+    }
+}
+
+// One object of the edit mode in the highlight style: lines thick, points boxed.
+void DrawMarked(platform::Canvas& canvas, const MapPicture& picture, const ViewState& view,
+                int object, int width)
+{
+    const map::LevelData& level = *picture.Level;
+    const auto index = static_cast<std::size_t>(object);
+    canvas.SetPen(view.Colors.Selection, width);
+    switch (picture.EditMode)
+    {
+    case ModeThings:
+        if (index < level.Things.Array.size())
+        {
+            const map::Thing& thing = level.Things[index];
+            const int x = MapToScreenX(view.Viewport, thing.X);
+            const int y = MapToScreenY(view.Viewport, thing.Y);
+            const int r = std::max(static_cast<int>(16 * view.Viewport.Scale), 3) + 2 * width;
+            canvas.Rectangle(x - r, y - r, x + r + 1, y + r + 1);
+        }
+        break;
+    case ModeVertexes:
+        if (index < level.Vertexes.Array.size())
+        {
+            const map::Vertex& vertex = level.Vertexes[index];
+            const int x = MapToScreenX(view.Viewport, vertex.X);
+            const int y = MapToScreenY(view.Viewport, vertex.Y);
+            const int r = view.Options.VertexSize / 2 + 1 + width;
+            canvas.Rectangle(x - r, y - r, x + r + 1, y + r + 1);
+        }
+        break;
+    case ModeLineDefs:
+        if (index < level.LineDefs.Array.size())
+        {
+            DrawLevelLine(canvas, level, level.LineDefs[index], view);
+            DrawLineTick(canvas, level, level.LineDefs[index], view);
+        }
+        break;
+    case ModeSectors:
+        for (const map::LineDef& line : level.LineDefs)
+        {
+            for (const std::uint32_t side : {line.SideDef1, line.SideDef2})
+            {
+                if (side != map::NoSideDef && side < level.SideDefs.Array.size() &&
+                    level.SideDefs[side].Sector == static_cast<std::uint32_t>(object))
+                {
+                    DrawLevelLine(canvas, level, line, view);
+                    break;
+                }
+            }
+        }
+        break;
+    default:
+        break;
+    }
+}
+
+} // namespace
+
+void DrawSelection(platform::Canvas& canvas, const MapPicture& picture, const ViewState& view)
+{
+    canvas.SetRasterOp(platform::RasterOp::Xor);
+    canvas.SetBrush(platform::NullBrush);
+    if (picture.Selection != nullptr)
+    {
+        picture.Selection->ForEach([&](std::int32_t object)
+                                   { DrawMarked(canvas, picture, view, object, 3); });
+    }
+    if (picture.Highlighted >= 0)
+    {
+        DrawMarked(canvas, picture, view, picture.Highlighted, 1);
+    }
+    canvas.SetRasterOp(platform::RasterOp::Copy);
+}
+
+void DrawMap(platform::Canvas& canvas, const MapPicture& picture, const ViewState& view, int flags)
+{
+    if (picture.Level == nullptr)
+    {
+        return;
+    }
+    const map::LevelData& level = *picture.Level;
+    if ((flags & DrawSelectionOnly) != 0)
+    {
+        DrawSelection(canvas, picture, view);
+        return;
+    }
+    const bool sprites = picture.EditMode == ModeThings && view.Options.SpriteDisplay;
+    const int background = sprites ? view.Colors.BackgroundThings : view.Colors.Background;
+    canvas.SetRasterOp(platform::RasterOp::Copy);
+    if ((flags & DrawFull) != 0)
+    {
+        canvas.FillRect({-1, -1, view.Viewport.WidthPx + 1, view.Viewport.HeightPx + 1},
+                        background);
+    }
+    if (level.LineDefs.Array.empty() && level.Things.Array.empty() && level.Vertexes.Array.empty())
+    {
+        canvas.Flush();
+        return; // an empty level has nothing more to show
+    }
+    if ((flags & DrawLinesOnly) != 0)
+    {
+        canvas.SetPen(view.Colors.Line2Sided);
+        for (const map::LineDef& line : level.LineDefs)
+        {
+            DrawLevelLine(canvas, level, line, view);
+        }
+        canvas.Flush();
+        return;
+    }
+    DrawGrid(canvas, view);
+    DrawGrid64(canvas, view);
+    canvas.SetPen(view.Colors.Grid64);
+    canvas.MoveTo(0, 0);
+    canvas.LineTo(0, view.Viewport.HeightPx);
+    canvas.MoveTo(view.Viewport.WidthPx - 1, 0);
+    canvas.LineTo(view.Viewport.WidthPx - 1, view.Viewport.HeightPx);
+
+    DrawLinesInMode(canvas, level, picture.EditMode, view);
+    if (picture.EditMode == ModeVertexes || view.Options.ShowVertexes)
+    {
+        DrawVertexMarks(canvas, level, view);
+    }
+    if (ThingsShown(picture.EditMode, view))
+    {
+        DrawThings(canvas, level, view);
+    }
+    DrawSelection(canvas, picture, view);
+    canvas.Flush();
+}
+
+void XorRubberBand(platform::Canvas& canvas, const ViewState& view, int x1, int y1, int x2, int y2)
+{
+    canvas.SetRasterOp(platform::RasterOp::Xor);
+    canvas.SetPen(view.Colors.Selection, 1, platform::PenStyle::Dash);
+    canvas.SetBrush(platform::NullBrush);
+    canvas.Rectangle(std::min(x1, x2), std::min(y1, y2), std::max(x1, x2) + 1,
+                     std::max(y1, y2) + 1);
+    canvas.SetRasterOp(platform::RasterOp::Copy);
+}
+
+void XorRuler(platform::Canvas& canvas, const ViewState& view)
+{
+    const int radius =
+        static_cast<int>(view.Settings.RulerRadius * static_cast<double>(view.Viewport.Scale));
+    if (!view.Options.RulerOn || radius <= 0)
+    {
+        return;
+    }
+    const int x = view.Pointer.X;
+    const int y = view.Pointer.Y;
+    canvas.SetRasterOp(platform::RasterOp::Xor);
+    canvas.SetPen(view.Colors.Selection, 1,
+                  view.Options.RulerDashed ? platform::PenStyle::Dash : platform::PenStyle::Solid);
+    canvas.SetBrush(platform::NullBrush);
+    if (view.Options.RulerSquare)
+    {
+        canvas.Rectangle(x - radius, y - radius, x + radius + 1, y + radius + 1);
+    }
+    else
+    {
+        canvas.Ellipse(x - radius, y - radius, x + radius + 1, y + radius + 1);
+    }
+    canvas.SetRasterOp(platform::RasterOp::Copy);
+}
+
+} // namespace kelvar::view

@@ -1,0 +1,65 @@
+// The map renderer: the level drawn on a Canvas in the style of the current edit mode.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "map/LevelData.h"
+#include "map/ObjectList.h"
+#include "platform/Canvas.h"
+#include "view/ViewState.h"
+
+namespace kelvar::view
+{
+
+/// What DrawMap draws.
+struct MapPicture
+{
+    const map::LevelData* Level = nullptr;
+    int EditMode = ModeLineDefs;
+    const map::ObjectList* Selection = nullptr; // marked objects of the edit mode
+    int Highlighted = -1;                       // the object under the cursor
+};
+
+/// DrawMap flags: a full repaint, only the lines (the drag loop), only the selection.
+inline constexpr int DrawFull = 1;
+inline constexpr int DrawLinesOnly = 2;
+inline constexpr int DrawSelectionOnly = 0x8000;
+
+/// Draws the map: background, grid, 64-unit marks, frame, the mode's lines, Things and
+/// Vertexes, then the selection. An empty level draws nothing.
+void DrawMap(platform::Canvas& canvas, const MapPicture& picture, const ViewState& view, int flags);
+
+/// Draws the selection and the highlighted object in XOR, so a second call erases them.
+void DrawSelection(platform::Canvas& canvas, const MapPicture& picture, const ViewState& view);
+
+/// Draws one Thing in its symbol, size and colour, with its arrow or label.
+void DrawThing(platform::Canvas& canvas, const map::Thing& thing, const ViewState& view,
+               bool highlighted);
+
+/// Selects the pen of a LineDef type when its row has a colour; false when it has none.
+bool SelectLineTypePen(platform::Canvas& canvas, std::uint32_t type, std::uint16_t tag);
+
+/// Selects the pen of a special with a tag: teleports and scripts have their own colours.
+void SelectSpecialPen(platform::Canvas& canvas, std::uint32_t type, const ViewState& view);
+
+/// The colour a LineDef is drawn in, in LineDef mode; -1 for a line not drawn at all.
+int LineColor(const map::LineDef& line, const ViewState& view);
+
+/// The colour a LineDef is drawn in, in Sector mode.
+int SectorLineColor(const map::LevelData& level, const map::LineDef& line, const ViewState& view);
+
+/// A square of the Vertex size at a Vertex.
+void DrawVertexMark(platform::Canvas& canvas, const map::Vertex& vertex, const ViewState& view,
+                    int color);
+
+/// The short tick at a LineDef's middle that points to its front side.
+void DrawLineTick(platform::Canvas& canvas, const map::LevelData& level, const map::LineDef& line,
+                  const ViewState& view);
+
+/// The rubber band of a box selection between two pixel corners, in XOR: drawing it again
+/// erases it.
+void XorRubberBand(platform::Canvas& canvas, const ViewState& view, int x1, int y1, int x2, int y2);
+
+/// The ruler at the pointer, in XOR.
+void XorRuler(platform::Canvas& canvas, const ViewState& view);
+
+} // namespace kelvar::view
