@@ -40,6 +40,8 @@ struct Message
     MessageButtons Buttons = MessageButtons::Ok;
     bool SystemModal = false;
     bool Centred = false; // the multi-line form centres its lines
+    /// Texts of the buttons in order, when they aren't the usual OK, Yes, No, Cancel.
+    std::vector<std::string> ButtonTexts;
 
     /// True when the message needs an answer from the user.
     bool IsQuestion() const { return Buttons != MessageButtons::Ok; }

@@ -1,0 +1,143 @@
+// The Canvas port over QPainter.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/qt/QtCanvas.h"
+
+#include <QPolygon>
+
+namespace kelvar::platform
+{
+
+QtCanvas::QtCanvas(QImage& buffer, std::span<const std::uint32_t> colors)
+    : Buffer(buffer), Painter(&buffer), Colors(colors.begin(), colors.end())
+{
+    QFont font("Monospace");
+    font.setStyleHint(QFont::TypeWriter);
+    font.setPixelSize(10);
+    Painter.setFont(font);
+    Painter.setRenderHint(QPainter::Antialiasing, false);
+    Pen.setCosmetic(true);
+}
+
+QtCanvas::~QtCanvas()
+{
+    Painter.end();
+}
+
+QColor QtCanvas::ColorOf(int index) const
+{
+    const std::uint32_t rgb = index >= 0 && static_cast<std::size_t>(index) < Colors.size()
+                                  ? Colors[static_cast<std::size_t>(index)]
+                                  : 0;
+    return QColor::fromRgb(rgb);
+}
+
+void QtCanvas::SetPen(int color, int width, PenStyle style)
+{
+    Pen = QPen(ColorOf(color), width);
+    Pen.setCapStyle(Qt::FlatCap);
+    Pen.setStyle(style == PenStyle::Solid  ? Qt::SolidLine
+                 : style == PenStyle::Dash ? Qt::DashLine
+                                           : Qt::NoPen);
+    Painter.setPen(Pen);
+}
+
+void QtCanvas::SetBrush(int color)
+{
+    Painter.setBrush(color == NullBrush ? QBrush(Qt::NoBrush) : QBrush(ColorOf(color)));
+}
+
+void QtCanvas::SetRasterOp(RasterOp op)
+{
+    Painter.setCompositionMode(op == RasterOp::Xor ? QPainter::RasterOp_SourceXorDestination
+                                                   : QPainter::CompositionMode_SourceOver);
+}
+
+void QtCanvas::SetTextColor(int color)
+{
+    TextColor = ColorOf(color);
+}
+
+void QtCanvas::MoveTo(int x, int y)
+{
+    Cursor = QPoint(x, y);
+}
+
+void QtCanvas::LineTo(int x, int y)
+{
+    Painter.drawLine(Cursor, QPoint(x, y));
+    Cursor = QPoint(x, y);
+}
+
+void QtCanvas::Rectangle(int left, int top, int right, int bottom)
+{
+    // The box's right and bottom are outside it; Qt's rectangle of a 1-pixel pen is drawn
+    // on the edge pixels, so it spans one less.
+    Painter.drawRect(left, top, right - left - 1, bottom - top - 1);
+}
+
+void QtCanvas::Ellipse(int left, int top, int right, int bottom)
+{
+    Painter.drawEllipse(left, top, right - left - 1, bottom - top - 1);
+}
+
+void QtCanvas::Polygon(std::span<const Point> points)
+{
+    QPolygon polygon;
+    for (const Point& point : points)
+    {
+        polygon << QPoint(point.X, point.Y);
+    }
+    Painter.drawPolygon(polygon);
+}
+
+void QtCanvas::FillRect(const Rect& rect, int color)
+{
+    const QPainter::CompositionMode mode = Painter.compositionMode();
+    Painter.setCompositionMode(QPainter::CompositionMode_Source);
+    Painter.fillRect(QRect(rect.Left, rect.Top, rect.Right - rect.Left, rect.Bottom - rect.Top),
+                     ColorOf(color));
+    Painter.setCompositionMode(mode);
+}
+
+void QtCanvas::TextOut(int x, int y, std::string_view text)
+{
+    const QPen pen = Painter.pen();
+    Painter.setPen(TextColor);
+    const QFontMetrics metrics = Painter.fontMetrics();
+    Painter.drawText(x, y + metrics.ascent(),
+                     QString::fromLocal8Bit(text.data(), static_cast<qsizetype>(text.size())));
+    Painter.setPen(pen);
+}
+
+void QtCanvas::BlitMask(const MonoBitmap& bitmap, int x, int y, int color)
+{
+    if (bitmap.Width <= 0 || bitmap.Height <= 0)
+    {
+        return;
+    }
+    QImage picture(bitmap.Width, bitmap.Height, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::transparent);
+    const QRgb rgb = ColorOf(color).rgb();
+    for (int row = 0; row < bitmap.Height; ++row)
+    {
+        auto* line = reinterpret_cast<QRgb*>(picture.scanLine(row));
+        for (int column = 0; column < bitmap.Width; ++column)
+        {
+            if (bitmap.At(column, row))
+            {
+                line[column] = rgb;
+            }
+        }
+    }
+    Painter.drawImage(x, y, picture);
+}
+
+void QtCanvas::Flush()
+{
+    if (OnFlush)
+    {
+        OnFlush();
+    }
+}
+
+} // namespace kelvar::platform

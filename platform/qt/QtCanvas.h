@@ -1,0 +1,57 @@
+// The Canvas port over QPainter, drawing into a back buffer that a widget shows in one blit.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/Canvas.h"
+
+#include <QImage>
+#include <QPainter>
+#include <QPen>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace kelvar::platform
+{
+
+/// Draws into a QImage of the window's size; the widget paints the image when Flush says the
+/// picture is done. XOR drawing uses the raster engine's XOR composition.
+class QtCanvas final : public Canvas
+{
+public:
+    QtCanvas(QImage& buffer, std::span<const std::uint32_t> colors);
+    ~QtCanvas() override;
+    QtCanvas(const QtCanvas&) = delete;
+    QtCanvas& operator=(const QtCanvas&) = delete;
+
+    int Width() const override { return Buffer.width(); }
+    int Height() const override { return Buffer.height(); }
+    void SetPen(int color, int width, PenStyle style) override;
+    void SetBrush(int color) override;
+    void SetRasterOp(RasterOp op) override;
+    void SetTextColor(int color) override;
+    void MoveTo(int x, int y) override;
+    void LineTo(int x, int y) override;
+    void Rectangle(int left, int top, int right, int bottom) override;
+    void Ellipse(int left, int top, int right, int bottom) override;
+    void Polygon(std::span<const Point> points) override;
+    void FillRect(const Rect& rect, int color) override;
+    void TextOut(int x, int y, std::string_view text) override;
+    void BlitMask(const MonoBitmap& bitmap, int x, int y, int color) override;
+    void Flush() override;
+
+    /// Called by Flush: the widget repaints from the buffer.
+    std::function<void()> OnFlush;
+
+private:
+    QColor ColorOf(int index) const;
+
+    QImage& Buffer;
+    QPainter Painter;
+    std::vector<std::uint32_t> Colors;
+    QPen Pen;
+    QColor TextColor;
+    QPoint Cursor;
+};
+
+} // namespace kelvar::platform
