@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/Commands.h"
 
+#include "cli/GameCommands.h"
 #include "cli/LevelCommands.h"
 #include "cli/RenderCommands.h"
 #include "cli/StatusCommands.h"
@@ -37,6 +38,10 @@ void PrintUsage(std::FILE* out)
                "                          vertexes or sectors; the size defaults to 1280x960\n"
                "  status FILE             a status file's frame and every named field\n"
                "  status --build DIR      writes all control files into DIR\n"
+               "  types GAME things|lines|sectors [--opt FILE]\n"
+               "                          a type table after the OPT file's overlay, one row a\n"
+               "                          line, with its categories; GAME is doom, doom2,\n"
+               "                          heretic, hexen, strife, boom or zdoom\n"
                "\n"
                "Messages go to stderr. Exit status: 0 done, 1 bad usage, 2 a file was refused,\n"
                "4 a fatal error.\n",
@@ -79,6 +84,10 @@ int Run(int argc, char** argv)
     if (command == "status" && !rest.empty())
     {
         return StatusCommand(rest);
+    }
+    if (command == "types" && rest.size() >= 2)
+    {
+        return ListTypes(rest);
     }
     std::fprintf(stderr, "kelvar-cli: unknown command or missing arguments: %s\n\n",
                  std::string(command).c_str());

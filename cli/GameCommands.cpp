@@ -1,0 +1,166 @@
+// kelvar-cli commands over the game definitions: types.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/GameCommands.h"
+
+#include "cli/Commands.h"
+#include "game/GameState.h"
+#include "game/OptFile.h"
+#include "game/TypeRows.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <string_view>
+
+namespace kelvar::cli
+{
+namespace
+{
+
+// A game word: the IWAD kind, the level format and the project's Boom and ZDoom switches.
+struct GameWord
+{
+    std::string_view Word;
+    int IwadKind;
+    int LevelFormat;
+    bool Boom;
+    bool Zdoom;
+};
+
+constexpr GameWord Games[] = {
+    {"doom", 1, 1, false, false},  {"doom2", 2, 2, false, false},  {"heretic", 3, 3, false, false},
+    {"hexen", 4, 4, false, false}, {"strife", 5, 5, false, false}, {"boom", 2, 2, true, false},
+    {"zdoom", 2, 4, false, true},
+};
+
+std::string MenuLabel(const std::vector<game::CategoryMenuRow>& menu, std::uint32_t code)
+{
+    for (const game::CategoryMenuRow& row : menu)
+    {
+        if (row.category == code && row.label[0] != 'x')
+        {
+            return std::string(game::Text(row.label));
+        }
+    }
+    return {};
+}
+
+void PrintRow(const game::ThingTypeRow& row)
+{
+    const std::string sprite(game::Text(row.sprite));
+    const std::string name(game::Text(row.name));
+    const std::string text(game::Text(row.shape_text));
+    std::printf(
+        "%5u  %-8s  %-36s  color %2u  radius %3u  height %3u  property 0x%X  shape %u%s%s\n",
+        row.type, sprite.c_str(), name.c_str(), row.color, row.radius, row.height, row.property,
+        row.shape, text.empty() ? "" : " ", text.c_str());
+}
+
+void PrintRow(const game::SectorTypeRow& row)
+{
+    const std::string name(game::Text(row.name));
+    const std::string shortName(game::Text(row.short_name));
+    std::printf("%5u  %-48s  %s\n", row.type, name.c_str(), shortName.c_str());
+}
+
+void PrintRow(const game::LineTypeRow& row)
+{
+    const std::string name(game::Text(row.name));
+    const std::string shortName(game::Text(row.short_name));
+    std::printf("%5u  %-48s  %-18s  motion 0x%04X  property 0x%04X  tag %u  args %u,%u,%u,%u,%u"
+                "  color %u\n",
+                row.type, name.c_str(), shortName.c_str(), row.motion, row.property, row.tag_type,
+                row.args[0], row.args[1], row.args[2], row.args[3], row.args[4], row.color);
+}
+
+template <class Row>
+void PrintTable(const std::vector<Row>& rows, const std::vector<game::CategoryMenuRow>& menu)
+{
+    std::size_t free = 0;
+    const auto printFree = [&]
+    {
+        if (free != 0)
+        {
+            std::printf("       + %zu free rows\n", free);
+        }
+        free = 0;
+    };
+    for (const Row& row : rows)
+    {
+        if (row.type == game::EndOfTable)
+        {
+            break;
+        }
+        if (row.type >= game::FirstHeading)
+        {
+            printFree();
+            const std::string name(game::Text(row.name));
+            const std::string label = MenuLabel(menu, row.type);
+            std::printf("[0x%08X] %s%s%s%s\n", row.type, name.c_str(),
+                        label.empty() ? "" : "  (menu \"", label.c_str(),
+                        label.empty() ? "" : "\")");
+        }
+        else if (row.name[0] == 'x')
+        {
+            ++free;
+        }
+        else if (row.type == game::SeparatorType)
+        {
+            std::printf("  -----\n");
+        }
+        else
+        {
+            PrintRow(row);
+        }
+    }
+    printFree();
+}
+
+} // namespace
+
+int ListTypes(const std::vector<std::string>& arguments)
+{
+    const GameWord* chosen = nullptr;
+    for (const GameWord& word : Games)
+    {
+        if (word.Word == arguments[0])
+        {
+            chosen = &word;
+        }
+    }
+    const std::string& kind = arguments[1];
+    const bool optGiven = arguments.size() == 4 && arguments[2] == "--opt";
+    if (chosen == nullptr || (kind != "things" && kind != "lines" && kind != "sectors") ||
+        (arguments.size() != 2 && !optGiven))
+    {
+        std::fprintf(stderr, "kelvar-cli: types GAME things|lines|sectors [--opt FILE], GAME one "
+                             "of doom, doom2, heretic, hexen, strife, boom, zdoom\n");
+        return ExitUsage;
+    }
+    game::SelectTablesFor(chosen->IwadKind, chosen->LevelFormat, chosen->Boom, chosen->Zdoom);
+    if (optGiven)
+    {
+        std::error_code error;
+        const std::filesystem::path file = std::filesystem::absolute(arguments[3], error);
+        if (!game::ReadOptFile(file.string()))
+        {
+            std::fprintf(stderr, "kelvar-cli: can't read the OPT file %s\n", arguments[3].c_str());
+            return ExitBadFile;
+        }
+    }
+    const game::GameState& state = game::Game();
+    if (kind == "things")
+    {
+        PrintTable(state.Things, state.ThingMenu);
+    }
+    else if (kind == "lines")
+    {
+        PrintTable(state.LineDefs, state.LineDefMenu);
+    }
+    else
+    {
+        PrintTable(state.Sectors, state.SectorMenu);
+    }
+    return ExitOk;
+}
+
+} // namespace kelvar::cli

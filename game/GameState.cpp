@@ -1,0 +1,110 @@
+// The one instance of the game definitions' state, and the choice of the game's tables.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "game/GameState.h"
+
+#include "wad/WadState.h"
+
+namespace kelvar::game
+{
+namespace
+{
+
+TableSet TableSetOf(int game)
+{
+    switch (game)
+    {
+    case 3:
+        return TableSet::Heretic;
+    case 4:
+        return TableSet::Hexen;
+    case 5:
+        return TableSet::Strife;
+    default:
+        return TableSet::Doom;
+    }
+}
+
+// A Hexen IWAD keeps the Hexen menu, which has the argument entries already, so that the menu
+// offers the categories its Thing table holds.
+ThingMenuSet ThingMenuOf(int iwadKind, int levelFormat, bool zdoomTypes)
+{
+    if (levelFormat == 4 && zdoomTypes)
+    {
+        switch (iwadKind)
+        {
+        case 3:
+            return ThingMenuSet::ZdoomHeretic;
+        case 4:
+            return ThingMenuSet::Hexen;
+        case 5:
+            return ThingMenuSet::ZdoomStrife;
+        default:
+            return ThingMenuSet::ZdoomDoom;
+        }
+    }
+    switch (levelFormat)
+    {
+    case 3:
+        return ThingMenuSet::Heretic;
+    case 4:
+        return ThingMenuSet::Hexen;
+    case 5:
+        return ThingMenuSet::Strife;
+    default:
+        return ThingMenuSet::Doom;
+    }
+}
+
+template <class Row> std::vector<Row> Copy(std::span<const Row> rows)
+{
+    return std::vector<Row>(rows.begin(), rows.end());
+}
+
+} // namespace
+
+GameState& Game()
+{
+    static GameState state;
+    return state;
+}
+
+void ResetGame()
+{
+    Game() = GameState{};
+}
+
+void SelectGameTables()
+{
+    const wad::WadState& wad = wad::Wad();
+    SelectTablesFor(wad.Game.Game, wad.Game.Format, wad.Options.BoomTypes,
+                    wad.Options.ZdoomHexenFormat);
+}
+
+void SelectTablesFor(int iwadKind, int levelFormat, bool boomTypes, bool zdoomTypes)
+{
+    GameState& game = Game();
+    if (zdoomTypes)
+    {
+        levelFormat = 4;
+    }
+    game.IwadKind = iwadKind;
+    game.LevelFormat = levelFormat;
+    game.BoomTypes = boomTypes;
+    game.ZdoomTypes = zdoomTypes;
+
+    const TableSet things = TableSetOf(iwadKind);
+    const TableSet lines = levelFormat == 4 ? TableSet::Hexen : TableSetOf(iwadKind);
+    const TableSet menus = TableSetOf(levelFormat);
+    game.Things = Copy(BuiltInThings(things));
+    game.LineDefs = Copy(BuiltInLineDefs(lines));
+    game.Sectors = Copy(BuiltInSectors(lines));
+    game.ThingMenu = Copy(BuiltInThingMenu(ThingMenuOf(iwadKind, levelFormat, zdoomTypes)));
+    game.LineDefMenu = Copy(BuiltInLineDefMenu(menus));
+    game.SectorMenu = Copy(BuiltInSectorMenu(menus));
+
+    game.HasSaved = false;
+    game.Saved = SavedTables{};
+    game.Opt = OptCounters{};
+}
+
+} // namespace kelvar::game

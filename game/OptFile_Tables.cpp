@@ -1,0 +1,116 @@
+// The saved copies of the tables, the squeezing of names, and the Thing list for the 3D viewer.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "game/GameState.h"
+#include "game/OptFile.h"
+#include "wad/CheckedFile.h"
+#include "wad/WadState.h"
+
+#include <cstdio>
+#include <string>
+
+namespace kelvar::game
+{
+namespace
+{
+
+template <std::size_t N> void Squeeze(FixedText<N>& field)
+{
+    std::string text;
+    for (const char c : Text(field))
+    {
+        if (c != ' ' || text.empty() || text.back() != ' ')
+        {
+            text += c;
+        }
+    }
+    SetText(field, text);
+}
+
+} // namespace
+
+void SaveBuiltInTables()
+{
+    GameState& game = Game();
+    game.Saved = SavedTables{game.Things,    game.LineDefs,    game.Sectors,
+                             game.ThingMenu, game.LineDefMenu, game.SectorMenu};
+    game.HasSaved = true;
+}
+
+void RestoreBuiltInTables()
+{
+    GameState& game = Game();
+    if (!game.HasSaved)
+    {
+        return;
+    }
+    game.Things = game.Saved.Things;
+    game.LineDefs = game.Saved.LineDefs;
+    game.Sectors = game.Saved.Sectors;
+    game.ThingMenu = game.Saved.ThingMenu;
+    game.LineDefMenu = game.Saved.LineDefMenu;
+    game.SectorMenu = game.Saved.SectorMenu;
+}
+
+void FreeSavedTables()
+{
+    GameState& game = Game();
+    game.Saved = SavedTables{};
+    game.HasSaved = false;
+}
+
+void SqueezeTypeNames()
+{
+    GameState& game = Game();
+    for (ThingTypeRow& row : game.Things)
+    {
+        Squeeze(row.name);
+    }
+    for (LineTypeRow& row : game.LineDefs)
+    {
+        Squeeze(row.name);
+    }
+    for (SectorTypeRow& row : game.Sectors)
+    {
+        Squeeze(row.name);
+    }
+}
+
+int WriteThingList()
+{
+    const std::filesystem::path path = wad::Wad().ProgramDir / CurrentOptFileName;
+    wad::StreamPtr stream = wad::CheckedOpen(path, "wt", 0);
+    if (!stream)
+    {
+        return 0;
+    }
+    std::fputs("[THINGS]\n", stream.get());
+    const std::vector<ThingTypeRow>& rows = Game().Things;
+    bool headingWritten = false;
+    for (std::size_t i = 0; i < rows.size() && rows[i].type != EndOfTable; ++i)
+    {
+        const ThingTypeRow& row = rows[i];
+        const bool start =
+            row.property >= PropertyDeathMatch && row.property <= PropertyPlayerStart;
+        if (row.type == 0 || start)
+        {
+            continue;
+        }
+        if (row.type < SeparatorType)
+        {
+            const std::string sprite(Text(row.sprite));
+            const std::string name(Text(row.name));
+            std::fprintf(stream.get(), "%u \"%s\" \"%s\"\n", row.type, sprite.c_str(),
+                         name.c_str());
+            headingWritten = false;
+        }
+        else if (i + 1 < rows.size() && rows[i + 1].type != 0 && !headingWritten)
+        {
+            // Headings and separators become an unnamed category line, never two in a row.
+            std::fputs("\" \"\n", stream.get());
+            headingWritten = true;
+        }
+    }
+    return 1;
+}
+
+} // namespace kelvar::game

@@ -1,0 +1,77 @@
+// kelvar-cli types: a game's table after an OPT file, and the refusals of bad arguments.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/testkit/TempDir.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <string>
+#include <sys/wait.h>
+#include <vector>
+
+namespace kelvar
+{
+namespace
+{
+
+struct Output
+{
+    int Status = -1;
+    std::vector<std::string> Lines;
+};
+
+Output RunTypes(const std::string& arguments, const testkit::TempDir& config)
+{
+    const std::string command = "XDG_CONFIG_HOME=" + config.Path().string() + " " + KELVAR_CLI +
+                                " types " + arguments + " 2>&1";
+    Output output;
+    FILE* pipe = popen(command.c_str(), "r");
+    char buffer[512];
+    while (pipe != nullptr && std::fgets(buffer, sizeof buffer, pipe) != nullptr)
+    {
+        std::string line(buffer);
+        if (!line.empty() && line.back() == '\n')
+        {
+            line.pop_back();
+        }
+        output.Lines.push_back(line);
+    }
+    const int status = pipe != nullptr ? pclose(pipe) : -1;
+    output.Status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return output;
+}
+
+TEST(TypesCommand, ListsTheTableWithItsCategoriesAfterTheOverlay)
+{
+    testkit::TempDir dir;
+    const Output builtIn = RunTypes("doom things", dir);
+    ASSERT_EQ(builtIn.Status, 0);
+    ASSERT_GT(builtIn.Lines.size(), 2u);
+    EXPECT_EQ(builtIn.Lines[0],
+              "[0xFFFF8002] Player Start/Teleport  (menu \"Player Start/Teleport\")");
+    EXPECT_EQ(builtIn.Lines[1], "    1  PLAYA1    Player 1 Start                        color  2  "
+                                "radius  16  height  56  property 0x1001  shape 5 Play1");
+    EXPECT_EQ(builtIn.Lines[7], "       + 29 free rows");
+
+    testkit::WriteFile(dir.Path() / "MY.OPT", "[SECTORS]\n\"Hazards\" HealthDamage\n"
+                                              "18 \"Water Force Scroll East\" \"Water East\"\n");
+    const Output strife = RunTypes("strife sectors --opt " + (dir.Path() / "MY.OPT").string(), dir);
+    ASSERT_EQ(strife.Status, 0);
+    EXPECT_EQ(strife.Lines[11], "[0xFFFF8002] Health  (menu \"Hazards\")");
+    EXPECT_EQ(strife.Lines[23],
+              "   18  Water Force Scroll East                           Water East");
+}
+
+TEST(TypesCommand, RefusesWhatItCannotList)
+{
+    testkit::TempDir dir;
+    EXPECT_EQ(RunTypes("quake things", dir).Status, 1);
+    EXPECT_EQ(RunTypes("doom monsters", dir).Status, 1);
+    const Output missing = RunTypes("hexen lines --opt " + dir.File("NONE.OPT"), dir);
+    EXPECT_EQ(missing.Status, 2);
+    EXPECT_EQ(missing.Lines, std::vector<std::string>{"kelvar-cli: can't read the OPT file " +
+                                                      dir.File("NONE.OPT")});
+}
+
+} // namespace
+} // namespace kelvar
