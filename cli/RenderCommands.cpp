@@ -4,6 +4,7 @@
 
 #include "cli/Commands.h"
 #include "cli/WadCommands.h"
+#include "game/GameState.h"
 #include "map/MapState.h"
 #include "platform/raster/RasterCanvas.h"
 #include "view/Renderer.h"
@@ -115,6 +116,7 @@ int RenderLevel(const std::vector<std::string>& arguments)
     }
     map::LevelData& level = map::Map().Level;
     (void)wad::ReadLevel(level, request.Level, false);
+    game::SelectGameTables(); // Things in their symbols and colours, line types in theirs
 
     view::ViewState state;
     state.Options.LevelFormat = wad::Wad().Game.Format;

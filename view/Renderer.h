@@ -36,7 +36,7 @@ void DrawThing(platform::Canvas& canvas, const map::Thing& thing, const ViewStat
                bool highlighted);
 
 /// Selects the pen of a LineDef type when its row has a colour; false when it has none.
-bool SelectLineTypePen(platform::Canvas& canvas, std::uint32_t type, std::uint16_t tag);
+bool SelectLineTypePen(platform::Canvas& canvas, std::uint32_t type, std::uint16_t key);
 
 /// Selects the pen of a special with a tag: teleports and scripts have their own colours.
 void SelectSpecialPen(platform::Canvas& canvas, std::uint32_t type, const ViewState& view);

@@ -87,7 +87,9 @@ int LineColor(const map::LineDef& line, const ViewState& view)
     }
     if (line.Type != 0)
     {
-        const int own = LineTypeColor(line.Type, line.Tag);
+        // A Hexen key door's row is found by its key, the special's fourth argument.
+        const std::uint16_t key = view.Options.LevelFormat == 4 ? line.Args[2] : 0;
+        const int own = LineTypeColor(line.Type, key);
         if (own != 0)
         {
             return own;
@@ -121,9 +123,9 @@ int SectorLineColor(const map::LevelData& level, const map::LineDef& line, const
     return FlagColor(line, view.Colors);
 }
 
-bool SelectLineTypePen(platform::Canvas& canvas, std::uint32_t type, std::uint16_t tag)
+bool SelectLineTypePen(platform::Canvas& canvas, std::uint32_t type, std::uint16_t key)
 {
-    const int color = LineTypeColor(type, tag);
+    const int color = LineTypeColor(type, key);
     if (color == 0)
     {
         return false;

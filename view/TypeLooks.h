@@ -34,10 +34,11 @@ struct ThingLook
     std::string Sprite;
 };
 
-/// The look of a Thing from its type's row.
+/// The look of a Thing from its type's row; before a game is chosen, the unknown look.
 ThingLook LookOfThing(const map::Thing& thing, int levelFormat);
 
-/// The colour a LineDef type's row gives it, 0 for none.
-int LineTypeColor(std::uint32_t type, std::uint16_t tag);
+/// The colour a LineDef type's row gives it, 0 for none (or before a game is chosen). `key` picks
+/// among the Hexen key doors that share a number.
+int LineTypeColor(std::uint32_t type, std::uint16_t key);
 
 } // namespace kelvar::view

@@ -1,6 +1,8 @@
 // Tests of the renderer through the recording canvas, and of XOR drawing on the raster canvas.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "view/Renderer.h"
+#include "game/GameState.h"
+#include "game/TypeLookup.h"
 #include "map/MapState.h"
 #include "platform/raster/RasterCanvas.h"
 #include "platform/test/RecordingCanvas.h"
@@ -156,6 +158,43 @@ TEST_F(Renderer, ThingsAreAtLeastOnePixelAndTheirTextNeedsRoom)
     EXPECT_EQ(canvas.Texts, (std::vector<std::string>{"?"}));
     EXPECT_EQ(canvas.OpsNamed("Ellipse").size(), 1u);
     EXPECT_EQ(canvas.OpsNamed("Polygon").size(), 1u) << "the arrow's head";
+}
+
+TEST_F(Renderer, ThingsAndLineTypesTakeTheirLookFromTheGamesRows)
+{
+    game::SelectTablesFor(2, 2, false, false);
+    testkit::LevelBuilder builder;
+    builder.Room(0, 0, 128, 128).Thing(64, 64, 3001); // an imp
+    const map::LevelData level = builder.Build();
+    const game::ThingTypeRow& imp = game::ThingRowOfType(3001);
+    ASSERT_GT(imp.radius, 0);
+
+    RecordingCanvas canvas;
+    DrawThing(canvas, level.Things[0], State, false);
+    const auto ellipses = canvas.OpsNamed("Ellipse");
+    ASSERT_EQ(ellipses.size(), 1u);
+    EXPECT_EQ(ellipses[0].Args[2] - ellipses[0].Args[0], 2 * imp.radius + 1) << "radius at scale 1";
+    bool rowPen = false;
+    for (const auto& op : canvas.OpsNamed("Pen"))
+    {
+        rowPen = rowPen || op.Args[0] == imp.color;
+    }
+    EXPECT_TRUE(rowPen) << "the pen is the row's colour " << imp.color;
+
+    // A LineDef type whose row has a colour is drawn in it.
+    const game::GameState& tables = game::Game();
+    const auto coloured =
+        std::find_if(tables.LineDefs.begin(), tables.LineDefs.end(),
+                     [](const game::LineTypeRow& row)
+                     { return row.type > 0 && row.type < 0x10000 && row.color != 0; });
+    if (coloured != tables.LineDefs.end())
+    {
+        map::LineDef line;
+        line.Type = coloured->type;
+        line.Tag = 1;
+        EXPECT_EQ(LineColor(line, State), coloured->color);
+    }
+    game::ResetGame();
 }
 
 TEST_F(Renderer, TheGridIsOneBlitAndOnlyWhenItsCrossingsAreApart)
