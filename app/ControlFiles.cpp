@@ -4,6 +4,8 @@
 
 #include "app/StatusDefaults.h"
 #include "app/StatusFiles.h"
+#include "platform/Messages.h"
+#include "wad/WadState.h"
 
 #include <algorithm>
 
@@ -127,6 +129,41 @@ int BuildControlFiles(const std::filesystem::path& directory)
         }
     }
     return 1;
+}
+
+std::span<const OptFileText> DefaultOptFiles()
+{
+    static constexpr OptFileText Files[] = {
+#include "res/DefaultOptFiles.inc"
+    };
+    return Files;
+}
+
+int InstallDefaultOptFiles(const std::filesystem::path& directory)
+{
+    const std::filesystem::path folder = StatusDirectory(directory);
+    int written = 0;
+    for (const OptFileText& file : DefaultOptFiles())
+    {
+        const std::filesystem::path path = folder / file.Name;
+        std::error_code error;
+        if (std::filesystem::exists(path, error))
+        {
+            continue;
+        }
+        wad::StreamPtr stream(std::fopen(path.c_str(), "wb"));
+        if (!stream ||
+            std::fwrite(file.Text.data(), 1, file.Text.size(), stream.get()) != file.Text.size())
+        {
+            const std::string name = path.string();
+            platform::ShowError("Can't write %s", name.c_str());
+            stream.reset();
+            std::filesystem::remove(path, error);
+            continue;
+        }
+        ++written;
+    }
+    return written;
 }
 
 } // namespace kelvar::app

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kelvar::app
@@ -42,5 +43,18 @@ std::vector<std::string> ControlFileNames();
 /// each project row its .PRJ, its game configuration and its .TCF, then the tool files.
 /// Returns 1, or 0 at the first file that couldn't be written (it was reported).
 [[nodiscard]] int BuildControlFiles(const std::filesystem::path& directory = {});
+
+/// The default OPT files of the projects, compiled in: file name and text.
+struct OptFileText
+{
+    const char* Name;
+    std::string_view Text;
+};
+std::span<const OptFileText> DefaultOptFiles();
+
+/// Writes the default OPT files into `directory` (the program's directory when none is given)
+/// where a file of the name isn't there yet: the user's own changes stay. Returns the number
+/// written; a file that can't be written is reported and skipped.
+int InstallDefaultOptFiles(const std::filesystem::path& directory = {});
 
 } // namespace kelvar::app

@@ -39,6 +39,8 @@ ShellState& Shell()
 void ResetShell()
 {
     PutDefaults(Shell());
+    Shell().Commands = CommandWords{};
+    Shell().Requests = CommandRequests{};
 }
 
 void CopyToWadOptions(const ChkRecord& chk, const ProjectRecord& project, wad::WadOptions& options)

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "app/CommandState.h"
 #include "app/StatusRecords.h"
 #include "wad/WadState.h"
 
@@ -19,12 +20,15 @@ struct ShellState
     GameConfigRecord GameConfig;
     TextureControlRecord TextureControl;
     std::array<ToolRecord, ToolFileCount> Tools;
+    CommandWords Commands;
+    CommandRequests Requests;
 };
 
 /// The one instance of the shell's state.
 ShellState& Shell();
 
-/// Puts every record back to its built-in default (tests call it).
+/// Puts every record back to its built-in default, and the commands' words and requests back
+/// to their start (tests call it).
 void ResetShell();
 
 /// Copies what the WAD layer reads from KELVAR.CHK and the project into its options: the

@@ -105,6 +105,7 @@ constexpr StatusField ChkTable[] = {
     CHK(SelectedObjectsSolid, 257),
     CHK(SkipEnvironmentChecks, 259),
     CHK(TipOfTheDay, 263),
+    CHK(AutoStartReminder, 264),
     CHK(AutoSavePeriod, 266),
     CHK(DialogRestoreCursor, 268),
     CHK(ShowObjectTip, 269),

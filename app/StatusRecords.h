@@ -120,8 +120,8 @@ struct ChkRecord
     std::uint8_t SkipEnvironmentChecks; // companion of Auto Start Program
     std::uint8_t Reserved260[3];
     std::uint8_t TipOfTheDay;
-    std::uint8_t Reserved264[2];
-    std::int16_t AutoSavePeriod; // minutes: 0, 5, 10, 20, 30 or 60
+    std::int16_t AutoStartReminder; // 2: the AutoStart reminder stays away
+    std::int16_t AutoSavePeriod;    // minutes: 0, 5, 10, 20, 30 or 60
     std::uint8_t DialogRestoreCursor;
     std::uint8_t ShowObjectTip;
     std::uint8_t MouseClickMovesMap;

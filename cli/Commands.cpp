@@ -3,6 +3,7 @@
 #include "cli/Commands.h"
 
 #include "cli/GameCommands.h"
+#include "cli/KeyCommands.h"
 #include "cli/LevelCommands.h"
 #include "cli/RenderCommands.h"
 #include "cli/StatusCommands.h"
@@ -36,6 +37,9 @@ void PrintUsage(std::FILE* out)
                "                          the level drawn as the map window shows it at its\n"
                "                          best fit; MODE is things, linedefs (the default),\n"
                "                          vertexes or sectors; the size defaults to 1280x960\n"
+               "  keys [--menus]          the shortcut list: key, command, name; (-) marks a\n"
+               "                          command not built yet. --menus: the menu bar of\n"
+               "                          each edit mode\n"
                "  status FILE             a status file's frame and every named field\n"
                "  status --build DIR      writes all control files into DIR\n"
                "  types GAME things|lines|sectors [--opt FILE]\n"
@@ -80,6 +84,10 @@ int Run(int argc, char** argv)
     if (command == "render")
     {
         return RenderLevel(rest);
+    }
+    if (command == "keys")
+    {
+        return ListKeys(rest);
     }
     if (command == "status" && !rest.empty())
     {

@@ -415,3 +415,35 @@ int OpenPwad(const std::string& path, bool closeAfter, bool warnings)
 }
 
 } // namespace kelvar::wad
+
+namespace kelvar::wad
+{
+
+std::optional<LumpName> FirstLevelOfFile(std::FILE* stream, const std::string& path)
+{
+    char magic[4] = {};
+    if (std::fseek(stream, 0, SEEK_SET) != 0 || std::fread(magic, 1, 4, stream) != 4 ||
+        (std::string_view(magic, 4) != "PWAD" && std::string_view(magic, 4) != "IWAD"))
+    {
+        return std::nullopt;
+    }
+    const std::int64_t fileSize = FileSize(stream, 0);
+    WadHeader header;
+    if (!ReadHeader(stream, path, fileSize, header))
+    {
+        return std::nullopt;
+    }
+    const std::vector<LumpEntry> entries =
+        ReadDirectory(stream, path, fileSize, header, std::string_view(magic, 4) == "IWAD");
+    for (std::size_t i = 0; i < entries.size(); ++i)
+    {
+        int count = 0;
+        if (LevelAt(entries, i, entries.size(), count) > 0)
+        {
+            return entries[i].Name;
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace kelvar::wad

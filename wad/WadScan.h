@@ -2,6 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "wad/LumpName.h"
+
+#include <cstdio>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -27,5 +31,10 @@ void RenumberOrdinals();
 /// directory when there is none and there is room; the lump saver takes it over for a lump
 /// that has no entry yet.
 void EnsureSpareEntry();
+
+/// The name of the first level in an open WAD file ("PWAD" or "IWAD"), read from its own
+/// directory without touching the file table. Nothing for another kind of file or a file
+/// without levels; a damaged header or directory is reported as a scan reports it.
+std::optional<LumpName> FirstLevelOfFile(std::FILE* stream, const std::string& path);
 
 } // namespace kelvar::wad

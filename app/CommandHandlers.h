@@ -1,0 +1,42 @@
+// The handlers of the routing table, by the part of the shell they touch.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "app/Router.h"
+
+namespace kelvar::app
+{
+
+// Modes, files and the session (Router.cpp).
+void ModeCommand(int number, CommandSource source);        // 401 to 404, 409, 410
+void AutoModeCommand(int number, CommandSource source);    // 420
+void ExitCommand(int number, CommandSource source);        // 1044
+void EditLevelCommand(int number, CommandSource source);   // 1022
+void ResetRecentCommand(int number, CommandSource source); // 123
+void StartupCommand(int number, CommandSource source);     // 1280, 1284
+
+// Grid, centring, scrolling and the display toggles (ViewCommands.cpp).
+void GridCommand(int number, CommandSource source);        // 443, 445 to 448, 454, 523
+void NewGridSizeCommand(int number, CommandSource source); // 450
+void CentreCommand(int number, CommandSource source);      // 449, 455, 464
+void ScrollSpeedCommand(int number, CommandSource source); // 452, 453
+void ZoomToggleCommand(int number, CommandSource source);  // 421
+void DisplayCommand(int number, CommandSource source);     // 427, 441, 451, 496 to 498, 1012
+void RedrawCommand(int number, CommandSource source);      // 477
+
+// Selection, walking the objects and bookmarks (SelectCommands.cpp).
+void ClearSelectionCommand(int number, CommandSource source); // 210
+void WalkCommand(int number, CommandSource source);           // 303, 304
+void JumpCommand(int number, CommandSource source);           // 305
+void JumpToTagsCommand(int number, CommandSource source);     // 306
+void MarkSameThingsCommand(int number, CommandSource source); // 307
+void BookmarkCommand(int number, CommandSource source);       // 7000 to 7009, 7020 to 7029
+
+/// Stores the grid settings where the rest of the editor reads them: KELVAR.CHK's grid size
+/// and the editing options' grid and snap.
+void StoreGridSettings();
+
+/// Changes to `mode` keeping the object given under the cursor (Jump to Tags, bookmarks).
+void ChangeModeKeeping(int mode, int object);
+
+} // namespace kelvar::app

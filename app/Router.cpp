@@ -1,0 +1,368 @@
+// The command router, its table, and the handlers of modes, files and the session.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/Router.h"
+
+#include "app/CommandHandlers.h"
+#include "app/Modes.h"
+#include "app/RecentLists.h"
+#include "app/Session.h"
+#include "app/ShellState.h"
+#include "map/MapState.h"
+#include "platform/Ui.h"
+#include "wad/WadState.h"
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kelvar::app
+{
+namespace
+{
+
+constexpr int Things = ModeThings;
+constexpr int LineDefs = ModeLineDefs;
+constexpr int Vertexes = ModeVertexes;
+constexpr int Sectors = ModeSectors;
+
+// The first row holding a number wins: single numbers stand before the ranges round them.
+// Rows without a handler are commands whose work is not built yet.
+constexpr RouteRow RouteTable[] = {
+    // Saving, node builds, test play.
+    {CmdSaveNewReject, CmdSaveNewReject, AnyMode, nullptr, "Save with new RejectMask"},
+    {CmdBuildNodesAs, CmdBuildNodesAs, AnyMode, nullptr, "Build Node As"},
+    {CmdSaveLevel, CmdSaveLevelAs, AnyMode, nullptr, "Save, Save As"},
+    {CmdBuildNodes, CmdBuildNodes, AnyMode, nullptr, "Build Node"},
+    {CmdQuickSaveBackup, CmdQuickSaveBackup, AnyMode, nullptr, "Quick Save Backup"},
+    {CmdTestLevel, CmdTestLevel, AnyMode, nullptr, "Test Level"},
+    {CmdTextureAlign3D, CmdTextureAlign3D, AnyMode, nullptr, "3D Mode Texture Align"},
+    // Files, levels, projects.
+    {CmdEditLevel, CmdEditLevel, AnyMode, EditLevelCommand, "Edit Level"},
+    {CmdNewLevel, CmdNewLevel, AnyMode, nullptr, "New Level"},
+    {CmdCloseAllFiles, CmdCloseAllFiles, AnyMode, nullptr, "Close All Files"},
+    {CmdOpenPwad, CmdOpenPwad, AnyMode, nullptr, "Open PWAD"},
+    {CmdCloseOneFile, CmdCloseOneFile, AnyMode, nullptr, "Close 1 File"},
+    {CmdExit, CmdExit, AnyMode, ExitCommand, "Exit"},
+    {CmdChooseProject, CmdChooseTextureGroup, AnyMode, nullptr, "project, texture group"},
+    {CmdGroup, CmdUngroup, AnyMode, nullptr, "Group, UnGroup"},
+    {CmdMakeIwad, CmdMakeIwad, AnyMode, nullptr, "Save and make an IWAD"},
+    {CmdResetRecentList, CmdResetRecentList, AnyMode, ResetRecentCommand, "Reset recent PWAD List"},
+    {CommandStartup, CommandStartup, AnyMode, StartupCommand, "start-up"},
+    {CommandFirstStartup, CommandFirstStartup, AnyMode, StartupCommand, "first start-up"},
+    {CmdOptionsMenu, CmdCheckLevel, AnyMode, nullptr, "F5 to F10 menus"},
+    {CmdPackSideDefs, CmdCenterMapCoordinates, AnyMode, nullptr, "Pack, Unpack, Center"},
+    {CmdRenumberTags, CmdRenumberTags, AnyMode, nullptr, "Renumber"},
+    // Undo, clipboard, objects.
+    {CmdRedo, CmdRedo, AnyMode, nullptr, "Redo"},
+    {CmdUndo, CmdUndo, AnyMode, nullptr, "Undo"},
+    {CmdCut, CmdCut, AnyMode, nullptr, "Cut"},
+    {CmdDeleteObject, CmdDeleteObject, AnyMode, nullptr, "Delete"},
+    {CmdCopy, CmdPaste, AnyMode, nullptr, "Copy, Paste"},
+    {CmdSystemClipboardFirst, CmdViewSystemClipboard, AnyMode, nullptr, "system clipboard"},
+    {CmdMirror, CmdMirror, AnyMode, nullptr, "Mirror"},
+    {CmdAddObject, CmdAddObject, AnyMode, nullptr, "Add"},
+    {CmdOpenPrefab, CmdOpenPrefab, AnyMode, nullptr, "Open Prefab PWAD"},
+    {CmdSavePrefab, CmdSavePrefab, AnyMode, nullptr, "Save Clipboard as Prefab PWAD"},
+    {CmdPrefabSlotFirst, CmdPrefabSlotLast, AnyMode, nullptr, "prefab commands"},
+    {CmdViewClipboard, CmdThingMask, AnyMode, nullptr, "View Clipboard, Thing Filter Mask"},
+    {CmdViewLump, CmdWadList, AnyMode, nullptr, "ViewLump, Wadlist"},
+    {CmdClearSelection, CmdClearSelection, AnyMode, ClearSelectionCommand, "Clear Selection"},
+    {CmdFind, CmdRepeatLastFind, AnyMode, nullptr, "Find"},
+    {CmdNextObject, CmdPrevObject, AnyMode, WalkCommand, "Next, Prev. Object"},
+    {CmdJumpToObject, CmdJumpToObject, AnyMode, JumpCommand, "Jump to Object"},
+    {CmdJumpToTags, CmdJumpToTags, AnyMode, JumpToTagsCommand, "Jump to Tags"},
+    {CmdMarkSameThings, CmdMarkSameThings, Things, MarkSameThingsCommand, "Mark all same Things"},
+    {CmdFindMenuFirst, CmdFindMenuLast, AnyMode, nullptr, "finds and replaces"},
+    // Modes and tools.
+    {CmdThingsMode, CmdSectorsMode, AnyMode, ModeCommand, "modes"},
+    {CmdNextMode, CmdLastMode, AnyMode, ModeCommand, "Next, Last Mode"},
+    {CmdAutoModePassThrough, CmdAutoModePassThrough, AnyMode, ZoomToggleCommand,
+     "the Z key: the two fixed scales"},
+    {CmdSlowerScroll, CmdFasterScroll, AnyMode, ScrollSpeedCommand, "map scroll speed"},
+    {CmdRepeatToolFirst, CmdRepeatToolLast, AnyMode, nullptr, "repeat the last drawing tool"},
+    {CmdRepeatTool431, CmdRepeatTool431, AnyMode, nullptr, "repeat the last drawing tool"},
+    {CmdAutoMode, CmdAutoMode, AnyMode, AutoModeCommand, "AutoMode"},
+    {CmdRectangleTool, CmdStairTool, AnyMode, nullptr, "tools"},
+    {CmdTool426, CmdTool426, LineDefs | Sectors, nullptr, "tool"},
+    {CmdTool430, CmdTool430, AnyMode, nullptr, "tool"},
+    {CmdPrefabToolFirst, CmdPrefabToolLast, AnyMode, nullptr, "prefab tools"},
+    // The view.
+    {CmdToggleThingDisplay, CmdToggleThingDisplay, AnyMode, DisplayCommand, "Toggle Thing Display"},
+    {CmdSetTagOrHeight, CmdSetTagOrHeight, LineDefs | Sectors, nullptr, "Set tag or height"},
+    {CmdToggleGrid64, CmdToggleGrid64, AnyMode, GridCommand, "Toggle Grid 64"},
+    {CmdToggleGridDisplay, CmdToggleGridLine, AnyMode, GridCommand, "grid"},
+    {CmdToggleGridSnap, CmdToggleGridSnap, AnyMode, GridCommand, "Toggle Grid Snap"},
+    {CmdGridOff, CmdGridOff, AnyMode, GridCommand, "Grid off"},
+    {CmdCentreMap, CmdCentreMap, AnyMode, CentreCommand, "Centre map"},
+    {CmdCenterAtCursor, CmdCenterAtCursor, AnyMode, CentreCommand, "Center at cursor"},
+    {CmdCenterView, CmdCenterView, AnyMode, CentreCommand, "Center view on map"},
+    {CmdNewGridSize, CmdNewGridSize, AnyMode, NewGridSizeCommand, "New Grid Size"},
+    {CmdToggleVertexes, CmdToggleVertexes, AnyMode, DisplayCommand, "Toggle always show vertex"},
+    {CmdToggleInfoPane, CmdToggleInfoPane, AnyMode, DisplayCommand, "Toggle InfoBotm"},
+    {CmdToggleRuler, CmdToggleRulerShape, AnyMode, DisplayCommand, "ruler"},
+    {CmdToggleInvisibleLines, CmdToggleInvisibleLines, AnyMode, DisplayCommand,
+     "Toggle Invisible Lines"},
+    {CmdToggleCheckDisplay, CmdToggleCheckDisplay, AnyMode, nullptr, "Toggle check display"},
+    {CmdRedrawMap, CmdRedrawMap, AnyMode, RedrawCommand, "Redraw Map"},
+    {CmdWireFrame, CmdWireFrame, AnyMode, nullptr, "3D WireFrame Viewer"},
+    // LineDef, Sector and Thing operations.
+    {CmdFlipVertexesOnly, CmdSwapSideDefs, LineDefs, nullptr, "flip, swap"},
+    {CmdFlipLineDef, CmdFlipLineDef, LineDefs, nullptr, "flip"},
+    {CmdSide1Textures, CmdSide2Textures, LineDefs, nullptr, "texture pick for a side"},
+    {CmdAlignXShift, CmdAlignY, LineDefs, nullptr, "texture alignment"},
+    {CmdAlignYSide1, CmdAlignXLast, LineDefs, nullptr, "texture alignment"},
+    {CmdAlignXSide2, CmdAlignYSide2, LineDefs, nullptr, "texture alignment"},
+    {CmdRaiseCeiling, CmdLowerBoth, Sectors | Things, nullptr, "heights"},
+    {CmdLightUp, CmdLightLast, Sectors, nullptr, "light"},
+    {CmdEditObject, CmdEditObject, AnyMode, nullptr, "edit objects"},
+    {CmdEditObjectT, CmdEditObjectT, AnyMode, nullptr, "edit objects"},
+    {CmdMiscSectorsFirst, CmdMiscSectorsLast, Sectors, nullptr, "Misc popup of Sectors"},
+    {CmdMiscLineDefsFirst, CmdMiscLineDefsLast, LineDefs, nullptr, "Misc popup of LineDefs"},
+    {CmdMiscThingsFirst, CmdMiscThingsLast, Things, nullptr, "Misc popup of Things"},
+    {CmdMiscVertexesFirst, CmdMiscVertexesLast, Vertexes, nullptr, "Misc popup of Vertexes"},
+    {CmdAutoFixSector, CmdAutoFixSector, LineDefs | Sectors, nullptr, "Auto Fix Sector"},
+    {CmdRaiseByStep, CmdResetStep, AnyMode, nullptr, "object step"},
+    {CmdSplitAddVertex, CmdAlignLineDef, LineDefs, nullptr, "split, align"},
+    {CmdDeleteVertexJoin, CmdDeleteVertexJoin, Vertexes, nullptr,
+     "Delete Vertex and join Linedefs"},
+    {CmdTextureReport, CmdObjectReport, AnyMode, nullptr, "texture and object reports"},
+    {CmdStatistics, CmdCheckOpt, AnyMode, nullptr, "statistics, CheckOpt"},
+    // Help, the workbench, lump tools, toolbars, user tools.
+    {CmdHelpContents, CmdHelpContents, AnyMode, nullptr, "help"},
+    {CmdAbout, CmdAbout, AnyMode, nullptr, "About"},
+    {CmdTipsFirst, CmdTipsLast, AnyMode, nullptr, "tips, tutorial"},
+    {CmdScreenSaver, CmdScreenSaver, AnyMode, nullptr, "ScreenSaver"},
+    {CmdExtraMenuFirst, CmdExtraMenuLast, AnyMode, nullptr, "extra menus"},
+    {CmdScriptToolFirst, CmdScriptToolLast, AnyMode, nullptr, "script and text lump tools"},
+    {CmdLumpToolFirst, CmdLumpToolLast, AnyMode, nullptr, "lump tools"},
+    {CmdToolBarFirst, CmdToolBarLast, AnyMode, nullptr, "toolbars"},
+    {CmdUserToolFirst, CmdUserToolLast, AnyMode, nullptr, "user tool slots"},
+    {CmdSetBookmark0, CmdSetBookmark9, AnyMode, BookmarkCommand, "Set BookMark"},
+    {CmdGotoBookmark0, CmdGotoBookmark9, AnyMode, BookmarkCommand, "Goto BookMark"},
+    {CmdBrowserPick, CmdBrowserPick, AnyMode, nullptr, "value picked in a browser"},
+    // Keys whose commands belong to the workbench and to parts not built yet.
+    {CmdCalculator, CmdCalculator, AnyMode, nullptr, "Calculator"},
+    {CmdBookmarkBrowser, CmdBookmarkBrowser, AnyMode, nullptr, "Bookmark browser"},
+    {CmdToggleGridColor, CmdToggleGridColor, AnyMode, nullptr, "Toggle grid-colour mark"},
+    {CmdToggleRulerKey, CmdToggleRulerKey, AnyMode, nullptr, "Toggle ruler key"},
+    {CmdMeasure, CmdCycleDetail, AnyMode, nullptr, "Measure, cursor tracking, detail"},
+    {CmdInsertObject, CmdDeleteObjectShift, AnyMode, nullptr, "Insert, Delete variants"},
+    {CmdPaletteView, CmdThingTextureTool, AnyMode, nullptr, "Palette view, Thing/Texture tool"},
+    {CmdSplitIntoArc, CmdSplitSectorH, LineDefs, nullptr, "arc and split variants"},
+    {CmdEditMenuPopup, CmdEditMenuPopup, AnyMode, nullptr, "Edit menu popup"},
+    {CmdHelpIndex, CmdHelpIndex, AnyMode, nullptr, "Index"},
+    {CmdFindChange, CmdFindChange, AnyMode, nullptr, "Find/Change"},
+    {CmdKeyboardSummary, CmdKeyboardSummary, AnyMode, nullptr, "Keyboard Summary"},
+    {CmdViewPictureFiles, CmdViewCdFiles, AnyMode, nullptr, "file viewers"},
+};
+
+// The recent PWAD a number names, or nothing for a number beyond the list's names.
+std::optional<std::string> RecentPwadOf(int number)
+{
+    const std::vector<std::string> names = RecentNames(Shell().Project.RecentPwads);
+    const int place = number - CmdRecentPwadFirst;
+    if (place < 0 || place >= static_cast<int>(names.size()))
+    {
+        return std::nullopt;
+    }
+    return names[static_cast<std::size_t>(place)];
+}
+
+void AskForRefresh()
+{
+    CommandRequests& requests = Shell().Requests;
+    requests.RedrawMap = true;
+    requests.RefreshStatus = true;
+    requests.RefreshInfoPanes = true;
+}
+
+// Steps 4 to 6 of RunCommand, while CommandBusy is set.
+CommandResult Route(int number, CommandSource source)
+{
+    if (number >= CmdRecentPwadFirst && number < CmdRecentPwadFirst + int{RecentCount})
+    {
+        if (const std::optional<std::string> name = RecentPwadOf(number))
+        {
+            Shell().Commands.OpenPwadName = *name;
+            number = CmdOpenPwad;
+        }
+    }
+    const RouteRow* row = FindRoute(number);
+    if (row == nullptr)
+    {
+        platform::TheUi().Beep();
+        return CommandResult::Unknown;
+    }
+    if (row->Modes != AnyMode && (row->Modes & EditMode()) == 0)
+    {
+        return CommandResult::WrongMode;
+    }
+    if (row->Handler == nullptr)
+    {
+        platform::TheUi().Beep();
+        return CommandResult::NotAvailable;
+    }
+    row->Handler(number, source);
+    AskForRefresh();
+    return CommandResult::Done;
+}
+
+} // namespace
+
+CommandRequests TakeRequests()
+{
+    CommandRequests taken = Shell().Requests;
+    Shell().Requests = CommandRequests{};
+    return taken;
+}
+
+std::span<const RouteRow> RouteRows()
+{
+    return RouteTable;
+}
+
+const RouteRow* FindRoute(int number)
+{
+    for (const RouteRow& row : RouteTable)
+    {
+        if (number >= row.First && number <= row.Last)
+        {
+            return &row;
+        }
+    }
+    return nullptr;
+}
+
+bool IsCommandAvailable(int number)
+{
+    if (number >= CmdRecentPwadFirst && number < CmdRecentPwadFirst + int{RecentCount})
+    {
+        number = CmdOpenPwad;
+    }
+    const RouteRow* row = FindRoute(number);
+    return row != nullptr && row->Handler != nullptr;
+}
+
+std::uint16_t CurrentLevelNumber()
+{
+    const std::string name = GetText(Shell().Project.LevelName);
+    const std::vector<wad::LevelListEntry>& levels = wad::Wad().Levels;
+    for (std::size_t i = 0; i < levels.size(); ++i)
+    {
+        if (levels[i].Name.Text() == name)
+        {
+            return static_cast<std::uint16_t>(i);
+        }
+    }
+    return 0;
+}
+
+bool IsCommandEnabled(int number)
+{
+    if (!IsCommandAvailable(number))
+    {
+        return false;
+    }
+    if (number >= CmdGotoBookmark0 && number <= CmdGotoBookmark9)
+    {
+        const map::Bookmark& bookmark =
+            map::Selected().Bookmarks[static_cast<std::size_t>(number - CmdGotoBookmark0)];
+        return bookmark.Mode != 0 && bookmark.Project == 0 &&
+               bookmark.Level == CurrentLevelNumber();
+    }
+    return true;
+}
+
+CommandResult RunCommand(int number, CommandSource source)
+{
+    SessionState& session = Session();
+    session.IdleMinutes = 0;
+    if (session.CommandBusy && session.AppState != AppEditing)
+    {
+        platform::TheUi().Beep();
+        return CommandResult::Busy;
+    }
+    // A nested command (allowed in the editing state) gives the flag back as the outer
+    // command had it, so the outer one stays guarded; the outermost leaves it clear.
+    const bool outer = session.CommandBusy;
+    session.CommandBusy = true;
+    const CommandResult result = Route(number, source);
+    Session().CommandBusy = outer;
+    return result;
+}
+
+void ModeCommand(int number, CommandSource /*source*/)
+{
+    switch (number)
+    {
+    case CmdNextMode:
+        ChooseMode(NextModeAfter(EditMode()));
+        break;
+    case CmdLastMode:
+        ChooseMode(ModeBefore(EditMode()));
+        break;
+    default:
+    {
+        constexpr int Modes[] = {ModeThings, ModeLineDefs, ModeVertexes, ModeSectors};
+        ChooseMode(Modes[number - CmdThingsMode]);
+        break;
+    }
+    }
+}
+
+void AutoModeCommand(int /*number*/, CommandSource /*source*/)
+{
+    map::SelectionState& select = map::Selected();
+    select.AutoMode = !select.AutoMode;
+    Shell().Requests.Sound = SoundCue::Confirm;
+}
+
+void ExitCommand(int /*number*/, CommandSource /*source*/)
+{
+    // The window runs the exit prompt: only it can close.
+    Shell().Requests.QuitRequested = true;
+}
+
+void EditLevelCommand(int /*number*/, CommandSource /*source*/)
+{
+    if (wad::Wad().Levels.empty() || !ContinueWithUnsavedChanges())
+    {
+        return;
+    }
+    // The load shows the list of levels (the EditLevel dialog) and reads the one chosen; a
+    // cancelled list leaves the level as it was.
+    SessionState& session = Session();
+    const bool withoutAsking = session.OpenLevelWithoutAsking;
+    session.OpenLevelWithoutAsking = false;
+    (void)LoadCurrentLevel(false, false);
+    session.OpenLevelWithoutAsking = withoutAsking;
+}
+
+void ResetRecentCommand(int /*number*/, CommandSource /*source*/)
+{
+    for (auto& name : Shell().Project.RecentPwads)
+    {
+        std::fill(std::begin(name), std::end(name), '\0');
+    }
+    Shell().Requests.MenuStateChanged = true;
+}
+
+void StartupCommand(int number, CommandSource /*source*/)
+{
+    // A failed start-up has the window destroyed through the session's hook.
+    (void)RunStartupCommand(number);
+}
+
+void ChangeModeKeeping(int mode, int object)
+{
+    if (mode != EditMode())
+    {
+        map::Selected().PreviousMode = static_cast<std::uint16_t>(EditMode());
+        Shell().Chk.EditMode = static_cast<std::int16_t>(mode);
+        SwitchMode();
+    }
+    map::Selected().HighlightedObject = object;
+}
+
+} // namespace kelvar::app

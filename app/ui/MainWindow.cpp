@@ -1,0 +1,382 @@
+// The main window: menus from the menu rows, the map window, the info pane, the status bar.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/ui/MainWindow.h"
+
+#include "app/CommandState.h"
+#include "app/Menus.h"
+#include "app/Modes.h"
+#include "app/PaneTexts.h"
+#include "app/Router.h"
+#include "app/Session.h"
+#include "app/ShellState.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QCursor>
+#include <QFontDatabase>
+#include <QMenuBar>
+#include <QScreen>
+#include <QStatusBar>
+#include <QVBoxLayout>
+
+namespace kelvar::app
+{
+namespace
+{
+
+QString Text(std::string_view text)
+{
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+} // namespace
+
+MainWindow::MainWindow()
+{
+    setWindowTitle(VersionText);
+    setObjectName("KelvarMain");
+
+    auto* central = new QWidget(this);
+    auto* layout = new QVBoxLayout(central);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    MapView = new MapWidget(central);
+    layout->addWidget(MapView, 1);
+
+    InfoPane = new QWidget(central);
+    auto* paneLayout = new QHBoxLayout(InfoPane);
+    paneLayout->setContentsMargins(6, 2, 6, 2);
+    const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    InfoLines = new QLabel(InfoPane);
+    InfoLines->setFont(fixed);
+    InfoLines->setAlignment(Qt::AlignTop | Qt::AlignLeft);
+    InfoLines->setObjectName("InfoLines");
+    InfoTextures = new QLabel(InfoPane);
+    InfoTextures->setFont(fixed);
+    InfoTextures->setAlignment(Qt::AlignTop | Qt::AlignLeft);
+    paneLayout->addWidget(InfoLines, 1);
+    paneLayout->addWidget(InfoTextures, 1);
+    layout->addWidget(InfoPane, 0);
+    setCentralWidget(central);
+
+    StatusMessage = new QLabel(this);
+    statusBar()->addWidget(StatusMessage, 1);
+    for (std::size_t i = 0; i < StatusBarTexts().size(); ++i)
+    {
+        auto* field = new QLabel(this);
+        field->setFrameStyle(QFrame::Panel | QFrame::Sunken);
+        statusBar()->addPermanentWidget(field);
+        StatusFields.push_back(field);
+    }
+
+    connect(MapView, &MapWidget::RequestsLeft, this, &MainWindow::ActOnRequests);
+    connect(MapView, &MapWidget::CommandKey, this, [this](int command) { Run(command, true); });
+    connect(MapView, &MapWidget::PopupMenuWanted, this, &MainWindow::ShowMiscPopup);
+
+    BuildMenus();
+    InstallSessionHooks();
+    RefreshStatus();
+    RefreshInfoPane();
+    MapView->setFocus();
+}
+
+MainWindow::~MainWindow()
+{
+    Session().Hooks = SessionHooks{};
+}
+
+void MainWindow::InstallSessionHooks()
+{
+    SessionHooks& hooks = Session().Hooks;
+    hooks.RebuildFileMenu = [this] { BuildMenus(); };
+    hooks.MiscPopupChanged = [this] { BuildMenus(); };
+    hooks.LevelShown = [this]
+    {
+        CommandRequests& requests = Shell().Requests;
+        requests.RedrawMap = requests.RefreshStatus = requests.RefreshInfoPanes = true;
+        requests.MenuStateChanged = true;
+        ActOnRequests();
+    };
+    hooks.WaitCursor = [](bool on)
+    {
+        if (on)
+        {
+            QApplication::setOverrideCursor(Qt::WaitCursor);
+        }
+        else
+        {
+            QApplication::restoreOverrideCursor();
+        }
+    };
+    hooks.DestroyWindow = [this] { CloseNow(); };
+    hooks.ScreenSize = [this]
+    {
+        const QScreen* screen = this->screen();
+        const QSize size = screen != nullptr ? screen->size() : QSize();
+        return std::pair<int, int>(size.width(), size.height());
+    };
+}
+
+// --- Menus ---------------------------------------------------------------------------------
+
+void MainWindow::BuildMenus()
+{
+    QMenuBar* bar = menuBar();
+    bar->clear();
+    std::vector<QMenu*> open; // the popup of each depth
+    const std::vector<MenuRow> rows = MenuBarRows(EditMode());
+    for (std::size_t i = 0; i < rows.size(); ++i)
+    {
+        const MenuRow& row = rows[i];
+        const auto depth = static_cast<std::size_t>(row.Depth);
+        open.resize(depth);
+        QMenu* parent = depth == 0 ? nullptr : open[depth - 1];
+        const bool popup = row.Command == 0 || IsMiscPopup(row);
+        if (depth == 0)
+        {
+            QMenu* menu = bar->addMenu(Text(row.Text));
+            connect(menu, &QMenu::aboutToShow, this, [this, menu] { RefreshEnabledStates(menu); });
+            open.push_back(menu);
+            continue;
+        }
+        if (parent == nullptr)
+        {
+            continue;
+        }
+        if (row.Text.empty())
+        {
+            parent->addSeparator();
+            continue;
+        }
+        if (popup)
+        {
+            QMenu* menu = parent->addMenu(Text(row.Text));
+            const bool hasRows = i + 1 < rows.size() && rows[i + 1].Depth > row.Depth;
+            if (!hasRows)
+            {
+                FillRecentMenu(menu);
+            }
+            open.push_back(menu);
+            continue;
+        }
+        QAction* action = parent->addAction(Text(row.Text));
+        const int command = row.Command;
+        action->setData(command);
+        action->setEnabled(IsCommandAvailable(command));
+        connect(action, &QAction::triggered, this, [this, command] { Run(command); });
+    }
+}
+
+void MainWindow::FillRecentMenu(QMenu* menu)
+{
+    for (const RecentEntry& entry : RecentPwadEntries())
+    {
+        QAction* action = menu->addAction(QString::fromStdString(entry.Text));
+        const int command = entry.Command;
+        action->setData(command);
+        connect(action, &QAction::triggered, this, [this, command] { Run(command); });
+    }
+    menu->setEnabled(!menu->isEmpty());
+}
+
+void MainWindow::RefreshEnabledStates(QMenu* menu)
+{
+    for (QAction* action : menu->actions())
+    {
+        if (action->menu() != nullptr)
+        {
+            RefreshEnabledStates(action->menu());
+        }
+        else if (action->data().isValid())
+        {
+            action->setEnabled(IsCommandEnabled(action->data().toInt()));
+        }
+    }
+}
+
+void MainWindow::ShowMiscPopup(QPoint position)
+{
+    QMenu popup(this);
+    std::vector<QMenu*> open{&popup};
+    const std::span<const MenuRow> rows = MiscPopupRows(EditMode());
+    for (std::size_t i = 1; i < rows.size(); ++i)
+    {
+        const MenuRow& row = rows[i];
+        const auto depth = static_cast<std::size_t>(row.Depth);
+        open.resize(std::max<std::size_t>(depth, 1));
+        QMenu* parent = open[depth - 1];
+        if (row.Text.empty())
+        {
+            parent->addSeparator();
+        }
+        else if (row.Command == 0)
+        {
+            open.push_back(parent->addMenu(Text(row.Text)));
+        }
+        else
+        {
+            QAction* action = parent->addAction(Text(row.Text));
+            action->setEnabled(IsCommandEnabled(row.Command));
+            const int command = row.Command;
+            connect(action, &QAction::triggered, this, [this, command] { Run(command); });
+        }
+    }
+    popup.exec(MapView->mapToGlobal(position));
+}
+
+// --- Commands and requests -----------------------------------------------------------------
+
+void MainWindow::Run(int command, bool fromKey)
+{
+    const CommandResult result =
+        RunCommand(command, fromKey ? CommandSource::Key : CommandSource::Menu);
+    if (result == CommandResult::Busy || result == CommandResult::Unknown ||
+        result == CommandResult::NotAvailable)
+    {
+        QApplication::beep();
+    }
+    ActOnRequests();
+}
+
+void MainWindow::ActOnRequests()
+{
+    if (Acting)
+    {
+        return;
+    }
+    Acting = true;
+    const CommandRequests requests = TakeRequests();
+    if (requests.MiscMenuChanged || requests.MenuStateChanged)
+    {
+        BuildMenus();
+    }
+    if (requests.LayoutChanged)
+    {
+        InfoPane->setVisible(Shell().Commands.InfoPaneShown);
+    }
+    if (requests.MovePointer)
+    {
+        QCursor::setPos(MapView->mapToGlobal(QPoint(requests.PointerX, requests.PointerY)));
+    }
+    if (requests.RedrawMap)
+    {
+        MapView->Redraw();
+    }
+    if (requests.RefreshStatus || requests.RedrawMap)
+    {
+        RefreshStatus();
+    }
+    if (requests.RefreshInfoPanes || requests.RedrawMap)
+    {
+        RefreshInfoPane();
+    }
+    Acting = false;
+    if (requests.QuitRequested)
+    {
+        close();
+    }
+}
+
+void MainWindow::RefreshStatus()
+{
+    const std::vector<std::string> texts = StatusBarTexts();
+    for (std::size_t i = 0; i < texts.size() && i < StatusFields.size(); ++i)
+    {
+        StatusFields[i]->setText(QString::fromStdString(texts[i]));
+        StatusFields[i]->setVisible(!texts[i].empty());
+    }
+}
+
+void MainWindow::RefreshInfoPane()
+{
+    const view::InfoPane pane = InfoPaneTexts();
+    QStringList lines;
+    for (const std::string& line : pane.Lines)
+    {
+        lines << QString::fromStdString(line);
+    }
+    InfoLines->setText(lines.join('\n'));
+    QStringList textures;
+    for (const view::TextureBox& box : pane.Textures)
+    {
+        textures << QString("s%1 %2: %3")
+                        .arg(box.Side)
+                        .arg(QString::fromStdString(box.Label), -6)
+                        .arg(QString::fromStdString(box.Text));
+    }
+    if (!pane.Sprite.empty())
+    {
+        textures << QString::fromStdString(pane.Sprite);
+    }
+    InfoTextures->setText(textures.join('\n'));
+}
+
+std::vector<QString> MainWindow::StatusTexts() const
+{
+    std::vector<QString> texts;
+    for (const QLabel* field : StatusFields)
+    {
+        texts.push_back(field->text());
+    }
+    return texts;
+}
+
+QString MainWindow::InfoPaneText() const
+{
+    return InfoLines->text();
+}
+
+bool MainWindow::InfoPaneVisible() const
+{
+    return InfoPane->isVisible();
+}
+
+// --- The window's life ---------------------------------------------------------------------
+
+void MainWindow::NoteWindowRect()
+{
+    if (isMaximized() || isMinimized() || isFullScreen())
+    {
+        return;
+    }
+    const QRect frame = frameGeometry();
+    Shell().Chk.WindowRect =
+        StatusRect{frame.left(), frame.top(), frame.right() + 1, frame.bottom() + 1};
+}
+
+void MainWindow::moveEvent(QMoveEvent* event)
+{
+    NoteWindowRect();
+    QMainWindow::moveEvent(event);
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event)
+{
+    NoteWindowRect();
+    QMainWindow::resizeEvent(event);
+}
+
+void MainWindow::CloseNow()
+{
+    ClosingConfirmed = true;
+    close();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    // The close of the window is the Exit command; its prompt decides.
+    if (!ClosingConfirmed)
+    {
+        if (ExitPrompt() == ExitAnswer::Stay)
+        {
+            event->ignore();
+            return;
+        }
+        ClosingConfirmed = true;
+    }
+    const StatusRect rect = Shell().Chk.WindowRect;
+    ShutdownOnce(rect.Left, rect.Top, rect.Right, rect.Bottom);
+    event->accept();
+}
+
+} // namespace kelvar::app

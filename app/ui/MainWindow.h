@@ -1,0 +1,67 @@
+// The main window: the menu bar built from the menu rows, the map window, the info pane and
+// the status bar; it runs the commands and acts on the requests they leave.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "app/ui/MapWidget.h"
+
+#include <QLabel>
+#include <QMainWindow>
+#include <QMenu>
+#include <vector>
+
+namespace kelvar::app
+{
+
+/// The window of the editor. It hooks itself into the session, so the session's start-up
+/// steps reach its menus, cursor and closing.
+class MainWindow final : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    MainWindow();
+    ~MainWindow() override;
+
+    /// Runs a command by number as the menu or a key does, then acts on its requests.
+    void Run(int command, bool fromKey = false);
+
+    /// Acts on the requests the commands and the map window left: redraws, the status bar,
+    /// the info pane, the menus, the exit.
+    void ActOnRequests();
+
+    /// Closes the window without the exit prompt (a start-up that can't go on).
+    void CloseNow();
+
+    MapWidget* Map() const { return MapView; }
+    /// The status bar fields in order, and the info pane's text.
+    std::vector<QString> StatusTexts() const;
+    QString InfoPaneText() const;
+    bool InfoPaneVisible() const;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void BuildMenus();
+    void FillRecentMenu(QMenu* menu);
+    void RefreshEnabledStates(QMenu* menu);
+    void RefreshStatus();
+    void RefreshInfoPane();
+    void InstallSessionHooks();
+    void NoteWindowRect();
+    void ShowMiscPopup(QPoint position);
+
+    MapWidget* MapView = nullptr;
+    QWidget* InfoPane = nullptr;
+    QLabel* InfoLines = nullptr;
+    QLabel* InfoTextures = nullptr;
+    QLabel* StatusMessage = nullptr;
+    std::vector<QLabel*> StatusFields;
+    bool ClosingConfirmed = false;
+    bool Acting = false;
+};
+
+} // namespace kelvar::app

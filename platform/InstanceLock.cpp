@@ -1,0 +1,50 @@
+// The running-copy lock over flock(2).
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/InstanceLock.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+namespace kelvar::platform
+{
+
+InstanceLock::~InstanceLock()
+{
+    Release();
+}
+
+bool InstanceLock::Acquire(const std::filesystem::path& path)
+{
+    Release();
+    const int descriptor = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+    if (descriptor < 0)
+    {
+        return true;
+    }
+    int result = 0;
+    do
+    {
+        result = ::flock(descriptor, LOCK_EX | LOCK_NB);
+    } while (result != 0 && errno == EINTR);
+    if (result != 0)
+    {
+        ::close(descriptor);
+        return errno != EWOULDBLOCK;
+    }
+    Descriptor = descriptor;
+    return true;
+}
+
+void InstanceLock::Release()
+{
+    if (Descriptor >= 0)
+    {
+        ::flock(Descriptor, LOCK_UN);
+        ::close(Descriptor);
+        Descriptor = -1;
+    }
+}
+
+} // namespace kelvar::platform
