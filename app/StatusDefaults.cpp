@@ -25,6 +25,8 @@ void SetOptionDefaults(ChkRecord& chk)
     chk.CursorKeysMoveMap = 1;
     chk.LineMergePastePrefabs = 1;
     chk.FixGlNodes = 1;
+    chk.NodeType = 1; // the builder's options: "1NNNN16 N"
+    chk.SplitFactor = 16;
     chk.DisplaySolidThings = 1;
     chk.Prompt3DTestingOptions = 1;
     // The level checks are all on but the two offset checks.
@@ -161,6 +163,7 @@ ProjectRecord DefaultProject()
     SetText(project.GameExe, "chocolate-doom");
     SetText(project.OptFile, "DOOM2.OPT");
     project.Skill = 4;
+    project.CopyReject = 1; // a save keeps the reject table, grown with zeros for new Sectors
     SetText(project.ExtraParameters, ":");
     SetTextLumpDefaults(project);
     PutCustomBuilderDefaults(project, false);

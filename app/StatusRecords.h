@@ -132,11 +132,13 @@ struct ChkRecord
     std::uint8_t MergeDuplicateVertices;
     std::uint8_t FixGlNodes;
     std::int16_t ForceExtendedNodes;
-    std::uint8_t Reserved280[6];
+    std::int16_t NodeType;    // 1 to 3: "Type 1 Nodes (default)" ...
+    std::int16_t SplitMode;   // 0 "No Split", 1 "Auto Split", 2 "Vertical", 3 "Horizontal Split"
+    std::int16_t SplitFactor; // 5 to 100, default 16
     std::int16_t IgnoreTwoSidedLineDefs;
-    std::uint8_t Reserved288[2];
+    std::int16_t SeeNodeResults; // "See Results ? [Nodes are not shown - KelvarBSP]"
     std::int16_t SpecialLineDefTags;
-    std::uint8_t Reserved292[2];
+    std::int16_t SpecialSectorTags;
     std::int16_t GridSize;
     std::uint8_t Reserved296[10];
     std::int16_t DisplaySolidThings;
@@ -264,7 +266,13 @@ struct ProjectRecord
     std::uint8_t AnyTxTextureFlat;
     std::uint8_t ZdoomHexenFormat; // " ZDOOM - HEXEN format"
     std::uint8_t GlNodes;          // " GLnodes (as applicable)"
-    std::uint8_t Reserved66[24];
+    // The reject choices and the clean-up of the Save dialog, kept for the next save.
+    std::uint8_t CopyReject;    // "Copy Reject"
+    std::uint8_t AllAttacks;    // "ALL Attacks"
+    std::uint8_t AttackStep;    // 0 "NO  Attacks", 1 "50% Attacks", 2 "33% Attacks"
+    std::uint8_t RebuildNodes;  // "Rebuild the Nodes ?"
+    std::uint8_t UnusedCleanup; // "Automatic Unused Object Cleanup"
+    std::uint8_t Reserved71[19];
     std::uint8_t GlNodesV3;
     std::uint8_t CustomBuilder;
     std::uint8_t Reserved92[4];

@@ -88,8 +88,13 @@ TEST_F(StatusLayout, KelvarChkHoldsEveryOptionAtItsOffsetAndNothingElse)
         {276, 1, 0},
         {277, 1, 1},
         {278, 2, 0},
+        {280, 2, 1},  // node type
+        {282, 2, 0},  // split mode
+        {284, 2, 16}, // split factor
         {286, 2, 0},
+        {288, 2, 0},
         {290, 2, 0},
+        {292, 2, 0},
         {294, 2, 8},
         {306, 2, 1},
         {308, 2, 1},
@@ -188,6 +193,7 @@ TEST_F(StatusLayout, BuiltProjectHoldsItsFieldsAtTheirOffsets)
     std::vector<Expect> fields = Frame("xPRJ", 4483, 44526);
     const std::vector<Expect> named = {
         {12, 4, 0x3F800000}, // zoom 1.0
+        {66, 1, 1},          // Copy Reject
         {52, 2, 100},
         {54, 2, 200},
         {96, 80, 0, "NotePad"},
