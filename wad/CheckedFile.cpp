@@ -109,13 +109,36 @@ int CheckedRead(std::FILE* stream, void* buffer, std::int64_t size)
     return 1;
 }
 
+std::size_t WriteBytes(const void* buffer, std::size_t size, std::FILE* stream)
+{
+    std::int64_t& budget = Wad().WriteBudget;
+    if (budget >= 0 && static_cast<std::int64_t>(size) > budget)
+    {
+        // The disk is full: what fits goes out, the rest doesn't.
+        const std::size_t fits = static_cast<std::size_t>(budget);
+        const std::size_t put = std::fwrite(buffer, 1, fits, stream);
+        budget = 0;
+        errno = ENOSPC;
+        return put;
+    }
+    const std::size_t put = std::fwrite(buffer, 1, size, stream);
+    if (budget >= 0)
+    {
+        budget -= static_cast<std::int64_t>(put);
+    }
+    return put;
+}
+
 int CheckedWrite(std::FILE* stream, const void* buffer, std::int64_t size)
 {
     if (size < 1)
     {
         return 1;
     }
-    const std::size_t count = std::fwrite(buffer, static_cast<std::size_t>(size), 1, stream);
+    const std::size_t count =
+        WriteBytes(buffer, static_cast<std::size_t>(size), stream) == static_cast<std::size_t>(size)
+            ? 1
+            : 0;
     Wad().LastWriteCount = count;
     if (count != 1)
     {
@@ -262,7 +285,7 @@ int CopyFileSpan(std::FILE* destination, std::FILE* source, std::int64_t byteCou
             IoFailure("readC", source, 0, static_cast<std::int64_t>(chunk));
             return 0;
         }
-        const std::size_t put = std::fwrite(buffer.data(), 1, chunk, destination);
+        const std::size_t put = WriteBytes(buffer.data(), chunk, destination);
         Wad().LastWriteCount = put;
         if (put != chunk)
         {

@@ -27,6 +27,10 @@ StreamPtr CheckedOpen(const std::filesystem::path& path, std::string_view mode, 
 /// short read was reported through IoFailure.
 [[nodiscard]] int CheckedRead(std::FILE* stream, void* buffer, std::int64_t size);
 
+/// Writes up to `size` bytes and returns how many went out. Every write of the WAD layer goes
+/// through here, so a test can make the disk full (WadState::WriteBudget).
+std::size_t WriteBytes(const void* buffer, std::size_t size, std::FILE* stream);
+
 /// Writes exactly `size` bytes; as CheckedRead.
 [[nodiscard]] int CheckedWrite(std::FILE* stream, const void* buffer, std::int64_t size);
 

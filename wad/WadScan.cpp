@@ -419,6 +419,17 @@ int OpenPwad(const std::string& path, bool closeAfter, bool warnings)
 namespace kelvar::wad
 {
 
+std::optional<std::vector<LumpEntry>> ReadWadDirectory(std::FILE* stream, const std::string& path)
+{
+    const std::int64_t fileSize = FileSize(stream, 0);
+    WadHeader header;
+    if (!ReadHeader(stream, path, fileSize, header))
+    {
+        return std::nullopt;
+    }
+    return ReadDirectory(stream, path, fileSize, header, false);
+}
+
 std::optional<LumpName> FirstLevelOfFile(std::FILE* stream, const std::string& path)
 {
     char magic[4] = {};

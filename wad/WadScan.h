@@ -2,12 +2,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "wad/LumpDirectory.h"
 #include "wad/LumpName.h"
 
 #include <cstdio>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kelvar::wad
 {
@@ -31,6 +33,10 @@ void RenumberOrdinals();
 /// directory when there is none and there is room; the lump saver takes it over for a lump
 /// that has no entry yet.
 void EnsureSpareEntry();
+
+/// The directory of an open WAD as it stands on disk, checked as a PWAD's scan checks it
+/// (damage is reported, reading stops at a bad entry). Nothing when the header is refused.
+std::optional<std::vector<LumpEntry>> ReadWadDirectory(std::FILE* stream, const std::string& path);
 
 /// The name of the first level in an open WAD file ("PWAD" or "IWAD"), read from its own
 /// directory without touching the file table. Nothing for another kind of file or a file

@@ -15,6 +15,7 @@
 
 #include "wad/LumpDirectory.h"
 #include "wad/LumpName.h"
+#include "wad/Save.h"
 
 #include <array>
 #include <cstdint>
@@ -62,6 +63,7 @@ struct WadOptions
     bool ExpertMode = false;          // Expert Mode (Fewer Messages)
     bool NoIwadWarningMsg = false;    // no  IWAD warning Msg
     bool AutomaticSideUnpack = false; // Automatic SideUnpack
+    bool GroupSave = false;           // Group Save: the other lumps of a file go along
     std::int16_t AdditionalLumpEntries = 32000;
     std::int16_t FileLimit = 100;
     int LevelListLimit = 200;
@@ -162,6 +164,7 @@ struct WadState
     bool ReadOnlyOpen = false;
     std::size_t LastReadCount = 0;
     std::size_t LastWriteCount = 0;
+    std::int64_t WriteBudget = -1; // bytes the disk still takes; -1 no limit (tests fill it)
     int LastSeekResult = 0;
     std::filesystem::path ProgramDir;
 
@@ -179,6 +182,13 @@ struct WadState
     MarkerRanges Markers;
     int OtherGameLevels = 0;
     bool IwadBehaviorWarned = false;
+
+    // Saving.
+    SaveOptions SaveChoices;       // the Save dialog's choices, offered again
+    SaveHooks Save;                // what the shell does for a save
+    SaveWriterSettings Writer;     // the 3D test's options that act on every save
+    std::FILE* LockFile = nullptr; // KELVAR.LOK, held open by the session
+    int AutoSaveCount = 0;         // quick backups made this session
 };
 
 /// The one instance of the WAD layer's state.

@@ -1,0 +1,751 @@
+// Writing the level's file: the questions before the write, the other lumps of the file in
+// their order, the level's lumps in the canonical order, the reject table, the directory,
+// and the node build that follows.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "wad/Save.h"
+
+#include "map/MapState.h"
+#include "platform/Fatal.h"
+#include "platform/Format.h"
+#include "platform/Messages.h"
+#include "wad/CheckedFile.h"
+#include "wad/FileChecks.h"
+#include "wad/FileTable.h"
+#include "wad/LevelReader.h"
+#include "wad/LevelWriter.h"
+#include "wad/WadFormat.h"
+#include "wad/WadScan.h"
+#include "wad/WadState.h"
+
+#include <algorithm>
+#include <array>
+
+namespace kelvar::wad
+{
+namespace
+{
+
+constexpr std::array<std::string_view, 10> LevelLumps = {
+    "THINGS",   "LINEDEFS", "SIDEDEFS", "VERTEXES", "SEGS",
+    "SSECTORS", "NODES",    "SECTORS",  "REJECT",   "BLOCKMAP"};
+
+// One entry of the new file's directory, in the order the data went out.
+struct OutEntry
+{
+    std::int32_t Offset = 0;
+    std::int32_t Size = 0;
+    LumpName Name;
+};
+
+// A lump of the level in the master directory: where its old bytes are.
+struct OldLump
+{
+    LumpName Name;
+    std::int32_t Offset = 0;
+    std::int32_t Size = 0;
+    int FileNumber = -1;
+};
+
+// Everything one save needs to know, worked out before the file is created.
+struct SavePlan
+{
+    std::string LevelName;    // the marker's name in the new file
+    std::string OldLevelName; // the marker's name in the old file
+    std::string TargetPath;   // the file the user gets
+    std::string WritePath;    // the file written: the target, or ~Kelvar.WAD
+    int Code = SaveLevelCode;
+    int LevelFile = -1; // the record of the file the level came from
+    bool FromPwad = false;
+    bool Group = false; // the other lumps of the file go along
+    bool Wide = false;  // the Extended Format's LineDef rows
+    bool BuildNodes = false;
+    bool FromMemory = false; // the object lumps come from memory
+    std::int32_t RejectSize = 0;
+    SaveOptions Choices;
+    RowLayout Rows;
+    std::vector<OldLump> Level; // the level's entries after the marker, in master order
+    std::optional<LumpReplace> Replace;
+};
+
+// The stream, the running offset and the entries written so far.
+struct Output
+{
+    StreamPtr Stream;
+    std::int64_t Offset = WadHeaderSize;
+    std::vector<OutEntry> Entries;
+};
+
+void Redraw()
+{
+    if (Wad().Save.RedrawMap)
+    {
+        Wad().Save.RedrawMap();
+    }
+}
+
+// The level's entries after its marker, as the master directory has them now.
+std::vector<OldLump> LevelEntries(std::size_t marker, int count)
+{
+    std::vector<OldLump> lumps;
+    const LumpDirectory& master = Master();
+    for (std::size_t i = marker + 1;
+         i < marker + static_cast<std::size_t>(count) && i < master.Size(); ++i)
+    {
+        const LumpEntry& entry = master[i];
+        lumps.push_back({entry.Name, entry.Offset, entry.Size, entry.FileNumber});
+    }
+    return lumps;
+}
+
+const OldLump* FindOld(const SavePlan& plan, std::string_view name)
+{
+    for (const OldLump& lump : plan.Level)
+    {
+        if (lump.Name.Is(name))
+        {
+            return &lump;
+        }
+    }
+    return nullptr;
+}
+
+// Copies `size` bytes of another file into the output, or of the file holding an old lump.
+bool CopyOld(Output& out, int fileNumber, std::int32_t offset, std::int32_t size)
+{
+    if (size <= 0)
+    {
+        return true;
+    }
+    if (fileNumber < 0 || fileNumber >= FileTableSize)
+    {
+        return false;
+    }
+    FileRec& file = Wad().Files[static_cast<std::size_t>(fileNumber)];
+    EnsureOpen(file);
+    if (!file.Stream || CheckedSeek(file.Stream.get(), offset) != 1 ||
+        CopyFileSpan(out.Stream.get(), file.Stream.get(), size) != 1)
+    {
+        return false;
+    }
+    out.Offset += size;
+    return true;
+}
+
+bool WriteBytes(Output& out, const void* bytes, std::int64_t size)
+{
+    if (size > 0 && CheckedWrite(out.Stream.get(), bytes, size) != 1)
+    {
+        return false;
+    }
+    out.Offset += size;
+    return true;
+}
+
+// Adds a directory entry for data that starts at `start` and ends at the running offset.
+void Enter(Output& out, const LumpName& name, std::int64_t start)
+{
+    out.Entries.push_back(
+        {static_cast<std::int32_t>(start), static_cast<std::int32_t>(out.Offset - start), name});
+}
+
+// The whole bytes of a file, for a lump replace. Nothing when it can't be read.
+std::optional<std::vector<std::uint8_t>> FileBytes(const std::string& path)
+{
+    StreamPtr stream = CheckedOpen(path, "rb", 0);
+    if (!stream)
+    {
+        return std::nullopt;
+    }
+    const std::int64_t size = FileSize(stream.get(), 0);
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(std::max<std::int64_t>(size, 0)));
+    if (size > 0 && CheckedRead(stream.get(), bytes.data(), size) != 1)
+    {
+        return std::nullopt;
+    }
+    return bytes;
+}
+
+// A lump replace's entry: the new bytes in place of the old.
+bool WriteReplace(Output& out, const SavePlan& plan)
+{
+    const std::int64_t start = out.Offset;
+    if (!plan.Replace->SourceFile.empty())
+    {
+        const std::optional<std::vector<std::uint8_t>> bytes = FileBytes(plan.Replace->SourceFile);
+        if (!bytes || !WriteBytes(out, bytes->data(), static_cast<std::int64_t>(bytes->size())))
+        {
+            return false;
+        }
+    }
+    Enter(out, LumpName::From(plan.Replace->Name), start);
+    return true;
+}
+
+// --- The questions before the write ------------------------------------------------------------
+
+bool AskFormatLimits(const map::LevelData& level)
+{
+    const int sides = level.SideDefs.Count();
+    const int vertexes = level.Vertexes.Count();
+    const int sectors = level.Sectors.Count();
+    if (sides <= 65534 && vertexes <= 65534 && sectors < 32768)
+    {
+        return true;
+    }
+    return platform::AskYesNo(
+        "The number of Sidedefs, Vertices or Sectors is too large\nto save using the DOOM format "
+        "- data will be LOST!\n%d sidedefs %d vertices %d sectors\n\n(max sidedefs=65534 ver "
+        "=65534 sectors=32767)\n\nContinue with Save Using Kelvar Extended Format?",
+        sides, vertexes, sectors);
+}
+
+bool AskOtherGameLevels()
+{
+    if (Wad().OtherGameLevels <= 0)
+    {
+        return true;
+    }
+    return platform::ShowMessageLines(platform::LinesCancel, "**WARNING**",
+                                      {"Levels from another game found"}) == 1;
+}
+
+// The Save dialog, when the code or the file asks for it. False: cancelled.
+bool AskSaveChoices(SavePlan& plan, bool fileHasMore)
+{
+    WadState& wad = Wad();
+    SaveOptions& choices = wad.SaveChoices;
+    const map::LevelData& level = map::Map().Level;
+    choices.RebuildNodes = level.GeometryChangeCount != 0 || plan.Code == BuildNodesCode ||
+                           plan.Code == BuildNodesAsCode;
+    choices.GroupSave = wad.Options.GroupSave;
+    choices.FileName = plan.TargetPath;
+    const bool show =
+        plan.Code == NewRejectCode || (wad.Options.GroupSave ? choices.RebuildNodes : fileHasMore);
+    if (show && wad.Save.SaveDialog && !wad.Save.SaveDialog(choices))
+    {
+        return false;
+    }
+    if (choices.ZeroNodes)
+    {
+        choices.RebuildNodes = false;
+    }
+    // A save with no builder to run can't build nodes; it keeps the old ones.
+    if (!wad.Save.BuildNodes)
+    {
+        choices.RebuildNodes = false;
+    }
+    plan.Choices = choices;
+    return true;
+}
+
+// --- The parts of the file ---------------------------------------------------------------------
+
+bool WriteReject(Output& out, const SavePlan& plan)
+{
+    const SaveOptions& choices = plan.Choices;
+    const std::int64_t start = out.Offset;
+    if (choices.ZeroReject)
+    {
+        Enter(out, LumpName::From("REJECT"), start);
+        return true;
+    }
+    std::vector<std::uint8_t> table(static_cast<std::size_t>(plan.RejectSize), 0);
+    if (choices.CopyReject)
+    {
+        const OldLump* old = FindOld(plan, "REJECT");
+        if (old != nullptr && old->Size > 0 && old->FileNumber >= 0)
+        {
+            FileRec& file = Wad().Files[static_cast<std::size_t>(old->FileNumber)];
+            EnsureOpen(file);
+            const std::int32_t size = std::min(old->Size, plan.RejectSize);
+            if (!file.Stream || CheckedSeek(file.Stream.get(), old->Offset) != 1 ||
+                CheckedRead(file.Stream.get(), table.data(), size) != 1)
+            {
+                return false;
+            }
+        }
+    }
+    else if (!choices.AllAttacks)
+    {
+        // AttackStep zero bytes, then the attack byte, over and over.
+        const std::size_t period = static_cast<std::size_t>(choices.AttackStep) + 1;
+        for (std::size_t i = choices.AttackStep; i < table.size(); i += period)
+        {
+            table[i] = choices.AttackByte;
+        }
+    }
+    if (!WriteBytes(out, table.data(), static_cast<std::int64_t>(table.size())))
+    {
+        return false;
+    }
+    Enter(out, LumpName::From("REJECT"), start);
+    return true;
+}
+
+// The level's lumps in the canonical order, then BEHAVIOR and the GL_ entries.
+bool WriteLevelLumps(Output& out, const map::LevelData& level, const SavePlan& plan)
+{
+    const SaveOptions& choices = plan.Choices;
+    for (const std::string_view name : LevelLumps)
+    {
+        const std::int64_t start = out.Offset;
+        const OldLump* old = FindOld(plan, name);
+        const bool fromMemory =
+            plan.FromMemory && (name == "THINGS" || name == "LINEDEFS" || name == "SIDEDEFS" ||
+                                name == "VERTEXES" || name == "SECTORS");
+        bool written = true;
+        if (name == "REJECT")
+        {
+            written = WriteReject(out, plan);
+            if (!written)
+            {
+                return false;
+            }
+            continue;
+        }
+        if (fromMemory)
+        {
+            std::int64_t counter = 0;
+            FILE* stream = out.Stream.get();
+            written = name == "THINGS"     ? WriteThings(stream, level, plan.Rows, counter)
+                      : name == "LINEDEFS" ? WriteLineDefs(stream, level, plan.Rows, counter)
+                      : name == "SIDEDEFS" ? WriteSideDefs(stream, level, counter)
+                      : name == "VERTEXES" ? WriteVertexes(stream, level, counter)
+                                           : WriteSectors(stream, level, plan.Rows, counter);
+            out.Offset += counter;
+        }
+        else
+        {
+            const bool zeroed =
+                (choices.ZeroNodes && (name == "SEGS" || name == "SSECTORS" || name == "NODES")) ||
+                (choices.ZeroBlockmap && name == "BLOCKMAP");
+            if (!zeroed && old != nullptr)
+            {
+                written = CopyOld(out, old->FileNumber, old->Offset, old->Size);
+            }
+        }
+        if (!written)
+        {
+            return false;
+        }
+        Enter(out, LumpName::From(name), start);
+    }
+
+    if (Wad().Game.Format == 4)
+    {
+        const std::int64_t start = out.Offset;
+        const OldLump* old = FindOld(plan, "BEHAVIOR");
+        if (plan.Replace && LumpName::From(plan.Replace->Name).Is("BEHAVIOR"))
+        {
+            if (!WriteReplace(out, plan))
+            {
+                return false;
+            }
+        }
+        else
+        {
+            if (old != nullptr && old->Size > 0)
+            {
+                if (!CopyOld(out, old->FileNumber, old->Offset, old->Size))
+                {
+                    return false;
+                }
+            }
+            else
+            {
+                const std::array<std::uint8_t, 16> empty{};
+                if (!WriteBytes(out, empty.data(), 16))
+                {
+                    return false;
+                }
+            }
+            Enter(out, LumpName::From("BEHAVIOR"), start);
+        }
+    }
+
+    // The GL_ entries and any script behind the level keep their bytes; the GL_ marker takes
+    // the level's name.
+    const LumpName glMarker = LumpName::From("GL_" + plan.LevelName.substr(0, 5));
+    for (const OldLump& lump : plan.Level)
+    {
+        const bool canonical =
+            std::any_of(LevelLumps.begin(), LevelLumps.end(),
+                        [&](std::string_view name) { return lump.Name.Is(name); }) ||
+            lump.Name.Is("BEHAVIOR");
+        if (canonical)
+        {
+            continue;
+        }
+        const bool gl = lump.Name.StartsWith("GL_");
+        const std::int64_t start = out.Offset;
+        if (!(gl && choices.ZeroNodes) && !CopyOld(out, lump.FileNumber, lump.Offset, lump.Size))
+        {
+            return false;
+        }
+        // GL_VERT, GL_SEGS... keep their names; the GL_ marker is renamed with the level.
+        const bool glLevelMarker = gl && ReservedName(lump.Name) == 12;
+        Enter(out, glLevelMarker ? glMarker : lump.Name, start);
+    }
+    return true;
+}
+
+// Copies the entries of the old file's own directory from `first` to `last` (exclusive), in
+// their order, passing over names that can't be lump names and a BEHAVIOR a non-Hexen project
+// doesn't keep; a replaced entry takes the new bytes.
+bool CopyOtherLumps(Output& out, const SavePlan& plan, const std::vector<LumpEntry>& entries,
+                    std::size_t first, std::size_t last, bool& replaced)
+{
+    for (std::size_t i = first; i < last && i < entries.size(); ++i)
+    {
+        const LumpEntry& entry = entries[i];
+        const auto lead =
+            static_cast<unsigned char>(entry.Name.Text().empty() ? 0 : entry.Name.Text()[0]);
+        if (lead < 32 || lead >= 128)
+        {
+            continue;
+        }
+        if (entry.Name.Is("BEHAVIOR") && Wad().Game.Format != 4)
+        {
+            continue;
+        }
+        if (plan.Replace && !replaced && SameName(entry.Name, LumpName::From(plan.Replace->Name)))
+        {
+            if (!WriteReplace(out, plan))
+            {
+                return false;
+            }
+            replaced = true;
+            continue;
+        }
+        const std::int64_t start = out.Offset;
+        if (!CopyOld(out, plan.LevelFile, entry.Offset, entry.Size))
+        {
+            return false;
+        }
+        Enter(out, entry.Name, start);
+    }
+    return true;
+}
+
+bool WriteDirectory(Output& out, std::string_view magic)
+{
+    const std::int64_t directory = out.Offset;
+    std::vector<std::uint8_t> bytes(out.Entries.size() * DirectoryEntrySize);
+    for (std::size_t i = 0; i < out.Entries.size(); ++i)
+    {
+        std::uint8_t* raw = bytes.data() + i * DirectoryEntrySize;
+        WriteLe32(raw, out.Entries[i].Offset);
+        WriteLe32(raw + 4, out.Entries[i].Size);
+        const std::string name = out.Entries[i].Name.Text();
+        std::fill_n(raw + 8, 8, 0);
+        std::copy_n(name.begin(), std::min<std::size_t>(name.size(), 8), raw + 8);
+    }
+    if (!WriteBytes(out, bytes.data(), static_cast<std::int64_t>(bytes.size())))
+    {
+        return false;
+    }
+    std::uint8_t header[WadHeaderSize];
+    std::copy_n(magic.begin(), 4, header);
+    WriteLe32(header + 4, static_cast<std::int32_t>(out.Entries.size()));
+    WriteLe32(header + 8, static_cast<std::int32_t>(directory));
+    return CheckedSeek(out.Stream.get(), 0) == 1 &&
+           CheckedWrite(out.Stream.get(), header, WadHeaderSize) == 1;
+}
+
+// Closes the renamed old file for good, and every record marked DEL.
+void FreeOldRecords()
+{
+    WadState& wad = Wad();
+    for (int i = 1; i < FileTableSize; ++i)
+    {
+        FileRec& file = wad.Files[static_cast<std::size_t>(i)];
+        if (file.State != 0 && (SameName(file.FirstLevelName, LumpName::From(".BAK")) ||
+                                SameName(file.FirstLevelName, LumpName::From("DEL"))))
+        {
+            file = FileRec{};
+        }
+    }
+    CloseFiles('A', false, false);
+}
+
+// The node builder on the temporary file. Its failure offers to copy the temporary file to
+// the target, so the user keeps the level without new nodes.
+void RunNodeBuilder(const SavePlan& plan, map::LevelData& level)
+{
+    WadState& wad = Wad();
+    const int result = wad.Save.BuildNodes(plan.WritePath, plan.TargetPath, plan.LevelName);
+    if (result == 0)
+    {
+        level.GeometryChangeCount = 0;
+        return;
+    }
+    const int recover = platform::ShowMessageLines(
+        platform::LinesCancel, "Node Error",
+        {"Node Building Error Occurred", "Do you want Kelvar to copy", plan.WritePath,
+         "- back to -", plan.TargetPath, "Otherwise you will get a", "file not found message?"});
+    if (recover != 1)
+    {
+        if (platform::AskYesNo("Are you sure you don't want to recover?"))
+        {
+            return;
+        }
+    }
+    StreamPtr source = CheckedOpen(plan.WritePath, "rb", 0);
+    if (!source)
+    {
+        platform::ShowError("Unable to open %s\n\nUse File Open/Edit to reset",
+                            plan.WritePath.c_str());
+        platform::ShowError("Next msg will say %s notfound\n\nUse .BAK or ~kelvar.wad version to "
+                            "recover",
+                            plan.TargetPath.c_str());
+        return;
+    }
+    const std::int64_t size = FileSize(source.get(), 0);
+    if (CopyToNewFile(source.get(), 0, size, plan.TargetPath) != 1)
+    {
+        platform::ShowError("Unable to create %s\n\nUse File Open/Edit to reset",
+                            plan.TargetPath.c_str());
+        platform::ShowError("Next msg will say %s notfound\n\nUse .BAK or ~kelvar.wad version to "
+                            "recover",
+                            plan.TargetPath.c_str());
+        return;
+    }
+    platform::ShowInfo("File %s recovered", plan.TargetPath.c_str());
+}
+
+// The name table after a save: the target is an open file of the session; an old file that
+// the level moved away from isn't any more.
+void UpdateNameTable(const std::string& oldPath, const std::string& target)
+{
+    auto& names = Wad().OpenFiles;
+    int slot = -1;
+    for (std::size_t i = 0; i < names.size() && slot < 0; ++i)
+    {
+        slot = SamePath(names[i], target) ? static_cast<int>(i) : -1;
+    }
+    for (std::size_t i = 0; i < names.size() && slot < 0; ++i)
+    {
+        slot = names[i].empty() ? static_cast<int>(i) : -1;
+    }
+    if (slot >= 0)
+    {
+        names[static_cast<std::size_t>(slot)] = target;
+    }
+    if (!oldPath.empty() && !SamePath(oldPath, target))
+    {
+        for (std::string& name : names)
+        {
+            if (!name.empty() && SamePath(name, oldPath))
+            {
+                name.clear();
+            }
+        }
+    }
+}
+
+// Everything after the checks: the file is created and written. False when the write failed.
+bool WriteFile(map::LevelData& level, SavePlan& plan, std::size_t marker)
+{
+    WadState& wad = Wad();
+    Output out;
+    out.Stream = CheckedOpen(plan.WritePath, "wb", 0);
+    if (!out.Stream)
+    {
+        return false;
+    }
+    if (plan.Choices.UnusedCleanup && wad.Save.UnusedCleanup)
+    {
+        const bool busy = map::Map().SaveBusy;
+        map::Map().SaveBusy = false;
+        wad.Save.UnusedCleanup();
+        map::Map().SaveBusy = busy;
+        plan.RejectSize = (level.Sectors.Count() * level.Sectors.Count() + 7) / 8;
+    }
+    platform::TheUi().ShowProgress(platform::Format("Saving %s", plan.TargetPath.c_str()),
+                                   plan.LevelName);
+
+    // The old file's magic stays when the level comes from a PWAD.
+    std::string magic = "PWAD";
+    FileRec& levelFile = wad.Files[static_cast<std::size_t>(plan.LevelFile)];
+    std::optional<std::vector<LumpEntry>> own;
+    if (plan.FromPwad)
+    {
+        EnsureOpen(levelFile);
+        char bytes[4] = {};
+        if (levelFile.Stream && std::fseek(levelFile.Stream.get(), 0, SEEK_SET) == 0 &&
+            std::fread(bytes, 1, 4, levelFile.Stream.get()) == 4 &&
+            (std::string_view(bytes, 4) == "PWAD" || std::string_view(bytes, 4) == "IWAD"))
+        {
+            magic.assign(bytes, 4);
+        }
+    }
+    const std::uint8_t placeholder[WadHeaderSize] = {};
+    if (CheckedWrite(out.Stream.get(), placeholder, WadHeaderSize) != 1)
+    {
+        return false;
+    }
+
+    // The other lumps of the file come from its own directory on disk.
+    std::size_t levelAt = 0;
+    std::size_t levelEnd = 0;
+    if (plan.Group)
+    {
+        own = ReadWadDirectory(levelFile.Stream.get(), levelFile.FileName);
+        if (!own)
+        {
+            return false;
+        }
+        const LumpName oldName = LumpName::From(plan.OldLevelName);
+        levelAt = own->size();
+        for (std::size_t i = 0; i < own->size() && levelAt == own->size(); ++i)
+        {
+            int count = 0;
+            if (SameName((*own)[i].Name, oldName) && LevelAt(*own, i, own->size(), count) > 0)
+            {
+                levelAt = i;
+                levelEnd = i + static_cast<std::size_t>(count);
+            }
+        }
+        if (levelAt == own->size())
+        {
+            platform::FatalError("Level name %s not found in existing file?",
+                                 plan.OldLevelName.c_str());
+        }
+    }
+    bool replaced = false;
+    if (plan.Group && !CopyOtherLumps(out, plan, *own, 0, levelAt, replaced))
+    {
+        return false;
+    }
+
+    // The marker, with any data of its own.
+    const std::int64_t markerStart = out.Offset;
+    const LumpEntry& markerEntry = Master()[marker];
+    if (plan.Replace && SameName(LumpName::From(plan.Replace->Name), markerEntry.Name))
+    {
+        const std::optional<std::vector<std::uint8_t>> bytes = FileBytes(plan.Replace->SourceFile);
+        if (!bytes || !WriteBytes(out, bytes->data(), static_cast<std::int64_t>(bytes->size())))
+        {
+            return false;
+        }
+        replaced = true;
+    }
+    else if (!CopyOld(out, markerEntry.FileNumber, markerEntry.Offset, markerEntry.Size))
+    {
+        return false;
+    }
+    Enter(out, LumpName::From(plan.LevelName), markerStart);
+
+    if (!WriteLevelLumps(out, level, plan))
+    {
+        return false;
+    }
+    if (plan.Group && !CopyOtherLumps(out, plan, *own, levelEnd, own->size(), replaced))
+    {
+        return false;
+    }
+    if (plan.Replace && !replaced && !LumpName::From(plan.Replace->Name).Is("BEHAVIOR") &&
+        !WriteReplace(out, plan))
+    {
+        return false;
+    }
+    if (!WriteDirectory(out, magic))
+    {
+        return false;
+    }
+    if (std::fclose(out.Stream.release()) != 0)
+    {
+        IoFailure("write", nullptr, 0, 0);
+        return false;
+    }
+    platform::TheUi().EndProgress();
+    return true;
+}
+
+} // namespace
+
+int WriteLevelFile(map::LevelData& level, const std::string& path, const std::string& oldPath,
+                   int code, const std::optional<LumpReplace>& replace,
+                   const std::string& oldLevelName)
+{
+    WadState& wad = Wad();
+    Redraw();
+    if (path.empty())
+    {
+        return -1;
+    }
+    const std::size_t marker = wad.CurrentFile.LevelStart;
+    if (marker >= Master().Size())
+    {
+        return RestoreBak(path);
+    }
+    int count = 0;
+    (void)LevelAt(Master().Entries(), marker, Master().Size(), count);
+    if (count <= 12)
+    {
+        count = std::max(count, wad.Game.ExpectedLevelEntries);
+    }
+
+    if (level.LineDefs.Count() == 0 || level.SideDefs.Count() == 0 || level.Sectors.Count() == 0)
+    {
+        platform::ShowMessageLines(0, "Nothing Made",
+                                   {"!! Please MAKE something first !!", "Nothing saved"});
+        return RestoreBak(path);
+    }
+
+    SavePlan plan;
+    plan.Code = code;
+    plan.TargetPath = path;
+    plan.WritePath = path;
+    plan.Replace = replace;
+    plan.LevelName = Master()[marker].Name.Text();
+    plan.OldLevelName = oldLevelName.empty() ? plan.LevelName : oldLevelName;
+    plan.LevelFile = wad.CurrentFile.FileNumber;
+    plan.FromPwad = plan.LevelFile > 0;
+    plan.RejectSize = (level.Sectors.Count() * level.Sectors.Count() + 7) / 8;
+    plan.Level = LevelEntries(marker, count);
+    const FileRec& levelFile = wad.Files[static_cast<std::size_t>(std::max(plan.LevelFile, 0))];
+    const bool fileHasMore = plan.FromPwad && levelFile.LumpCount > count;
+    plan.Group = plan.FromPwad && (wad.Options.GroupSave || fileHasMore);
+
+    if (!AskFormatLimits(level) || !AskOtherGameLevels() || !AskSaveChoices(plan, fileHasMore))
+    {
+        return RestoreBak(path);
+    }
+    plan.Rows.Layout = wad.Game.Format == 4 ? 2 : 1;
+    plan.Rows.Wide = level.LineDefs.Count() > 65534 || level.SideDefs.Count() > 65534;
+    plan.Rows.ShowInvisibleLines = wad.Writer.ShowInvisibleLines;
+    plan.Rows.ClearSectorSpecials = wad.Writer.ClearSectorSpecials;
+
+    if (level.Things.Count() > 0 && plan.Choices.RebuildNodes)
+    {
+        ++level.ChangeCount;
+        ++level.GeometryChangeCount;
+        if (wad.Hooks.DropCatalogues)
+        {
+            wad.Hooks.DropCatalogues();
+        }
+        plan.BuildNodes = true;
+        plan.WritePath = (wad.ProgramDir / NodeBuildFileName).string();
+    }
+    plan.FromMemory = level.ChangeCount != 0;
+
+    if (!WriteFile(level, plan, marker))
+    {
+        platform::TheUi().EndProgress();
+        std::error_code error;
+        std::filesystem::remove(plan.WritePath, error);
+        return RestoreBak(path);
+    }
+    FreeOldRecords();
+    level.ChangeCount = 0;
+    if (plan.BuildNodes)
+    {
+        RunNodeBuilder(plan, level);
+    }
+    UpdateNameTable(oldPath, plan.TargetPath);
+    Redraw();
+    return 0;
+}
+
+} // namespace kelvar::wad
