@@ -7,6 +7,12 @@
 namespace kelvar::app
 {
 
+// Saving (FileCommands.cpp).
+void SaveCommand(int number, CommandSource source);      // 120, 128, 1002, 1003, 1041
+void QuickSaveCommand(int number, CommandSource source); // 1061
+// Test play (RunCommands.cpp).
+void TestLevelCommand(int number, CommandSource source); // 1021
+void TestIn3DCommand(int number, CommandSource source);  // 499
 // Modes, files and the session (Router.cpp).
 void ModeCommand(int number, CommandSource source);        // 401 to 404, 409, 410
 void AutoModeCommand(int number, CommandSource source);    // 420

@@ -30,13 +30,13 @@ constexpr int Sectors = ModeSectors;
 // Rows without a handler are commands whose work is not built yet.
 constexpr RouteRow RouteTable[] = {
     // Saving, node builds, test play.
-    {CmdSaveNewReject, CmdSaveNewReject, AnyMode, nullptr, "Save with new RejectMask"},
-    {CmdBuildNodesAs, CmdBuildNodesAs, AnyMode, nullptr, "Build Node As"},
-    {CmdSaveLevel, CmdSaveLevelAs, AnyMode, nullptr, "Save, Save As"},
-    {CmdBuildNodes, CmdBuildNodes, AnyMode, nullptr, "Build Node"},
-    {CmdQuickSaveBackup, CmdQuickSaveBackup, AnyMode, nullptr, "Quick Save Backup"},
-    {CmdTestLevel, CmdTestLevel, AnyMode, nullptr, "Test Level"},
-    {CmdTextureAlign3D, CmdTextureAlign3D, AnyMode, nullptr, "3D Mode Texture Align"},
+    {CmdSaveNewReject, CmdSaveNewReject, AnyMode, SaveCommand, "Save with new RejectMask"},
+    {CmdBuildNodesAs, CmdBuildNodesAs, AnyMode, SaveCommand, "Build Node As"},
+    {CmdSaveLevel, CmdSaveLevelAs, AnyMode, SaveCommand, "Save, Save As"},
+    {CmdBuildNodes, CmdBuildNodes, AnyMode, SaveCommand, "Build Node"},
+    {CmdQuickSaveBackup, CmdQuickSaveBackup, AnyMode, QuickSaveCommand, "Quick Save Backup"},
+    {CmdTestLevel, CmdTestLevel, AnyMode, TestLevelCommand, "Test Level"},
+    {CmdTextureAlign3D, CmdTextureAlign3D, AnyMode, TestIn3DCommand, "3D Mode Texture Align"},
     // Files, levels, projects.
     {CmdEditLevel, CmdEditLevel, AnyMode, EditLevelCommand, "Edit Level"},
     {CmdNewLevel, CmdNewLevel, AnyMode, nullptr, "New Level"},

@@ -25,6 +25,7 @@ SessionState& Session()
 
 void ResetSession()
 {
+    wad::Wad().LockFile = nullptr;
     Session() = SessionState{};
 }
 
@@ -155,6 +156,7 @@ void OpenLockFile()
     SessionState& session = Session();
     const std::filesystem::path path = ProgramDir() / LockFileName;
     session.LockHandle.reset(std::fopen(path.c_str(), "r+b"));
+    wad::Wad().LockFile = session.LockHandle.get();
     if (session.LockHandle)
     {
         return;
@@ -171,6 +173,7 @@ void OpenLockFile()
         std::fputs(LockFileName, created.get());
         created.reset();
         session.LockHandle.reset(std::fopen(path.c_str(), "r+b"));
+        wad::Wad().LockFile = session.LockHandle.get();
         if (session.LockHandle)
         {
             return;

@@ -136,6 +136,7 @@ void ShutdownOnce(int left, int top, int right, int bottom)
     session.LevelLoaded = false;
     map::LevelFree(map::Map().Level);
     wad::CloseFiles('A', true, false);
+    wad::Wad().LockFile = nullptr;
     session.LockHandle.reset();
     session.RunningLock.reset();
 }

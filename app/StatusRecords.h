@@ -221,7 +221,50 @@ struct ChkRecord
     char ViewerPath[RecordPathSize]; // the 3D viewer
     char ViewerDirectory[RecordPathSize];
     char ViewerParameters[RecordPathSize];
-    std::uint8_t Reserved1098[200];
+    // The options of the TestR3D dialog: the 3D viewer's run and the private copy's save.
+    std::uint8_t ViewerLoadAllFiles;
+    std::uint8_t ViewerWait; // " Wait* for 3D to End"
+    std::uint8_t ViewerNoMonsters;
+    std::uint8_t ViewerNoMd2;
+    std::uint8_t ViewerNoObjects;
+    std::uint8_t ViewerLightsActive;
+    std::uint8_t ViewerNoConsole;
+    std::uint8_t ViewerNoSprites;
+    std::uint8_t ViewerNoEscape;
+    std::uint8_t ViewerNoInfight;
+    std::uint8_t ViewerAutoPosition;
+    std::uint8_t ViewerInvisibleThings;
+    std::uint8_t ViewerClipToFloor;
+    std::uint8_t ViewerClipToCeiling;
+    std::uint8_t ViewerAutoSpeed;
+    std::uint8_t ViewerAnalyze;
+    std::uint8_t ViewerCaching;
+    std::uint8_t ViewerUseSpecials;
+    std::uint8_t ViewerScope;  // 0 "complete", 1 "partial", 2 "play"
+    std::uint8_t ViewerScreen; // 0 "FullScreen Hardware" ... 4 "Custom Window"
+    std::int16_t ViewerWidth;
+    std::int16_t ViewerHeight;
+    std::int16_t ViewerXPos;
+    std::int16_t ViewerYPos;
+    std::int16_t ViewerSkill;  // 1 to 5; 0 "*All skills"
+    std::int16_t ViewerSpeed;  // 0 to 1000
+    std::int16_t ViewerMemory; // megabytes, 40 to 512; 0 the viewer's own
+    std::int16_t ViewerMaxFps;
+    std::uint8_t ViewerHiResFlats;
+    std::uint8_t ViewerHiResTx;
+    std::uint8_t ViewerHiResTexture;
+    std::uint8_t ViewerDisableWKey;
+    std::uint8_t ViewerShowInvisibleLines;
+    std::uint8_t ViewerRemoveUnused;
+    std::uint8_t ViewerApplyMissingTextures;
+    std::uint8_t ViewerCheckInvalidTextures;
+    std::uint8_t ViewerMergeVertices;
+    std::uint8_t ViewerSeeNodeResults;
+    std::uint8_t ViewerCopySpecialLumps;
+    std::uint8_t ViewerAutoFixSides;
+    std::uint8_t ViewerClearSectorSpecials;
+    std::uint8_t ViewerR3dglbspNodes;
+    std::uint8_t Reserved1148[150];
     char PaintProgram[RecordPathSize];
     char QuakeMapsDir[RecordPathSize];
     char QuakeGfxDir[RecordPathSize];
@@ -288,10 +331,27 @@ struct ProjectRecord
     char IwadPath[RecordPathSize];
     char GameExe[RecordPathSize];
     char GameDirectory[RecordPathSize];
-    std::uint8_t Reserved5360[128];
+    char WarpText[RecordPathSize]; // a custom warp parameter; empty: " -warp "
     char OptFile[RecordPathSize];
-    std::int16_t Skill;
-    std::uint8_t TestOptions[58];
+    // The Test Level options.
+    std::int16_t Skill; // 0: not passed
+    std::int16_t Turbo; // 0: not passed
+    std::uint8_t ResponseFile;
+    std::uint8_t ShortFileNames;
+    std::uint8_t QuoteResponse;
+    std::uint8_t QuoteFileNames;
+    std::uint8_t LoadAllFiles;
+    std::uint8_t WaitForGame;
+    std::uint8_t DevParm;
+    std::uint8_t NoMonsters;
+    std::uint8_t NoMusic;
+    std::uint8_t NoSound;
+    std::uint8_t NoSfx;
+    std::uint8_t FastMonsters;
+    std::uint8_t Deathmatch;
+    std::uint8_t AltDeath;
+    std::uint8_t Respawn;
+    std::uint8_t Reserved5635[41];
     char ExtraParameters[RecordPathSize];
     std::uint8_t Reserved5804[72];
     char ScriptFile[RecordPathSize];

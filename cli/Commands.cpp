@@ -6,6 +6,7 @@
 #include "cli/KeyCommands.h"
 #include "cli/LevelCommands.h"
 #include "cli/RenderCommands.h"
+#include "cli/SaveCommands.h"
 #include "cli/StatusCommands.h"
 #include "cli/WadCommands.h"
 #include "platform/ConsoleUi.h"
@@ -40,6 +41,9 @@ void PrintUsage(std::FILE* out)
                "  keys [--menus]          the shortcut list: key, command, name; (-) marks a\n"
                "                          command not built yet. --menus: the menu bar of\n"
                "                          each edit mode\n"
+               "  save IWAD [PWAD...] MAPNAME -o OUT.wad [--nodes]\n"
+               "                          the level saved into OUT.wad as Save Level does (Build\n"
+               "                          Node with --nodes); questions take their first answer\n"
                "  status FILE             a status file's frame and every named field\n"
                "  status --build DIR      writes all control files into DIR\n"
                "  types GAME things|lines|sectors [--opt FILE]\n"
@@ -88,6 +92,10 @@ int Run(int argc, char** argv)
     if (command == "keys")
     {
         return ListKeys(rest);
+    }
+    if (command == "save")
+    {
+        return SaveLevel(rest);
     }
     if (command == "status" && !rest.empty())
     {

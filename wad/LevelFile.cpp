@@ -556,10 +556,18 @@ bool WriteFile(map::LevelData& level, SavePlan& plan, std::size_t marker)
     if (plan.Choices.UnusedCleanup && wad.Save.UnusedCleanup)
     {
         const bool busy = map::Map().SaveBusy;
+        const std::uint16_t geometry = level.GeometryChangeCount;
         map::Map().SaveBusy = false;
         wad.Save.UnusedCleanup();
         map::Map().SaveBusy = busy;
         plan.RejectSize = (level.Sectors.Count() * level.Sectors.Count() + 7) / 8;
+        plan.FromMemory = plan.FromMemory || level.ChangeCount != 0;
+        // Removed Vertexes renumber the rest: the old node lumps would point at the wrong
+        // ones, so without a build they go out empty and the nodes stay to be built.
+        if (level.GeometryChangeCount != geometry && !plan.BuildNodes)
+        {
+            plan.Choices.ZeroNodes = true;
+        }
     }
     platform::TheUi().ShowProgress(platform::Format("Saving %s", plan.TargetPath.c_str()),
                                    plan.LevelName);

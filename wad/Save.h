@@ -124,6 +124,13 @@ int RestoreBak(const std::string& targetPath);
 /// fatal. Returns 0, or -1.
 [[nodiscard]] int WriteBackup(bool confirm, const map::LevelData& level, const std::string& path);
 
+/// Writes the level alone into a new PWAD at `path` under `levelName`: its object lumps from
+/// memory, empty node lumps, and in a Hexen project its script (or 16 zero bytes). For
+/// another program to read, after a node builder has run on it. Returns 0, or -1 after a
+/// reported failure.
+[[nodiscard]] int WriteLevelCopy(const map::LevelData& level, const std::string& path,
+                                 const std::string& levelName);
+
 /// The .BKP name of a file: its extension replaced.
 std::string BackupPathOf(const std::string& path);
 

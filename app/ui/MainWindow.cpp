@@ -7,15 +7,25 @@
 #include "app/Modes.h"
 #include "app/PaneTexts.h"
 #include "app/Router.h"
+#include "app/Save.h"
 #include "app/Session.h"
 #include "app/ShellState.h"
+#include "app/ui/SaveDialog.h"
+#include "platform/Messages.h"
+#include "platform/Processes.h"
+#include "run/RunState.h"
+#include "run/ui/TestOptionsDialog.h"
+#include "run/ui/TestR3dDialog.h"
+#include "wad/WadState.h"
 
 #include <QApplication>
 #include <QCloseEvent>
 #include <QCursor>
+#include <QFileInfo>
 #include <QFontDatabase>
 #include <QMenuBar>
 #include <QScreen>
+#include <QStandardPaths>
 #include <QStatusBar>
 #include <QVBoxLayout>
 
@@ -27,6 +37,25 @@ namespace
 QString Text(std::string_view text)
 {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+// The Save dialog's test of a custom builder: its program must be found.
+bool CustomBuilderReady()
+{
+    const std::string exe = GetText(Shell().Project.CustomExe);
+    const std::vector<std::string> words = platform::SplitCommandLine(exe);
+    const QString program = words.empty() ? QString() : QString::fromStdString(words.front());
+    if (!program.isEmpty() && !QStandardPaths::findExecutable(program).isEmpty())
+    {
+        return true;
+    }
+    if (!program.isEmpty() && QFileInfo(program).isExecutable())
+    {
+        return true;
+    }
+    platform::ShowMessageLines(0, "NodeBuilder Error",
+                               {"Please correct the Nodebuilder Path:", exe});
+    return false;
 }
 
 } // namespace
@@ -83,6 +112,8 @@ MainWindow::MainWindow()
 MainWindow::~MainWindow()
 {
     Session().Hooks = SessionHooks{};
+    wad::Wad().Save.SaveDialog = {};
+    run::Run().Test.Hooks = run::TestHooks{};
 }
 
 void MainWindow::InstallSessionHooks()
@@ -109,6 +140,20 @@ void MainWindow::InstallSessionHooks()
         }
     };
     hooks.DestroyWindow = [this] { CloseNow(); };
+    hooks.QuickSaveBackup = [](bool onExit) { return QuickSaveBackup(onExit); };
+    hooks.CrashSave = [] { return CrashSave(); };
+    wad::Wad().Save.SaveDialog = [this](wad::SaveOptions& options)
+    { return SaveDialog::Ask(options, CustomBuilderReady, this); };
+    run::TestHooks& test = run::Run().Test.Hooks;
+    test.EditTestOptions = [this](run::TestOptions& options, const std::string& info)
+    { return run::EditTestOptions(this, options, info); };
+    test.EditViewerOptions = [this](run::Viewer3DOptions& options)
+    { return run::EditViewerOptions(this, options); };
+    test.MapWindowRect = [this]
+    {
+        const QPoint origin = MapView->mapToGlobal(QPoint(0, 0));
+        return run::ScreenRect{origin.x(), origin.y(), MapView->width(), MapView->height()};
+    };
     hooks.ScreenSize = [this]
     {
         const QScreen* screen = this->screen();

@@ -242,7 +242,7 @@ TEST(RouteTable, TellsWhatIsBuilt)
     EXPECT_TRUE(IsCommandAvailable(CmdThingsMode));
     EXPECT_TRUE(IsCommandAvailable(CmdNewGridSize));
     EXPECT_TRUE(IsCommandAvailable(CmdGotoBookmark9));
-    EXPECT_FALSE(IsCommandAvailable(CmdSaveLevel));
+    EXPECT_TRUE(IsCommandAvailable(CmdSaveLevel));
     EXPECT_FALSE(IsCommandAvailable(CmdUndo));
     EXPECT_FALSE(IsCommandAvailable(CmdCopy));
     EXPECT_FALSE(IsCommandAvailable(512)) << "Misc popup commands are object operations";

@@ -81,7 +81,7 @@ TEST_F(RouterTest, ACommandThatRanAsksForTheMapStatusAndPanes)
     RunCommand(CmdExit);
     EXPECT_TRUE(TakeRequests().QuitRequested) << "the window runs the exit prompt";
 
-    (void)RunCommand(CmdSaveLevel);
+    (void)RunCommand(CmdUndo);
     EXPECT_EQ(TakeRequests(), CommandRequests{}) << "a command that didn't run asks nothing";
 }
 

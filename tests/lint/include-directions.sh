@@ -21,6 +21,7 @@ declare -A allowed=(
     [run]="platform wad map game"
     [app]="platform wad map game gfx sound view check tools lumps run res"
     [cli]="platform wad map game gfx sound view check tools lumps run app res"
+    [kelvarbsp]="platform wad map"
 )
 
 status=0

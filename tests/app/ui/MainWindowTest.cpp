@@ -10,9 +10,12 @@
 #include "game/GameState.h"
 #include "map/MapState.h"
 #include "map/Selection.h"
+#include "platform/test/RecordingProcesses.h"
+#include "run/RunState.h"
 #include "tests/app/StatusTestKit.h"
 #include "view/HitTest.h"
 #include "view/ViewState.h"
+#include "wad/WadState.h"
 
 #include <algorithm>
 
@@ -243,6 +246,41 @@ TEST_F(MainWindowTest, ShiftF2ListsTheLevelsAndOpensMap02)
     EXPECT_EQ(GetText(Shell().Project.LevelName), "MAP02");
     EXPECT_NE(map::Map().Level.LineDefs.Count(), map01Lines);
     EXPECT_TRUE(Session().LevelLoaded);
+}
+
+TEST_F(MainWindowTest, F2SavesTheIwadsLevelIntoItsOwnPwadAndGoesOnFromThere)
+{
+    const std::string pwad = (Dir.Path() / "MAP01.wad").string();
+    Ui.AnswerFile(pwad);
+    QTest::keyClick(Map(), Qt::Key_F2);
+    ASSERT_TRUE(std::filesystem::exists(pwad));
+    EXPECT_EQ(wad::Wad().OpenFiles[0], pwad);
+    const int file = wad::Wad().CurrentFile.FileNumber;
+    ASSERT_GT(file, 0) << "the level now comes from the PWAD";
+    EXPECT_EQ(wad::Wad().Files[static_cast<std::size_t>(file)].FileName, pwad);
+    EXPECT_TRUE(Session().LevelLoaded);
+    EXPECT_EQ(Window->StatusTexts()[11].toStdString(), "Change=NO");
+}
+
+TEST_F(MainWindowTest, ShiftF1StartsTheGameOnTheLevelAndReloadsItAfter)
+{
+    platform::RecordingProcesses processes;
+    std::string info;
+    run::Run().Test.Hooks.EditTestOptions = [&info](run::TestOptions&, const std::string& shown)
+    {
+        info = shown;
+        return true;
+    };
+    QTest::keyClick(Map(), Qt::Key_F1, Qt::ShiftModifier);
+    ASSERT_EQ(processes.Runs.size(), 1u);
+    const std::string line = processes.Runs[0].CommandLine;
+    EXPECT_NE(line.find("chocolate-doom"), std::string::npos) << line;
+    EXPECT_NE(line.find(" -warp 1"), std::string::npos) << line;
+    EXPECT_NE(line.find(" -iwad /usr/share/games/doom/freedoom2.wad"), std::string::npos) << line;
+    EXPECT_EQ(line.find("-file"), std::string::npos) << "the level is the IWAD's own";
+    EXPECT_NE(info.find("MAP01"), std::string::npos);
+    EXPECT_TRUE(Session().LevelLoaded);
+    EXPECT_EQ(Session().AppState, AppEditing);
 }
 
 TEST_F(MainWindowTest, KeyITogglesTheInfoPane)

@@ -1,0 +1,107 @@
+#!/usr/bin/python3
+# Every level of the Freedoom IWADs is saved through `kelvar-cli save --nodes`: the level's
+# lumps come from memory and kelvarbsp builds the nodes. omgifol must read back the same
+# objects, the node lumps must be there with a REJECT of the right size, and dsda-doom must
+# load and run each level on its own from a generated demo.
+# usage: nodes_and_engine.py KELVAR_CLI WORKDIR [IWAD...]
+# SPDX-License-Identifier: GPL-3.0-or-later
+import os
+import shutil
+import struct
+import subprocess
+import sys
+import tempfile
+
+import omg
+
+ENGINE = "/usr/games/dsda-doom"
+
+
+def line_ends(editor):
+    return [((editor.vertexes[l.vx_a].x, editor.vertexes[l.vx_a].y),
+             (editor.vertexes[l.vx_b].x, editor.vertexes[l.vx_b].y),
+             l.front, l.back, l.action, l.tag, l.flags) for l in editor.linedefs]
+
+
+def packed(items):
+    return [item.pack() for item in items]
+
+
+def demo(path, name, tics):
+    # A vanilla demo: version 109, skill 3, episode and map, one player, standing still.
+    if name.startswith("MAP"):
+        episode, level = 1, int(name[3:])
+    else:
+        episode, level = int(name[1]), int(name[3])
+    header = bytes([109, 2, episode, level, 0, 0, 0, 0, 0, 1, 0, 0, 0])
+    with open(path, "wb") as f:
+        f.write(header + struct.pack("<bbbB", 0, 0, 0, 0) * tics + b"\x80")
+
+
+def engine_runs(iwad, pwad, name, work):
+    lump = os.path.join(work, "demo.lmp")
+    demo(lump, name, 35)
+    home = tempfile.mkdtemp(dir=work)
+    env = dict(os.environ, HOME=home, XDG_RUNTIME_DIR=home, SDL_VIDEODRIVER="dummy",
+               SDL_AUDIODRIVER="dummy")
+    try:
+        run = subprocess.run([ENGINE, "-iwad", iwad, "-file", pwad, "-timedemo", lump,
+                              "-nodraw", "-nosound", "-no_message_box"], cwd=home, env=env,
+                             capture_output=True, text=True, timeout=60)
+    finally:
+        shutil.rmtree(home, ignore_errors=True)
+    return run.returncode == 0 and "Timed 35 gametics" in run.stdout, run
+
+
+def main():
+    cli, work = sys.argv[1], sys.argv[2]
+    iwads = sys.argv[3:] or ["/usr/share/games/doom/freedoom1.wad",
+                             "/usr/share/games/doom/freedoom2.wad"]
+    if not os.path.exists(ENGINE):
+        print("dsda-doom is not installed")
+        return 77
+    os.makedirs(work, exist_ok=True)
+    env = dict(os.environ, XDG_CONFIG_HOME=os.path.join(work, "config"))
+    failures = 0
+    levels = 0
+    for iwad in iwads:
+        source = omg.WAD(iwad)
+        for name in sorted(source.maps.keys()):
+            levels += 1
+            out = os.path.join(work, f"{os.path.basename(iwad)}-{name}.wad")
+            if os.path.exists(out):
+                os.remove(out)
+            run = subprocess.run([cli, "save", iwad, name, "-o", out, "--nodes"], env=env,
+                                 capture_output=True, text=True)
+            if run.returncode != 0 or "Result: nodes built" not in run.stderr:
+                print(f"FAIL {name}: save exit {run.returncode}\n{run.stderr[-2000:]}")
+                failures += 1
+                continue
+            saved = omg.WAD(out).maps[name]
+            original = source.maps[name]
+            a, b = omg.MapEditor(original), omg.MapEditor(saved)
+            for kind in ("things", "sidedefs", "sectors"):
+                if packed(getattr(a, kind)) != packed(getattr(b, kind)):
+                    print(f"FAIL {name}: {kind} differ")
+                    failures += 1
+            if line_ends(a) != line_ends(b):
+                print(f"FAIL {name}: linedefs differ")
+                failures += 1
+            sectors = len(b.sectors)
+            if len(saved["REJECT"].data) != (sectors * sectors + 7) // 8:
+                print(f"FAIL {name}: REJECT of {len(saved['REJECT'].data)} bytes")
+                failures += 1
+            if any(len(saved[lump].data) == 0 for lump in ("SEGS", "SSECTORS", "BLOCKMAP")):
+                print(f"FAIL {name}: empty node lumps")
+                failures += 1
+            ok, engine = engine_runs(iwad, out, name, work)
+            if not ok:
+                print(f"FAIL {name}: dsda-doom exit {engine.returncode}\n{engine.stdout[-500:]}"
+                      f"\n{engine.stderr[-500:]}")
+                failures += 1
+    print(f"{levels} levels saved with nodes and played, {failures} failures")
+    return 1 if failures or levels == 0 else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
