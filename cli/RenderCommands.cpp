@@ -4,12 +4,9 @@
 
 #include "cli/Commands.h"
 #include "cli/WadCommands.h"
-#include "game/GameState.h"
 #include "map/MapState.h"
 #include "platform/raster/RasterCanvas.h"
 #include "view/Renderer.h"
-#include "wad/LevelList.h"
-#include "wad/LevelReader.h"
 #include "wad/WadState.h"
 
 #include <cstdio>
@@ -104,19 +101,13 @@ int RenderLevel(const std::vector<std::string>& arguments)
     {
         return ExitUsage;
     }
-    const int status = OpenFiles(request.Files);
-    if (wad::Wad().Files[0].State == 0)
+    bool loaded = false;
+    const int status = OpenLevel(request.Files, request.Level, loaded);
+    if (!loaded)
     {
         return status;
     }
-    if (wad::FindLevel(wad::LumpName::From(request.Level)) < 0)
-    {
-        std::fprintf(stderr, "kelvar-cli: no level %s in these files\n", request.Level.c_str());
-        return ExitBadFile;
-    }
-    map::LevelData& level = map::Map().Level;
-    (void)wad::ReadLevel(level, request.Level, false);
-    game::SelectGameTables(); // Things in their symbols and colours, line types in theirs
+    const map::LevelData& level = map::Map().Level;
 
     view::ViewState state;
     state.Options.LevelFormat = wad::Wad().Game.Format;

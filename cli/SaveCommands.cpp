@@ -4,15 +4,11 @@
 
 #include "app/Save.h"
 #include "app/Session.h"
-#include "app/ShellState.h"
 #include "cli/Commands.h"
 #include "cli/WadCommands.h"
-#include "game/GameState.h"
 #include "map/MapState.h"
 #include "platform/ConsoleUi.h"
 #include "platform/Paths.h"
-#include "wad/LevelList.h"
-#include "wad/LevelReader.h"
 #include "wad/WadState.h"
 
 #include <cstdio>
@@ -130,19 +126,12 @@ int SaveLevel(const std::vector<std::string>& arguments)
     // The node builder's temporary file goes where the editor puts it.
     wad::Wad().ProgramDir = platform::DefaultProgramDir();
     std::filesystem::create_directories(wad::Wad().ProgramDir, error);
-    const int status = OpenFiles(request.Files);
-    if (wad::Wad().Files[0].State == 0)
+    bool loaded = false;
+    const int status = OpenLevel(request.Files, request.Level, loaded);
+    if (!loaded)
     {
         return status;
     }
-    if (wad::FindLevel(wad::LumpName::From(request.Level)) < 0)
-    {
-        std::fprintf(stderr, "kelvar-cli: no level %s in these files\n", request.Level.c_str());
-        return ExitBadFile;
-    }
-    map::LevelData& level = map::Map().Level;
-    (void)wad::ReadLevel(level, request.Level, false);
-    game::SelectGameTables();
     app::Session().LevelLoaded = true;
     app::Session().AppState = app::AppEditing;
 

@@ -1,11 +1,15 @@
-// kelvar-cli commands over the WAD directory: lumps, levels.
+// kelvar-cli commands over the WAD directory (lumps, levels), and opening a level for the others.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/WadCommands.h"
 
 #include "cli/Commands.h"
+#include "game/GameState.h"
+#include "map/MapState.h"
 #include "wad/FileChecks.h"
 #include "wad/FileTable.h"
 #include "wad/GameIdentity.h"
+#include "wad/LevelList.h"
+#include "wad/LevelReader.h"
 #include "wad/WadState.h"
 
 #include <cstdio>
@@ -61,6 +65,25 @@ int OpenFiles(const std::vector<std::string>& files)
             status = ExitBadFile;
         }
     }
+    return status;
+}
+
+int OpenLevel(const std::vector<std::string>& files, const std::string& levelName, bool& loaded)
+{
+    loaded = false;
+    const int status = OpenFiles(files);
+    if (wad::Wad().Files[0].State == 0)
+    {
+        return status;
+    }
+    if (wad::FindLevel(wad::LumpName::From(levelName)) < 0)
+    {
+        std::fprintf(stderr, "kelvar-cli: no level %s in these files\n", levelName.c_str());
+        return ExitBadFile;
+    }
+    (void)wad::ReadLevel(map::Map().Level, levelName, false);
+    game::SelectGameTables(); // Things in their symbols and colours, type names
+    loaded = true;
     return status;
 }
 

@@ -12,6 +12,11 @@ namespace kelvar::cli
 /// ExitBadFile when a file was refused (the IWAD's refusal stops; a PWAD's doesn't).
 int OpenFiles(const std::vector<std::string>& files);
 
+/// Opens the files and reads `levelName` into the map model's level, with the game's type
+/// tables chosen. Returns the exit status so far; `loaded` tells whether the level is there
+/// (a missing one is reported).
+int OpenLevel(const std::vector<std::string>& files, const std::string& levelName, bool& loaded);
+
 /// kelvar-cli lumps IWAD [PWAD...]
 int ListLumps(const std::vector<std::string>& files);
 

@@ -27,13 +27,6 @@ struct BackupScope
     BackupScope& operator=(const BackupScope&) = delete;
 };
 
-struct BackupEntry
-{
-    std::int32_t Offset = 0;
-    std::int32_t Size = 0;
-    std::string Name;
-};
-
 bool CopySpan(std::FILE* to, std::FILE* from, std::int32_t offset, std::int32_t size)
 {
     return size <= 0 || (CheckedSeek(from, offset) == 1 && CopyFileSpan(to, from, size) == 1);
@@ -133,7 +126,7 @@ int WriteBackup(bool confirm, const map::LevelData& level, const std::string& pa
         return 0;
     };
 
-    std::vector<BackupEntry> entries;
+    std::vector<DirectoryRow> entries;
     std::int64_t offset = WadHeaderSize;
     const std::uint8_t placeholder[WadHeaderSize] = {};
     if (CheckedWrite(out.get(), placeholder, WadHeaderSize) != 1)
@@ -235,21 +228,7 @@ int WriteBackup(bool confirm, const map::LevelData& level, const std::string& pa
 
     // The directory follows the data actually written; the entries' offsets past the node
     // lumps point beyond it, as they always have.
-    const std::int64_t directory = ftello(stream);
-    std::vector<std::uint8_t> bytes(entries.size() * DirectoryEntrySize, 0);
-    for (std::size_t i = 0; i < entries.size(); ++i)
-    {
-        std::uint8_t* raw = bytes.data() + i * DirectoryEntrySize;
-        WriteLe32(raw, entries[i].Offset);
-        WriteLe32(raw + 4, entries[i].Size);
-        std::copy_n(entries[i].Name.begin(), std::min<std::size_t>(entries[i].Name.size(), 8),
-                    raw + 8);
-    }
-    std::uint8_t header[WadHeaderSize] = {'P', 'W', 'A', 'D'};
-    WriteLe32(header + 4, static_cast<std::int32_t>(entries.size()));
-    WriteLe32(header + 8, static_cast<std::int32_t>(directory));
-    if (CheckedWrite(stream, bytes.data(), static_cast<std::int64_t>(bytes.size())) != 1 ||
-        CheckedSeek(stream, 0) != 1 || CheckedWrite(stream, header, WadHeaderSize) != 1)
+    if (!WriteDirectoryAndHeader(stream, entries, "PWAD"))
     {
         return -1;
     }

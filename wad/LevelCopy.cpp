@@ -30,13 +30,7 @@ int WriteLevelCopy(const map::LevelData& level, const std::string& path,
     rows.ShowInvisibleLines = wad.Writer.ShowInvisibleLines;
     rows.ClearSectorSpecials = wad.Writer.ClearSectorSpecials;
 
-    struct Entry
-    {
-        std::int32_t Offset;
-        std::int32_t Size;
-        std::string Name;
-    };
-    std::vector<Entry> entries{{WadHeaderSize, 0, levelName}};
+    std::vector<DirectoryRow> entries{{WadHeaderSize, 0, levelName}};
     std::int64_t offset = WadHeaderSize;
     const std::uint8_t header[WadHeaderSize] = {};
     if (CheckedWrite(out.get(), header, WadHeaderSize) != 1)
@@ -94,20 +88,7 @@ int WriteLevelCopy(const map::LevelData& level, const std::string& path,
             return -1;
         }
     }
-    std::vector<std::uint8_t> directory(entries.size() * DirectoryEntrySize, 0);
-    for (std::size_t i = 0; i < entries.size(); ++i)
-    {
-        std::uint8_t* raw = directory.data() + i * DirectoryEntrySize;
-        WriteLe32(raw, entries[i].Offset);
-        WriteLe32(raw + 4, entries[i].Size);
-        std::copy_n(entries[i].Name.begin(), std::min<std::size_t>(entries[i].Name.size(), 8),
-                    raw + 8);
-    }
-    std::uint8_t top[WadHeaderSize] = {'P', 'W', 'A', 'D'};
-    WriteLe32(top + 4, static_cast<std::int32_t>(entries.size()));
-    WriteLe32(top + 8, static_cast<std::int32_t>(offset));
-    if (CheckedWrite(stream, directory.data(), static_cast<std::int64_t>(directory.size())) != 1 ||
-        CheckedSeek(stream, 0) != 1 || CheckedWrite(stream, top, WadHeaderSize) != 1)
+    if (!WriteDirectoryAndHeader(stream, entries, "PWAD"))
     {
         return -1;
     }

@@ -429,27 +429,13 @@ bool CopyOtherLumps(Output& out, const SavePlan& plan, const std::vector<LumpEnt
 
 bool WriteDirectory(Output& out, std::string_view magic)
 {
-    const std::int64_t directory = out.Offset;
-    std::vector<std::uint8_t> bytes(out.Entries.size() * DirectoryEntrySize);
-    for (std::size_t i = 0; i < out.Entries.size(); ++i)
+    std::vector<DirectoryRow> rows;
+    rows.reserve(out.Entries.size());
+    for (const OutEntry& entry : out.Entries)
     {
-        std::uint8_t* raw = bytes.data() + i * DirectoryEntrySize;
-        WriteLe32(raw, out.Entries[i].Offset);
-        WriteLe32(raw + 4, out.Entries[i].Size);
-        const std::string name = out.Entries[i].Name.Text();
-        std::fill_n(raw + 8, 8, 0);
-        std::copy_n(name.begin(), std::min<std::size_t>(name.size(), 8), raw + 8);
+        rows.push_back({entry.Offset, entry.Size, entry.Name.Text()});
     }
-    if (!WriteBytes(out, bytes.data(), static_cast<std::int64_t>(bytes.size())))
-    {
-        return false;
-    }
-    std::uint8_t header[WadHeaderSize];
-    std::copy_n(magic.begin(), 4, header);
-    WriteLe32(header + 4, static_cast<std::int32_t>(out.Entries.size()));
-    WriteLe32(header + 8, static_cast<std::int32_t>(directory));
-    return CheckedSeek(out.Stream.get(), 0) == 1 &&
-           CheckedWrite(out.Stream.get(), header, WadHeaderSize) == 1;
+    return WriteDirectoryAndHeader(out.Stream.get(), rows, magic);
 }
 
 // Closes the renamed old file for good, and every record marked DEL.

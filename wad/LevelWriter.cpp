@@ -244,4 +244,25 @@ bool WriteSectors(std::FILE* stream, const map::LevelData& level, const RowLayou
         counter);
 }
 
+bool WriteDirectoryAndHeader(std::FILE* stream, const std::vector<DirectoryRow>& rows,
+                             std::string_view magic)
+{
+    const std::int64_t directory = ftello(stream);
+    std::vector<std::uint8_t> bytes(rows.size() * DirectoryEntrySize, 0);
+    for (std::size_t i = 0; i < rows.size(); ++i)
+    {
+        std::uint8_t* raw = bytes.data() + i * DirectoryEntrySize;
+        WriteLe32(raw, rows[i].Offset);
+        WriteLe32(raw + 4, rows[i].Size);
+        std::copy_n(rows[i].Name.begin(), std::min<std::size_t>(rows[i].Name.size(), 8), raw + 8);
+    }
+    std::uint8_t header[WadHeaderSize] = {};
+    std::copy_n(magic.begin(), std::min<std::size_t>(magic.size(), 4), header);
+    WriteLe32(header + 4, static_cast<std::int32_t>(rows.size()));
+    WriteLe32(header + 8, static_cast<std::int32_t>(directory));
+    return directory >= 0 &&
+           CheckedWrite(stream, bytes.data(), static_cast<std::int64_t>(bytes.size())) == 1 &&
+           CheckedSeek(stream, 0) == 1 && CheckedWrite(stream, header, WadHeaderSize) == 1;
+}
+
 } // namespace kelvar::wad

@@ -7,6 +7,8 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace kelvar::wad
@@ -42,5 +44,19 @@ bool WriteSideDefs(std::FILE* stream, const map::LevelData& level, std::int64_t&
 bool WriteVertexes(std::FILE* stream, const map::LevelData& level, std::int64_t& counter);
 bool WriteSectors(std::FILE* stream, const map::LevelData& level, const RowLayout& layout,
                   std::int64_t& counter);
+
+/// One entry of a directory being written.
+struct DirectoryRow
+{
+    std::int32_t Offset = 0;
+    std::int32_t Size = 0;
+    std::string Name;
+};
+
+/// Writes `rows` as a WAD directory at the stream's current position, then the header at
+/// offset 0: `magic`, the count, and the directory's position. Returns false after a failed
+/// write was reported.
+bool WriteDirectoryAndHeader(std::FILE* stream, const std::vector<DirectoryRow>& rows,
+                             std::string_view magic);
 
 } // namespace kelvar::wad
