@@ -38,6 +38,10 @@ void JumpToTagsCommand(int number, CommandSource source);     // 306
 void MarkSameThingsCommand(int number, CommandSource source); // 307
 void BookmarkCommand(int number, CommandSource source);       // 7000 to 7009, 7020 to 7029
 
+/// Puts the map point under the pointer at the window's centre, and asks for the pointer to
+/// follow it there.
+void CentreOnPointer();
+
 /// Stores the grid settings where the rest of the editor reads them: KELVAR.CHK's grid size
 /// and the editing options' grid and snap.
 void StoreGridSettings();

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/MapKeys.h"
 
+#include "app/CommandHandlers.h"
 #include "app/Session.h"
 #include "app/ShellState.h"
 #include "map/MapState.h"
@@ -46,12 +47,7 @@ bool HandleMapCharacter(char character)
     {
         if (view.Settings.ZoomAtPointer)
         {
-            view::CenterOn(view.Viewport, view::ScreenToMapX(view.Viewport, view.Pointer.X),
-                           view::ScreenToMapY(view.Viewport, view.Pointer.Y));
-            CommandRequests& requests = Shell().Requests;
-            requests.MovePointer = true;
-            requests.PointerX = static_cast<int>(view.Viewport.CenterXPx);
-            requests.PointerY = static_cast<int>(view.Viewport.CenterYPx);
+            CentreOnPointer();
         }
         view::ZoomToDigit(view.Viewport, view.Settings, character - '0');
         ViewChanged();

@@ -40,9 +40,7 @@ bool WriteViewerCopy(const std::filesystem::path& copy, const run::Viewer3DOptio
     {
         return false;
     }
-    run::BuilderOptions& builder = run::Run().Builder;
-    BuilderOptionsFromRecords(Shell().Chk, Shell().Project, builder);
-    builder.ProgramDir = wad.ProgramDir;
+    PrepareBuilder();
     const int result =
         options.R3dglbspNodes
             ? run::RunR3dBuilder(options.ViewerDirectory, work.string(), copy.string())

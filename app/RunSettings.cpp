@@ -1,6 +1,11 @@
-// The test launcher's settings between the status records and the external programs' state.
+// The external programs' settings (test launcher, node builder) between the status records and
+// their state.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/RunSettings.h"
+
+#include "app/ShellState.h"
+#include "run/RunState.h"
+#include "wad/WadState.h"
 
 #include <utility>
 
@@ -175,6 +180,14 @@ void BuilderOptionsFromRecords(const ChkRecord& chk, const ProjectRecord& projec
     builder.CustomExe = GetText(project.CustomExe);
     builder.CustomParameters = GetText(project.CustomParameters);
     builder.CustomDirectory = GetText(project.CustomDirectory);
+}
+
+run::BuilderOptions& PrepareBuilder()
+{
+    run::BuilderOptions& builder = run::Run().Builder;
+    BuilderOptionsFromRecords(Shell().Chk, Shell().Project, builder);
+    builder.ProgramDir = wad::Wad().ProgramDir;
+    return builder;
 }
 
 } // namespace kelvar::app

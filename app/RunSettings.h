@@ -1,4 +1,5 @@
-// The test launcher's settings between the status records and the external programs' state.
+// The external programs' settings (test launcher, node builder) between the status records and
+// their state.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -21,5 +22,9 @@ void TestOptionsToRecords(const run::TestOptions& test, ChkRecord& chk, ProjectR
 /// and the builder's own path stay as they are.
 void BuilderOptionsFromRecords(const ChkRecord& chk, const ProjectRecord& project,
                                run::BuilderOptions& builder);
+
+/// The node builder's settings of the shell's records put into run::Run().Builder, with the
+/// program's directory where the builder's temporary file and log lie. Returns them.
+run::BuilderOptions& PrepareBuilder();
 
 } // namespace kelvar::app

@@ -58,14 +58,12 @@ void InstallSaveHooks()
         [](const std::string& temporary, const std::string& target, const std::string& levelName)
     {
         // The Save dialog's choices of this save stand over the stored ones.
-        run::BuilderOptions& builder = run::Run().Builder;
-        BuilderOptionsFromRecords(Shell().Chk, Shell().Project, builder);
+        run::BuilderOptions& builder = PrepareBuilder();
         const wad::SaveOptions& choices = wad::Wad().SaveChoices;
         builder.ShowBuild = choices.ShowBuild;
         builder.SeeResults = choices.SeeResults;
         builder.CustomBuilder = choices.CustomBuilder;
         builder.ZeroBlockmap = choices.ZeroBlockmap;
-        builder.ProgramDir = wad::Wad().ProgramDir;
         const int result = builder.CustomBuilder
                                ? run::RunCustomBuilder(temporary, target, levelName, false)
                                : run::RunBuiltInBuilder(target, levelName, true);

@@ -348,10 +348,6 @@ int CreateSession(platform::Clock* clock)
         shell.Chk.AutoStartProgram = 0;
         (void)BuildControlFiles();
         (void)InstallDefaultOptFiles();
-        if (session.Hooks.HelpTopic)
-        {
-            session.Hooks.HelpTopic(true);
-        }
         platform::ShowInfo("After you have choosen your Project\n\\nPress F5 to set editing "
                            "properties\n\nUse R3Kelvar.prj for 3D levels");
     }

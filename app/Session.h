@@ -6,10 +6,13 @@
 //   own so the window (app/ui) only strings them together: ProcessStart before the window
 //   exists, CheckSecondCopy and CreateSession while it is being made, RunStartupCommand once it
 //   is on screen, TimerTick every minute, ExitPrompt and ShutdownOnce at the end.
-// - What only the window can do (menus, redraws, the cursor, closing itself) reaches it through
-//   SessionHooks; an empty hook does nothing, which is how the tests run these steps headless.
-// - The status records in app::Shell() are the truth for settings; ApplySettings hands them to
-//   the WAD layer, the map model and the view, and GatherSettings takes the view's back.
+// - What the window is to show afterwards (menus, redraws, the status bar) is left as requests,
+//   as a command leaves them; what it must do at once (the cursor, closing itself) reaches it
+//   through SessionHooks. An empty hook does nothing, which is how the tests run these steps
+//   headless.
+// - The status records in app::Shell() are the truth for settings; ApplyWadSettings hands the
+//   file settings to the WAD layer before the files are read, ApplyViewSettings the rest to
+//   the map model and the view once a level is read, and GatherSettings takes the view's back.
 #pragma once
 
 #include "platform/Clock.h"
@@ -60,12 +63,8 @@ inline constexpr const char* LockFileName = "KELVAR.LOK";
 /// What the window does for the session.
 struct SessionHooks
 {
-    std::function<void()> RebuildFileMenu;  // the recent list or the open files changed
-    std::function<void()> LevelShown;       // a level is loaded: menus on, status, map drawn
-    std::function<void(bool)> WaitCursor;   // true: the wait cursor, false: the normal one
-    std::function<void(bool)> HelpTopic;    // the first-run help ("First Time Installation")
-    std::function<void()> DestroyWindow;    // the session can't go on
-    std::function<void()> MiscPopupChanged; // the mode's "M&isc" popup is put in place
+    std::function<void(bool)> WaitCursor; // true: the wait cursor, false: the normal one
+    std::function<void()> DestroyWindow;  // the session can't go on
     /// The Quick Save Backup of the save pipeline, `onExit` for the full save of the exit.
     /// Returns true when it saved. Empty while there is no save pipeline.
     std::function<bool(bool onExit)> QuickSaveBackup;
@@ -181,8 +180,12 @@ std::optional<std::string> ChooseLevel(const std::string& current);
 /// Returns false when no level could be read.
 bool LoadCurrentLevel(bool newLevel, bool resetView);
 
-/// Reads the settings of the status records into the WAD layer, the map model and the view.
-void ApplySettings();
+/// Reads the file settings of the status records into the WAD layer, with its hooks.
+void ApplyWadSettings();
+
+/// Reads the editing and display settings of the status records (and the game configuration
+/// of the level's format) into the map model and the view.
+void ApplyViewSettings();
 
 /// Takes what the view and the map changed back into the status records.
 void GatherSettings();

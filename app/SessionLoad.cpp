@@ -31,14 +31,6 @@ namespace kelvar::app
 namespace
 {
 
-void CallHook(const std::function<void()>& hook)
-{
-    if (hook)
-    {
-        hook();
-    }
-}
-
 void SetWaitCursor(bool on)
 {
     if (Session().Hooks.WaitCursor)
@@ -125,7 +117,7 @@ void OpenStartFile(const std::string& startFile)
         SetText(project.LevelName, level->Text());
     }
     (void)AddRecentPwad(project, startFile);
-    CallHook(Session().Hooks.RebuildFileMenu);
+    Shell().Requests.MenuStateChanged = true;
 }
 
 // The environment checks that a start without Auto Start Program runs.
@@ -251,15 +243,12 @@ void PlaceView(const map::LevelData& level, double savedX, double savedY)
 
 // --- Settings ------------------------------------------------------------------------------
 
-void ApplySettings()
+void ApplyWadSettings()
 {
-    ShellState& shell = Shell();
+    const ShellState& shell = Shell();
     const ChkRecord& chk = shell.Chk;
-    const ProjectRecord& project = shell.Project;
-    const GameConfigRecord& config = shell.GameConfig;
-
     wad::WadState& wad = wad::Wad();
-    CopyToWadOptions(chk, project, wad.Options);
+    CopyToWadOptions(chk, shell.Project, wad.Options);
     wad.Options.AutomaticSideUnpack = chk.AutomaticSideUnpack != 0;
     wad.Hooks.SaveStatusFiles = []
     {
@@ -271,6 +260,14 @@ void ApplySettings()
         Shell().Project.ViewX = wad::UnsetViewPosition;
         Shell().Project.ViewY = wad::UnsetViewPosition;
     };
+}
+
+void ApplyViewSettings()
+{
+    ShellState& shell = Shell();
+    const ChkRecord& chk = shell.Chk;
+    const ProjectRecord& project = shell.Project;
+    const GameConfigRecord& config = shell.GameConfig;
 
     map::EditOptions& options = map::Map().Options;
     options.ExpertMode = chk.ExpertMode != 0;
@@ -315,12 +312,8 @@ void ApplySettings()
     colors.SectorTyped = config.ColorSectorTyped;
     colors.LineScript = config.ColorLineScript;
     colors.LineTeleport = config.ColorLineTeleport;
-    if (chk.EditMode == map::ModeThings || chk.EditMode == map::ModeLineDefs ||
-        chk.EditMode == map::ModeVertexes || chk.EditMode == map::ModeSectors)
-    {
-        view::View().Pointer.CurrentObject = -1;
-    }
-    else
+    if (chk.EditMode != map::ModeThings && chk.EditMode != map::ModeLineDefs &&
+        chk.EditMode != map::ModeVertexes && chk.EditMode != map::ModeSectors)
     {
         shell.Chk.EditMode = map::ModeLineDefs;
     }
@@ -365,7 +358,10 @@ bool RunStartupCommand(int command)
     SessionState& session = Session();
     auto fail = [&session]
     {
-        CallHook(session.Hooks.DestroyWindow);
+        if (session.Hooks.DestroyWindow)
+        {
+            session.Hooks.DestroyWindow();
+        }
         return false;
     };
     if (command == CommandFirstStartup)
@@ -394,7 +390,7 @@ int LoadSessionFiles()
     ShellState& shell = Shell();
     ProjectRecord& project = shell.Project;
 
-    ApplySettings();
+    ApplyWadSettings();
     session.AppState = AppChoosingIwad;
     const int selected = wad::SelectMainIwad(session.FirstTime);
     (void)CopyIwadPathToProject(wad::Wad().Options, project);
@@ -407,8 +403,8 @@ int LoadSessionFiles()
 
     CopyOpenFilesToWad();
     RemoveDuplicateNames();
-    CallHook(session.Hooks.RebuildFileMenu);
-    CallHook(session.Hooks.MiscPopupChanged);
+    Shell().Requests.MenuStateChanged = true;
+    Shell().Requests.MiscMenuChanged = true;
 
     session.OpenLevelWithoutAsking = shell.Chk.AutoStartProgram != 0 || !session.FirstTime;
     if (shell.Chk.AutoLoadLevels != 0 && session.StartFile.empty())
@@ -486,7 +482,6 @@ bool LoadCurrentLevel(bool newLevel, bool resetView)
     }
     wad::DropUnusedFiles();
     map::Selected().HighlightedObject = -1;
-    view::View().Pointer.CurrentObject = -1;
     (void)resetView;
 
     SetWaitCursor(true);
@@ -503,7 +498,7 @@ bool LoadCurrentLevel(bool newLevel, bool resetView)
     (void)wad::ReadLevel(level, *name, newLevel);
     wad::BuildMarkerLists();
     LoadGameDefinitions();
-    ApplySettings();
+    ApplyViewSettings();
     view::View().Options.LevelFormat = wad::Wad().Game.Format;
 
     PlaceView(level, savedX, savedY);
@@ -517,7 +512,11 @@ bool LoadCurrentLevel(bool newLevel, bool resetView)
     session.LevelLoaded = true;
     session.AppState = AppEditing;
     session.InFileOperation = false;
-    CallHook(session.Hooks.LevelShown);
+    CommandRequests& requests = Shell().Requests;
+    requests.RedrawMap = true;
+    requests.RefreshStatus = true;
+    requests.RefreshInfoPanes = true;
+    requests.MenuStateChanged = true;
     SetWaitCursor(false);
     return true;
 }

@@ -20,6 +20,17 @@ void Toggled()
 
 } // namespace
 
+void CentreOnPointer()
+{
+    view::ViewState& view = view::View();
+    view::CenterOn(view.Viewport, view::ScreenToMapX(view.Viewport, view.Pointer.X),
+                   view::ScreenToMapY(view.Viewport, view.Pointer.Y));
+    CommandRequests& requests = Shell().Requests;
+    requests.MovePointer = true;
+    requests.PointerX = static_cast<int>(view.Viewport.CenterXPx);
+    requests.PointerY = static_cast<int>(view.Viewport.CenterYPx);
+}
+
 void StoreGridSettings()
 {
     const view::ViewSettings& settings = view::View().Settings;
@@ -108,16 +119,8 @@ void CentreCommand(int number, CommandSource /*source*/)
         }
         break;
     case CmdCenterAtCursor:
-    {
-        // The map point under the pointer comes to the centre, and the pointer with it.
-        view::CenterOn(view.Viewport, view::ScreenToMapX(view.Viewport, view.Pointer.X),
-                       view::ScreenToMapY(view.Viewport, view.Pointer.Y));
-        CommandRequests& requests = Shell().Requests;
-        requests.MovePointer = true;
-        requests.PointerX = static_cast<int>(view.Viewport.CenterXPx);
-        requests.PointerY = static_cast<int>(view.Viewport.CenterYPx);
+        CentreOnPointer();
         break;
-    }
     case CmdCenterView:
         view::BestFit(view.Viewport, level);
         break;

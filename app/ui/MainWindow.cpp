@@ -119,15 +119,6 @@ MainWindow::~MainWindow()
 void MainWindow::InstallSessionHooks()
 {
     SessionHooks& hooks = Session().Hooks;
-    hooks.RebuildFileMenu = [this] { BuildMenus(); };
-    hooks.MiscPopupChanged = [this] { BuildMenus(); };
-    hooks.LevelShown = [this]
-    {
-        CommandRequests& requests = Shell().Requests;
-        requests.RedrawMap = requests.RefreshStatus = requests.RefreshInfoPanes = true;
-        requests.MenuStateChanged = true;
-        ActOnRequests();
-    };
     hooks.WaitCursor = [](bool on)
     {
         if (on)

@@ -43,8 +43,11 @@ void MapWidget::RenderBuffer()
     }
     platform::QtCanvas canvas(Buffer, view::ColorTable());
     const view::ViewState& view = view::View();
-    canvas.FillRect({0, 0, width(), height()}, view.Colors.Background);
-    if (Session().LevelLoaded)
+    if (!Session().LevelLoaded)
+    {
+        canvas.FillRect({0, 0, width(), height()}, view.Colors.Background);
+    }
+    else
     {
         view::MapPicture picture;
         picture.Level = &map::Map().Level;
@@ -62,18 +65,25 @@ void MapWidget::paintEvent(QPaintEvent*)
     {
         RenderBuffer();
     }
+    // The band is drawn in XOR into the buffer for the blit and drawn again after it, which
+    // takes it away: the map under it needs no redraw.
     int x1 = 0, y1 = 0, x2 = 0, y2 = 0;
-    if (RubberBand(MouseState, x1, y1, x2, y2))
+    const bool band = RubberBand(MouseState, x1, y1, x2, y2);
+    const auto xorBand = [&]
     {
-        // The band goes over a copy, so taking it away needs no redraw of the map.
-        QImage withBand = Buffer;
-        platform::QtCanvas canvas(withBand, view::ColorTable());
+        platform::QtCanvas canvas(Buffer, view::ColorTable());
         view::XorRubberBand(canvas, view::View(), x1, y1, x2, y2);
-        canvas.Flush();
-        QPainter(this).drawImage(0, 0, withBand);
-        return;
+    };
+    if (band)
+    {
+        xorBand();
     }
     QPainter(this).drawImage(0, 0, Buffer);
+    if (band)
+    {
+        xorBand();
+        return;
+    }
     if (!MapPainted && Session().LevelLoaded)
     {
         MapPainted = true;
