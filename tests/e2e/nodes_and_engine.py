@@ -14,6 +14,8 @@ import tempfile
 
 import omg
 
+from freedoom_saves import saved_levels
+
 ENGINE = "/usr/games/dsda-doom"
 
 
@@ -55,50 +57,39 @@ def engine_runs(iwad, pwad, name, work):
 
 def main():
     cli, work = sys.argv[1], sys.argv[2]
-    iwads = sys.argv[3:] or ["/usr/share/games/doom/freedoom1.wad",
-                             "/usr/share/games/doom/freedoom2.wad"]
     if not os.path.exists(ENGINE):
         print("dsda-doom is not installed")
         return 77
-    os.makedirs(work, exist_ok=True)
-    env = dict(os.environ, XDG_CONFIG_HOME=os.path.join(work, "config"))
     failures = 0
     levels = 0
-    for iwad in iwads:
-        source = omg.WAD(iwad)
-        for name in sorted(source.maps.keys()):
-            levels += 1
-            out = os.path.join(work, f"{os.path.basename(iwad)}-{name}.wad")
-            if os.path.exists(out):
-                os.remove(out)
-            run = subprocess.run([cli, "save", iwad, name, "-o", out, "--nodes"], env=env,
-                                 capture_output=True, text=True)
-            if run.returncode != 0 or "Result: nodes built" not in run.stderr:
-                print(f"FAIL {name}: save exit {run.returncode}\n{run.stderr[-2000:]}")
+    for iwad, source, name, out, run in saved_levels(cli, work, sys.argv[3:], "--nodes"):
+        levels += 1
+        if run.returncode != 0 or "Result: nodes built" not in run.stderr:
+            print(f"FAIL {name}: save exit {run.returncode}\n{run.stderr[-2000:]}")
+            failures += 1
+            continue
+        saved = omg.WAD(out).maps[name]
+        original = source.maps[name]
+        a, b = omg.MapEditor(original), omg.MapEditor(saved)
+        for kind in ("things", "sidedefs", "sectors"):
+            if packed(getattr(a, kind)) != packed(getattr(b, kind)):
+                print(f"FAIL {name}: {kind} differ")
                 failures += 1
-                continue
-            saved = omg.WAD(out).maps[name]
-            original = source.maps[name]
-            a, b = omg.MapEditor(original), omg.MapEditor(saved)
-            for kind in ("things", "sidedefs", "sectors"):
-                if packed(getattr(a, kind)) != packed(getattr(b, kind)):
-                    print(f"FAIL {name}: {kind} differ")
-                    failures += 1
-            if line_ends(a) != line_ends(b):
-                print(f"FAIL {name}: linedefs differ")
-                failures += 1
-            sectors = len(b.sectors)
-            if len(saved["REJECT"].data) != (sectors * sectors + 7) // 8:
-                print(f"FAIL {name}: REJECT of {len(saved['REJECT'].data)} bytes")
-                failures += 1
-            if any(len(saved[lump].data) == 0 for lump in ("SEGS", "SSECTORS", "BLOCKMAP")):
-                print(f"FAIL {name}: empty node lumps")
-                failures += 1
-            ok, engine = engine_runs(iwad, out, name, work)
-            if not ok:
-                print(f"FAIL {name}: dsda-doom exit {engine.returncode}\n{engine.stdout[-500:]}"
-                      f"\n{engine.stderr[-500:]}")
-                failures += 1
+        if line_ends(a) != line_ends(b):
+            print(f"FAIL {name}: linedefs differ")
+            failures += 1
+        sectors = len(b.sectors)
+        if len(saved["REJECT"].data) != (sectors * sectors + 7) // 8:
+            print(f"FAIL {name}: REJECT of {len(saved['REJECT'].data)} bytes")
+            failures += 1
+        if any(len(saved[lump].data) == 0 for lump in ("SEGS", "SSECTORS", "BLOCKMAP")):
+            print(f"FAIL {name}: empty node lumps")
+            failures += 1
+        ok, engine = engine_runs(iwad, out, name, work)
+        if not ok:
+            print(f"FAIL {name}: dsda-doom exit {engine.returncode}\n{engine.stdout[-500:]}"
+                  f"\n{engine.stderr[-500:]}")
+            failures += 1
     print(f"{levels} levels saved with nodes and played, {failures} failures")
     return 1 if failures or levels == 0 else 0
 

@@ -4,12 +4,12 @@
 # byte copies of the IWAD's, and MapEditor decodes the same objects from both.
 # usage: save_roundtrip.py KELVAR_CLI WORKDIR [IWAD...]
 # SPDX-License-Identifier: GPL-3.0-or-later
-import os
-import subprocess
 import sys
 
 import omg
 import omg.mapedit
+
+from freedoom_saves import saved_levels
 
 LUMPS = ["THINGS", "LINEDEFS", "SIDEDEFS", "VERTEXES", "SEGS", "SSECTORS", "NODES", "SECTORS",
          "REJECT", "BLOCKMAP"]
@@ -23,38 +23,27 @@ def objects(group):
 
 def main():
     cli, work = sys.argv[1], sys.argv[2]
-    iwads = sys.argv[3:] or ["/usr/share/games/doom/freedoom1.wad",
-                             "/usr/share/games/doom/freedoom2.wad"]
-    os.makedirs(work, exist_ok=True)
-    env = dict(os.environ, XDG_CONFIG_HOME=os.path.join(work, "config"))
     failures = 0
     levels = 0
-    for iwad in iwads:
-        source = omg.WAD(iwad)
-        for name in sorted(source.maps.keys()):
-            out = os.path.join(work, f"{os.path.basename(iwad)}-{name}.wad")
-            if os.path.exists(out):
-                os.remove(out)
-            run = subprocess.run([cli, "save", iwad, name, "-o", out], env=env,
-                                 capture_output=True, text=True)
-            levels += 1
-            if run.returncode != 0:
-                print(f"FAIL {iwad} {name}: exit {run.returncode}\n{run.stderr}")
+    for iwad, source, name, out, run in saved_levels(cli, work, sys.argv[3:]):
+        levels += 1
+        if run.returncode != 0:
+            print(f"FAIL {iwad} {name}: exit {run.returncode}\n{run.stderr}")
+            failures += 1
+            continue
+        saved = omg.WAD(out)
+        if list(saved.maps.keys()) != [name]:
+            print(f"FAIL {name}: levels in the PWAD {list(saved.maps.keys())}")
+            failures += 1
+            continue
+        original, copy = source.maps[name], saved.maps[name]
+        for lump in LUMPS:
+            if original[lump].data != copy[lump].data:
+                print(f"FAIL {iwad} {name}: {lump} differs")
                 failures += 1
-                continue
-            saved = omg.WAD(out)
-            if list(saved.maps.keys()) != [name]:
-                print(f"FAIL {name}: levels in the PWAD {list(saved.maps.keys())}")
-                failures += 1
-                continue
-            original, copy = source.maps[name], saved.maps[name]
-            for lump in LUMPS:
-                if original[lump].data != copy[lump].data:
-                    print(f"FAIL {iwad} {name}: {lump} differs")
-                    failures += 1
-            if objects(original) != objects(copy):
-                print(f"FAIL {iwad} {name}: objects differ")
-                failures += 1
+        if objects(original) != objects(copy):
+            print(f"FAIL {iwad} {name}: objects differ")
+            failures += 1
     print(f"{levels} levels saved, {failures} failures")
     return 1 if failures or levels == 0 else 0
 
