@@ -102,8 +102,7 @@ void SelectTablesFor(int iwadKind, int levelFormat, bool boomTypes, bool zdoomTy
     game.LineDefMenu = Copy(BuiltInLineDefMenu(menus));
     game.SectorMenu = Copy(BuiltInSectorMenu(menus));
 
-    game.HasSaved = false;
-    game.Saved = SavedTables{};
+    game.Saved.reset();
     game.Opt = OptCounters{};
 }
 

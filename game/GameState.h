@@ -13,13 +13,14 @@
 #include "game/TypeTables.h"
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace kelvar::game
 {
 
-/// The tables as they stood before the last OPT overlay.
-struct SavedTables
+/// The three type tables and three category menus of a game.
+struct GameTables
 {
     std::vector<ThingTypeRow> Things;
     std::vector<LineTypeRow> LineDefs;
@@ -43,23 +44,15 @@ struct OptCounters
     int NewSectorCategories = 0;
 };
 
-/// Everything the game definitions keep.
-struct GameState
+/// Everything the game definitions keep: the active tables are its GameTables part.
+struct GameState : GameTables
 {
     int IwadKind = 0;        // 1 Doom, 2 Doom 2, 3 Heretic, 4 Hexen, 5 Strife; 0 before selection
     int LevelFormat = 0;     // the game, or 4 for any Hexen-format project
     bool BoomTypes = false;  // the project's Boom switch
     bool ZdoomTypes = false; // the project's ZDoom switch
 
-    std::vector<ThingTypeRow> Things;
-    std::vector<LineTypeRow> LineDefs;
-    std::vector<SectorTypeRow> Sectors;
-    std::vector<CategoryMenuRow> ThingMenu;
-    std::vector<CategoryMenuRow> LineDefMenu;
-    std::vector<CategoryMenuRow> SectorMenu;
-
-    bool HasSaved = false;
-    SavedTables Saved;
+    std::optional<GameTables> Saved; // the tables as they stood before the last OPT overlay
     OptCounters Opt;
 
     SectorTypeRow SectorWorkRow; // the answer for a Boom light type no row names

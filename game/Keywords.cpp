@@ -3,6 +3,7 @@
 #include "game/Keywords.h"
 
 #include "game/TypeRows.h"
+#include "wad/LumpName.h"
 
 #include <array>
 
@@ -180,28 +181,7 @@ constexpr Keyword ThingProperties[] = {
     {"3DFLOOR", 45},
 };
 
-char Lower(char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 } // namespace
-
-bool SameWord(std::string_view a, std::string_view b)
-{
-    if (a.size() != b.size())
-    {
-        return false;
-    }
-    for (std::size_t i = 0; i < a.size(); ++i)
-    {
-        if (Lower(a[i]) != Lower(b[i]))
-        {
-            return false;
-        }
-    }
-    return true;
-}
 
 std::span<const std::string_view> ColorNames()
 {
@@ -257,7 +237,7 @@ std::optional<std::uint32_t> FindKeyword(std::span<const Keyword> table, std::st
 {
     for (const Keyword& keyword : table)
     {
-        if (SameWord(keyword.Word, word))
+        if (wad::EqualNoCase(keyword.Word, word))
         {
             return keyword.Code;
         }
@@ -269,7 +249,7 @@ std::optional<std::uint16_t> FindColor(std::string_view word)
 {
     for (std::size_t i = 1; i < Colors.size(); ++i)
     {
-        if (SameWord(Colors[i], word))
+        if (wad::EqualNoCase(Colors[i], word))
         {
             return static_cast<std::uint16_t>(i);
         }

@@ -41,7 +41,4 @@ std::optional<std::uint32_t> FindKeyword(std::span<const Keyword> table, std::st
 /// The colour index of a colour name, case ignored (1 to 29).
 std::optional<std::uint16_t> FindColor(std::string_view word);
 
-/// True when the two texts are equal with case ignored.
-bool SameWord(std::string_view a, std::string_view b);
-
 } // namespace kelvar::game

@@ -8,6 +8,7 @@
 #include "game/TypeMenus.h"
 #include "platform/Format.h"
 #include "platform/Messages.h"
+#include "wad/LumpName.h"
 #include "wad/WadState.h"
 
 #include <array>
@@ -276,25 +277,24 @@ void ApplyThing(OptReader& reader, const OptEntry& entry, bool separator)
     const auto type = static_cast<std::uint32_t>(reader.Number);
     const bool remove = fields.Property && *fields.Property == CodeDelete;
     std::ptrdiff_t at = separator ? -1 : MatchingRow(rows, type);
-    if (at >= 0 && remove)
+    if (remove)
     {
-        ThingTypeRow& row = rows[static_cast<std::size_t>(at)];
-        row.type = 0;
-        row.name[0] = 'x';
-        row.property = SpareProperty;
+        if (at >= 0)
+        {
+            ThingTypeRow& row = rows[static_cast<std::size_t>(at)];
+            row.type = 0;
+            row.name[0] = 'x';
+            row.property = SpareProperty;
+        }
         return;
     }
     if (at < 0)
     {
-        if (remove)
-        {
-            return; // nothing of that number to delete
-        }
         at = RowForNewEntry(reader, rows);
-        if (at < 0)
-        {
-            return;
-        }
+    }
+    if (at < 0)
+    {
+        return;
     }
     ThingTypeRow& row = rows[static_cast<std::size_t>(at)];
     row.type = type;
@@ -341,29 +341,28 @@ void ApplyLine(OptReader& reader, const OptEntry& entry, bool separator)
     {
         at = FindTypeRow(rows, type);
     }
-    if (at >= 0 && remove)
+    if (remove)
     {
-        LineTypeRow& row = rows[static_cast<std::size_t>(at)];
-        row.type = 0;
-        row.name[0] = 'x';
-        row.property = 0;
-        row.motion = 0;
-        row.tag_type = 0;
-        row.color = 0;
+        if (at >= 0)
+        {
+            LineTypeRow& row = rows[static_cast<std::size_t>(at)];
+            row.type = 0;
+            row.name[0] = 'x';
+            row.property = 0;
+            row.motion = 0;
+            row.tag_type = 0;
+            row.color = 0;
+        }
         return;
     }
     const bool added = at < 0;
     if (added)
     {
-        if (remove)
-        {
-            return;
-        }
         at = RowForNewEntry(reader, rows);
-        if (at < 0)
-        {
-            return;
-        }
+    }
+    if (at < 0)
+    {
+        return;
     }
     LineTypeRow& row = rows[static_cast<std::size_t>(at)];
     row.type = type;
@@ -393,24 +392,23 @@ void ApplySector(OptReader& reader, const OptEntry& entry, bool separator)
     const bool remove =
         !entry.Tokens.empty() && FindKeyword(SectorKeywords(), entry.Tokens[0]) == CodeDelete;
     std::ptrdiff_t at = separator ? -1 : MatchingRow(rows, type);
-    if (at >= 0 && remove)
+    if (remove)
     {
-        // Off the menu only: the type keeps its names for the lookups.
-        rows[static_cast<std::size_t>(at)].name[0] = 'x';
+        if (at >= 0)
+        {
+            // Off the menu only: the type keeps its names for the lookups.
+            rows[static_cast<std::size_t>(at)].name[0] = 'x';
+        }
         return;
     }
     const bool added = at < 0;
     if (added)
     {
-        if (remove)
-        {
-            return;
-        }
         at = RowForNewEntry(reader, rows);
-        if (at < 0)
-        {
-            return;
-        }
+    }
+    if (at < 0)
+    {
+        return;
     }
     SectorTypeRow& row = rows[static_cast<std::size_t>(at)];
     if (added)
@@ -445,11 +443,6 @@ void ApplyEntry(OptReader& reader, const OptEntry& entry, bool separator = false
     }
 }
 
-bool StartsWithWord(std::string_view line, std::string_view word)
-{
-    return line.size() >= word.size() && SameWord(line.substr(0, word.size()), word);
-}
-
 // A section header; false when the line is none.
 bool ReadSectionHeader(OptReader& reader, std::string_view line)
 {
@@ -457,7 +450,7 @@ bool ReadSectionHeader(OptReader& reader, std::string_view line)
                                                    "[COLORMAPS]"};
     for (std::size_t i = 0; i < 4; ++i)
     {
-        if (StartsWithWord(line, Headers[i]))
+        if (wad::EqualNoCase(line.substr(0, Headers[i].size()), Headers[i]))
         {
             reader.Current = static_cast<Section>(i + 1);
             if (reader.Current == ColormapSection)

@@ -31,31 +31,21 @@ template <std::size_t N> void Squeeze(FixedText<N>& field)
 void SaveBuiltInTables()
 {
     GameState& game = Game();
-    game.Saved = SavedTables{game.Things,    game.LineDefs,    game.Sectors,
-                             game.ThingMenu, game.LineDefMenu, game.SectorMenu};
-    game.HasSaved = true;
+    game.Saved = static_cast<const GameTables&>(game);
 }
 
 void RestoreBuiltInTables()
 {
     GameState& game = Game();
-    if (!game.HasSaved)
+    if (game.Saved)
     {
-        return;
+        static_cast<GameTables&>(game) = *game.Saved;
     }
-    game.Things = game.Saved.Things;
-    game.LineDefs = game.Saved.LineDefs;
-    game.Sectors = game.Saved.Sectors;
-    game.ThingMenu = game.Saved.ThingMenu;
-    game.LineDefMenu = game.Saved.LineDefMenu;
-    game.SectorMenu = game.Saved.SectorMenu;
 }
 
 void FreeSavedTables()
 {
-    GameState& game = Game();
-    game.Saved = SavedTables{};
-    game.HasSaved = false;
+    Game().Saved.reset();
 }
 
 void SqueezeTypeNames()

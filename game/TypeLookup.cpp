@@ -193,16 +193,30 @@ std::uint16_t ThingRadius(const map::Thing& thing)
     return row->radius;
 }
 
+bool IsMapSpotProperty(std::uint32_t property)
+{
+    return property == PropertyMapSpot || property == PropertyMapSpotGrav;
+}
+
+bool IsPlayerStartProperty(std::uint32_t property)
+{
+    return property >= PropertyPlayerStart1 && property <= PropertyPlayerStart;
+}
+
+bool IsPolyStartProperty(std::uint32_t property)
+{
+    return property == PropertyPolyObj || property == PropertyPolyObjCrush ||
+           property == PropertyPolyAnchor;
+}
+
 bool ThingIsMapSpot(std::uint16_t type)
 {
-    const std::uint32_t property = ThingProperty(type);
-    return property == PropertyMapSpot || property == PropertyMapSpotGrav;
+    return IsMapSpotProperty(ThingProperty(type));
 }
 
 bool ThingIsPlayerStart(std::uint16_t type)
 {
-    const std::uint32_t property = ThingProperty(type);
-    return property >= PropertyPlayerStart1 && property <= PropertyPlayerStart;
+    return IsPlayerStartProperty(ThingProperty(type));
 }
 
 bool ThingIsPolyAnchor(std::uint16_t type)
@@ -212,14 +226,13 @@ bool ThingIsPolyAnchor(std::uint16_t type)
 
 bool ThingIsPolyStart(std::uint16_t type)
 {
-    const std::uint32_t property = ThingProperty(type);
-    return property == PropertyPolyObj || property == PropertyPolyObjCrush ||
-           property == PropertyPolyAnchor;
+    return IsPolyStartProperty(ThingProperty(type));
 }
 
 bool ThingIsPolyOrHate(std::uint16_t type)
 {
-    return ThingIsPolyStart(type) || ThingProperty(type) == PropertyHate;
+    const std::uint32_t property = ThingProperty(type);
+    return IsPolyStartProperty(property) || property == PropertyHate;
 }
 
 bool ThingIsTeleportLanding(std::uint16_t type)

@@ -50,6 +50,13 @@ std::uint16_t ThingColor(std::uint16_t type);
 /// type 9990 bridge.
 std::uint16_t ThingRadius(const map::Thing& thing);
 
+/// What a Thing row's property code makes it. The ThingIs... lookups ask these of the type's
+/// row; a caller that holds the row already asks them itself.
+bool IsMapSpotProperty(std::uint32_t property);
+bool IsPlayerStartProperty(std::uint32_t property);
+/// Polyobject start spots, crushing or not, and the anchor.
+bool IsPolyStartProperty(std::uint32_t property);
+
 bool ThingIsMapSpot(std::uint16_t type);
 bool ThingIsPlayerStart(std::uint16_t type);
 bool ThingIsPolyAnchor(std::uint16_t type);

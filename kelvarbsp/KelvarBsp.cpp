@@ -8,6 +8,7 @@
 #include "kelvarbsp/WadFile.h"
 #include "kelvarbsp/ZdbspRun.h"
 #include "platform/Format.h"
+#include "wad/LevelReader.h"
 
 #include <algorithm>
 #include <csignal>
@@ -96,7 +97,7 @@ private:
 RejectPlan PlanReject(WadFile& input, const LevelLumps& level, std::int64_t sectors,
                       std::string& bytes, std::string& log)
 {
-    const std::int64_t wanted = RejectSize(sectors);
+    const std::int64_t wanted = wad::RejectSize(sectors);
     const WadLump* reject = level.Find(input, "REJECT");
     if (reject == nullptr)
     {

@@ -3,6 +3,7 @@
 #include "kelvarbsp/LevelCheck.h"
 
 #include "platform/Format.h"
+#include "wad/LevelReader.h"
 #include "wad/WadFormat.h"
 
 #include <array>
@@ -13,12 +14,15 @@ namespace
 {
 
 constexpr std::uint16_t NoSide = 0xFFFF;
-constexpr std::int64_t SideDefSize = 30;
-constexpr std::int64_t SectorSize = 26;
-constexpr std::int64_t VertexSize = 4;
 /// From this many LineDefs or SideDefs on, the editor writes its own wide rows, which no
 /// node builder reads.
-constexpr std::int64_t WideCount = 65535;
+constexpr auto WideCount = static_cast<std::int64_t>(wad::ExtendedFormatCount);
+
+// A record size, signed like the counts it divides.
+constexpr std::int64_t Signed(std::size_t size)
+{
+    return static_cast<std::int64_t>(size);
+}
 
 const std::uint8_t* Bytes(const std::string& data, std::int64_t offset)
 {
@@ -45,7 +49,7 @@ bool Refuse(LevelCheck& check, std::string reason)
 
 bool CheckLineDefs(LevelCheck& check, const std::string& lines)
 {
-    const std::int64_t size = check.Hexen ? 16 : 14;
+    const std::int64_t size = Signed(check.Hexen ? wad::HexenLineSize : wad::DoomLineSize);
     const std::int64_t sidesAt = check.Hexen ? 12 : 10;
     for (std::int64_t i = 0; i < check.LineDefs; ++i)
     {
@@ -83,7 +87,7 @@ bool CheckSideDefs(LevelCheck& check, const std::string& sides)
 {
     for (std::int64_t i = 0; i < check.SideDefs; ++i)
     {
-        const std::uint16_t sector = wad::ReadLe16(Bytes(sides, i * SideDefSize + 28));
+        const std::uint16_t sector = wad::ReadLe16(Bytes(sides, i * Signed(wad::SideDefSize) + 28));
         if (sector >= check.Sectors)
         {
             return Refuse(check,
@@ -97,11 +101,6 @@ bool CheckSideDefs(LevelCheck& check, const std::string& sides)
 }
 
 } // namespace
-
-std::int64_t RejectSize(std::int64_t sectors)
-{
-    return (sectors * sectors + 7) / 8;
-}
 
 LevelCheck CheckLevel(WadFile& wad, const LevelLumps& level)
 {
@@ -118,13 +117,13 @@ LevelCheck CheckLevel(WadFile& wad, const LevelLumps& level)
         }
     }
     check.Hexen = level.Find(wad, "BEHAVIOR") != nullptr;
-    const std::int64_t thingSize = check.Hexen ? 20 : 10;
-    const std::int64_t lineSize = check.Hexen ? 16 : 14;
+    const std::int64_t thingSize = Signed(check.Hexen ? wad::HexenThingSize : wad::DoomThingSize);
+    const std::int64_t lineSize = Signed(check.Hexen ? wad::HexenLineSize : wad::DoomLineSize);
     check.Things = level.Find(wad, "THINGS")->Size / thingSize;
     check.LineDefs = level.Find(wad, "LINEDEFS")->Size / lineSize;
-    check.SideDefs = level.Find(wad, "SIDEDEFS")->Size / SideDefSize;
-    check.Vertexes = level.Find(wad, "VERTEXES")->Size / VertexSize;
-    check.Sectors = level.Find(wad, "SECTORS")->Size / SectorSize;
+    check.SideDefs = level.Find(wad, "SIDEDEFS")->Size / Signed(wad::SideDefSize);
+    check.Vertexes = level.Find(wad, "VERTEXES")->Size / Signed(wad::VertexSize);
+    check.Sectors = level.Find(wad, "SECTORS")->Size / Signed(wad::SectorSize);
     if (check.LineDefs == 0 || check.SideDefs == 0 || check.Vertexes == 0 || check.Sectors == 0)
     {
         Refuse(check, platform::Format("Level %s is incomplete: it needs LineDefs, SideDefs, "
@@ -141,7 +140,7 @@ LevelCheck CheckLevel(WadFile& wad, const LevelLumps& level)
         return check;
     }
     NoteLeftover(check, "LINEDEFS", level.Find(wad, "LINEDEFS")->Size, lineSize);
-    NoteLeftover(check, "SIDEDEFS", level.Find(wad, "SIDEDEFS")->Size, SideDefSize);
+    NoteLeftover(check, "SIDEDEFS", level.Find(wad, "SIDEDEFS")->Size, Signed(wad::SideDefSize));
 
     std::string lines;
     std::string sides;

@@ -27,9 +27,6 @@ struct LevelCheck
     std::int64_t Sectors = 0;
 };
 
-/// The size of a REJECT table for `sectors` Sectors.
-std::int64_t RejectSize(std::int64_t sectors);
-
 /// Checks the level `level` of `wad`.
 LevelCheck CheckLevel(WadFile& wad, const LevelLumps& level);
 

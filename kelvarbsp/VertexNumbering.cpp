@@ -3,6 +3,7 @@
 #include "kelvarbsp/VertexNumbering.h"
 
 #include "platform/Format.h"
+#include "wad/LevelReader.h"
 #include "wad/WadFormat.h"
 
 #include <cstring>
@@ -14,8 +15,9 @@ namespace kelvar::kelvarbsp
 namespace
 {
 
-constexpr std::size_t VertexSize = 4;
-constexpr std::size_t SegSize = 12;
+using wad::SegSize;
+using wad::VertexSize;
+
 constexpr std::uint32_t Unmapped = 0xFFFFFFFF;
 
 std::uint16_t Le16(const std::string& bytes, std::size_t offset)
@@ -88,7 +90,7 @@ std::optional<std::vector<std::uint32_t>> MapFromLineDefs(const VertexLumps& inp
 std::optional<VertexLumps> KeepVertexNumbering(const VertexLumps& input, const VertexLumps& built,
                                                bool hexen, std::string& why)
 {
-    const std::size_t lineSize = hexen ? 16 : 14;
+    const std::size_t lineSize = hexen ? wad::HexenLineSize : wad::DoomLineSize;
     std::optional<std::vector<std::uint32_t>> map = MapFromLineDefs(input, built, lineSize, why);
     if (!map)
     {

@@ -167,6 +167,7 @@ bool ReplaceLumps(WadFile& wad, const std::filesystem::path& path,
     {
         const WadLump& lump = wad.Lumps[i];
         std::int64_t at = lump.Offset;
+        std::int32_t size = lump.Size;
         if (i >= first)
         {
             const auto replaced = replacements.find(i);
@@ -178,12 +179,11 @@ bool ReplaceLumps(WadFile& wad, const std::filesystem::path& path,
             const std::string& lumpData = replaced == replacements.end() ? bytes : replaced->second;
             data += lumpData;
             at = offset;
+            size = static_cast<std::int32_t>(lumpData.size());
             offset += static_cast<std::int64_t>(lumpData.size());
         }
         PutLe32(directory, static_cast<std::int32_t>(at));
-        PutLe32(directory, i >= first && replacements.count(i) != 0
-                               ? static_cast<std::int32_t>(replacements.at(i).size())
-                               : lump.Size);
+        PutLe32(directory, size);
         directory.append(lump.Name.Chars.data(), lump.Name.Chars.size());
     }
     wad.Stream.close();

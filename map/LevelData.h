@@ -35,6 +35,13 @@ inline constexpr int KindSector = 8;
 inline constexpr int KindReject = 9;
 inline constexpr int KindBlockmap = 10;
 
+/// True for the kinds the store holds: Thing, LineDef, SideDef, Vertex and Sector.
+constexpr bool StoredKind(int kind)
+{
+    return kind == KindThing || kind == KindLineDef || kind == KindSideDef || kind == KindVertex ||
+           kind == KindSector;
+}
+
 /// "Thing", "LineDef", "SideDef", "Vertex", "Segment", "SSector", "Node", "Sector", "Reject",
 /// "Blockmap" for 1 to 10, "<?unknown?>" for anything else.
 const char* KindName(int kind);
@@ -140,6 +147,12 @@ template <typename Record> struct ObjectArray
     std::vector<Record> Array;
 
     std::int32_t Count() const { return static_cast<std::int32_t>(Array.size()); }
+    /// Sets the capacity and allocates room for that many records.
+    void Reserve(std::int32_t capacity)
+    {
+        Capacity = capacity;
+        Array.reserve(static_cast<std::size_t>(capacity));
+    }
     Record& operator[](std::size_t index) { return Array[index]; }
     const Record& operator[](std::size_t index) const { return Array[index]; }
     auto begin() { return Array.begin(); }

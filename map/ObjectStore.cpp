@@ -3,6 +3,7 @@
 #include "map/ObjectStore.h"
 
 #include "map/MapState.h"
+#include "platform/Assert.h"
 #include "platform/Fatal.h"
 #include "platform/Messages.h"
 #include "platform/Ui.h"
@@ -43,10 +44,9 @@ template <typename Record> void Resize(ObjectArray<Record>& array, int kind, int
     }
     if (array.Count() + 1 > array.Capacity)
     {
-        array.Capacity += GrowthStep(kind);
         try
         {
-            array.Array.reserve(static_cast<std::size_t>(array.Capacity));
+            array.Reserve(array.Capacity + GrowthStep(kind));
         }
         catch (const std::bad_alloc&)
         {
@@ -275,8 +275,7 @@ void NoteChange(LevelData& level, int kind)
 
 int InsertObject(LevelData& level, int kind, int templateObject, int x, int y)
 {
-    if (kind < KindThing || kind > KindSector || kind == KindSegment || kind == KindSSector ||
-        kind == KindNode)
+    if (!StoredKind(kind))
     {
         platform::TheUi().Beep();
         return -1;
@@ -472,6 +471,99 @@ void PurgeOrphanVertices(LevelData& level, ObjectList& list)
     }
 }
 
+namespace
+{
+
+// The new number of an object that goes.
+constexpr std::uint32_t Removed = 0xFFFFFFFFu;
+
+// The new number of each object that stays, Removed for the others; counts those removed.
+std::vector<std::uint32_t> NewNumbers(const std::vector<std::uint8_t>& marks, std::size_t& removed)
+{
+    std::vector<std::uint32_t> numbers(marks.size(), Removed);
+    std::uint32_t next = 0;
+    for (std::size_t i = 0; i < marks.size(); ++i)
+    {
+        if (marks[i] != 0)
+        {
+            numbers[i] = next++;
+        }
+    }
+    removed += marks.size() - next;
+    return numbers;
+}
+
+// Moves the records that stay down over those that go, keeping their order; the allocation
+// stays as it is.
+template <typename Record>
+void Compact(ObjectArray<Record>& array, const std::vector<std::uint32_t>& numbers)
+{
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < numbers.size(); ++i)
+    {
+        if (numbers[i] != Removed)
+        {
+            if (kept != i)
+            {
+                array.Array[kept] = std::move(array.Array[i]);
+            }
+            ++kept;
+        }
+    }
+    array.Array.resize(kept);
+}
+
+// A reference after the compaction. A number that named nothing before (out of range, or
+// "none") stays as it was, and since the counts only shrink it still names nothing.
+std::uint32_t Renumbered(std::uint32_t reference, const std::vector<std::uint32_t>& numbers)
+{
+    if (reference >= numbers.size())
+    {
+        return reference;
+    }
+    KELVAR_ASSERT(numbers[reference] != Removed);
+    return numbers[reference];
+}
+
+} // namespace
+
+void RemoveUnmarked(LevelData& level, const KeepMarks& marks)
+{
+    KELVAR_ASSERT(marks.Vertexes.size() == level.Vertexes.Array.size() &&
+                  marks.SideDefs.size() == level.SideDefs.Array.size() &&
+                  marks.Sectors.size() == level.Sectors.Array.size());
+    std::size_t vertexesGone = 0;
+    std::size_t othersGone = 0;
+    const std::vector<std::uint32_t> vertexNumbers = NewNumbers(marks.Vertexes, vertexesGone);
+    const std::vector<std::uint32_t> sideNumbers = NewNumbers(marks.SideDefs, othersGone);
+    const std::vector<std::uint32_t> sectorNumbers = NewNumbers(marks.Sectors, othersGone);
+    if (vertexesGone + othersGone == 0)
+    {
+        return;
+    }
+    LevelChanged();
+    WaitForSave();
+    FlagGuard busy(Map().StoreBusy);
+    Compact(level.Vertexes, vertexNumbers);
+    Compact(level.SideDefs, sideNumbers);
+    Compact(level.Sectors, sectorNumbers);
+    for (LineDef& line : level.LineDefs)
+    {
+        line.StartVertex = Renumbered(line.StartVertex, vertexNumbers);
+        line.EndVertex = Renumbered(line.EndVertex, vertexNumbers);
+        line.SideDef1 = Renumbered(line.SideDef1, sideNumbers);
+        line.SideDef2 = Renumbered(line.SideDef2, sideNumbers);
+    }
+    for (SideDef& side : level.SideDefs)
+    {
+        side.Sector = Renumbered(side.Sector, sectorNumbers);
+    }
+    if (vertexesGone > 0)
+    {
+        MeasureLevel(level);
+    }
+}
+
 void ExtendBounds(LevelData& level, const Vertex& vertex)
 {
     level.MaxX = std::max<std::int32_t>(level.MaxX, vertex.X);
@@ -506,11 +598,7 @@ namespace
 template <typename Record> void InitArray(ObjectArray<Record>& array, std::int32_t capacity)
 {
     array.Array.clear();
-    if (array.Capacity == 0)
-    {
-        array.Capacity = capacity;
-    }
-    array.Array.reserve(static_cast<std::size_t>(array.Capacity));
+    array.Reserve(array.Capacity == 0 ? capacity : array.Capacity);
 }
 
 template <typename Record> void FreeArray(ObjectArray<Record>& array)

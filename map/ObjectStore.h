@@ -5,6 +5,9 @@
 #include "map/LevelData.h"
 #include "map/ObjectList.h"
 
+#include <cstdint>
+#include <vector>
+
 namespace kelvar::map
 {
 
@@ -38,6 +41,21 @@ void DeleteObjectList(LevelData& level, int kind, ObjectList& list);
 
 /// Removes the Vertexes of the list that no LineDef uses, and empties the list.
 void PurgeOrphanVertices(LevelData& level, ObjectList& list);
+
+/// Which Vertexes, SideDefs and Sectors stay: one mark for each object, not 0 to keep it.
+struct KeepMarks
+{
+    std::vector<std::uint8_t> Vertexes;
+    std::vector<std::uint8_t> SideDefs;
+    std::vector<std::uint8_t> Sectors;
+};
+
+/// Removes every Vertex, SideDef and Sector whose mark is 0 in one pass: the others keep their
+/// order and every reference to them is renumbered. The marks must keep whatever a reference
+/// names; a reference that names nothing (out of range, or none) stays as it is. Linear in the
+/// size of the level, where DeleteObjectList walks the level once per object. The bounds are
+/// measured again when Vertexes went. The edit is not counted.
+void RemoveUnmarked(LevelData& level, const KeepMarks& marks);
 
 /// Widens the level's bounding box to take in a Vertex.
 void ExtendBounds(LevelData& level, const Vertex& vertex);

@@ -65,11 +65,11 @@ SelectionState& Selected()
 
 bool IsValidObject(const LevelData& level, int kind, int object)
 {
-    if (kind < 1 || kind > 8 || kind == 5 || kind == 6 || kind == 7)
+    if (!StoredKind(kind))
     {
         return true;
     }
-    return object != -1 && object >= 0 && object <= HighestObject(level, kind);
+    return object >= 0 && object <= HighestObject(level, kind);
 }
 
 int HighestObject(const LevelData& level, int kind)

@@ -9,6 +9,25 @@
 
 namespace kelvar::map
 {
+namespace
+{
+
+// The objects of `found` whose position lies in the box, edges included.
+template <typename Records>
+std::vector<std::int32_t> Inside(std::vector<std::int32_t> found, const Records& records,
+                                 double minX, double minY, double maxX, double maxY)
+{
+    std::erase_if(found,
+                  [&](std::int32_t i)
+                  {
+                      const auto& object = records[static_cast<std::size_t>(i)];
+                      return object.X < minX || object.X > maxX || object.Y < minY ||
+                             object.Y > maxY;
+                  });
+    return found;
+}
+
+} // namespace
 
 int SpatialIndex::CellX(double x) const
 {
@@ -21,12 +40,11 @@ int SpatialIndex::CellY(double y) const
 }
 
 // Counting sort into the cells: cellBoxes[i] is the range of cells (x1, y1, x2, y2) of item i.
-void SpatialIndex::Fill(Buckets& buckets, std::size_t count,
-                        const std::vector<std::array<int, 4>>& cellBoxes) const
+void SpatialIndex::Fill(Buckets& buckets, const std::vector<std::array<int, 4>>& cellBoxes) const
 {
     const std::size_t cells = static_cast<std::size_t>(Columns) * static_cast<std::size_t>(Rows);
     buckets.Start.assign(cells + 1, 0);
-    for (std::size_t i = 0; i < count; ++i)
+    for (std::size_t i = 0; i < cellBoxes.size(); ++i)
     {
         const auto& box = cellBoxes[i];
         for (int y = box[1]; y <= box[3]; ++y)
@@ -43,7 +61,7 @@ void SpatialIndex::Fill(Buckets& buckets, std::size_t count,
     }
     buckets.Items.assign(static_cast<std::size_t>(buckets.Start[cells]), 0);
     std::vector<std::int32_t> next(buckets.Start.begin(), buckets.Start.end() - 1);
-    for (std::size_t i = 0; i < count; ++i)
+    for (std::size_t i = 0; i < cellBoxes.size(); ++i)
     {
         const auto& box = cellBoxes[i];
         for (int y = box[1]; y <= box[3]; ++y)
@@ -97,17 +115,19 @@ void SpatialIndex::Build(const LevelData& level)
     std::vector<std::array<int, 4>> boxes;
     boxes.reserve(std::max(
         {level.Things.Array.size(), level.Vertexes.Array.size(), level.LineDefs.Array.size()}));
-    for (const Thing& thing : level.Things)
+    const auto fillPoints = [&](Buckets& buckets, const auto& records)
     {
-        boxes.push_back({CellX(thing.X), CellY(thing.Y), CellX(thing.X), CellY(thing.Y)});
-    }
-    Fill(Things, level.Things.Array.size(), boxes);
-    boxes.clear();
-    for (const Vertex& vertex : level.Vertexes)
-    {
-        boxes.push_back({CellX(vertex.X), CellY(vertex.Y), CellX(vertex.X), CellY(vertex.Y)});
-    }
-    Fill(Vertexes, level.Vertexes.Array.size(), boxes);
+        boxes.clear();
+        for (const auto& object : records)
+        {
+            const int x = CellX(object.X);
+            const int y = CellY(object.Y);
+            boxes.push_back({x, y, x, y});
+        }
+        Fill(buckets, boxes);
+    };
+    fillPoints(Things, level.Things);
+    fillPoints(Vertexes, level.Vertexes);
     boxes.clear();
     const std::size_t vertexCount = level.Vertexes.Array.size();
     for (const LineDef& line : level.LineDefs)
@@ -122,7 +142,7 @@ void SpatialIndex::Build(const LevelData& level)
         boxes.push_back({CellX(std::min(a.X, b.X)), CellY(std::min(a.Y, b.Y)),
                          CellX(std::max(a.X, b.X)), CellY(std::max(a.Y, b.Y))});
     }
-    Fill(Lines, level.LineDefs.Array.size(), boxes);
+    Fill(Lines, boxes);
 }
 
 std::vector<std::int32_t> SpatialIndex::Gather(const Buckets& buckets, double minX, double minY,
@@ -150,28 +170,14 @@ std::vector<std::int32_t> SpatialIndex::Gather(const Buckets& buckets, double mi
 std::vector<std::int32_t> SpatialIndex::ThingsIn(double minX, double minY, double maxX,
                                                  double maxY) const
 {
-    std::vector<std::int32_t> found = Gather(Things, minX, minY, maxX, maxY);
-    std::erase_if(found,
-                  [&](std::int32_t i)
-                  {
-                      const Thing& thing = Level->Things[static_cast<std::size_t>(i)];
-                      return thing.X < minX || thing.X > maxX || thing.Y < minY || thing.Y > maxY;
-                  });
-    return found;
+    return Inside(Gather(Things, minX, minY, maxX, maxY), Level->Things, minX, minY, maxX, maxY);
 }
 
 std::vector<std::int32_t> SpatialIndex::VertexesIn(double minX, double minY, double maxX,
                                                    double maxY) const
 {
-    std::vector<std::int32_t> found = Gather(Vertexes, minX, minY, maxX, maxY);
-    std::erase_if(found,
-                  [&](std::int32_t i)
-                  {
-                      const Vertex& vertex = Level->Vertexes[static_cast<std::size_t>(i)];
-                      return vertex.X < minX || vertex.X > maxX || vertex.Y < minY ||
-                             vertex.Y > maxY;
-                  });
-    return found;
+    return Inside(Gather(Vertexes, minX, minY, maxX, maxY), Level->Vertexes, minX, minY, maxX,
+                  maxY);
 }
 
 std::vector<std::int32_t> SpatialIndex::LineDefsNear(double minX, double minY, double maxX,

@@ -5,6 +5,7 @@
 
 #include "map/LevelData.h"
 
+#include <array>
 #include <cstdint>
 #include <vector>
 
@@ -39,8 +40,7 @@ private:
 
     int CellX(double x) const;
     int CellY(double y) const;
-    void Fill(Buckets& buckets, std::size_t count,
-              const std::vector<std::array<int, 4>>& cellBoxes) const;
+    void Fill(Buckets& buckets, const std::vector<std::array<int, 4>>& cellBoxes) const;
     std::vector<std::int32_t> Gather(const Buckets& buckets, double minX, double minY, double maxX,
                                      double maxY) const;
 

@@ -68,11 +68,6 @@ void FatalError(const char* format, ...)
     std::_Exit(FatalExitCode);
 }
 
-} // namespace kelvar::platform
-
-namespace kelvar::platform
-{
-
 void SetTextureLimitAdvice(bool limited)
 {
     Fatal().TextureLimited = limited;

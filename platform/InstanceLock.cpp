@@ -30,8 +30,9 @@ bool InstanceLock::Acquire(const std::filesystem::path& path)
     } while (result != 0 && errno == EINTR);
     if (result != 0)
     {
+        const int error = errno; // before close can change it
         ::close(descriptor);
-        return errno != EWOULDBLOCK;
+        return error != EWOULDBLOCK;
     }
     Descriptor = descriptor;
     return true;

@@ -8,9 +8,9 @@
 #include "platform/Processes.h"
 #include "platform/Ui.h"
 #include "run/RunState.h"
+#include "wad/LumpName.h"
 
 #include <array>
-#include <cctype>
 #include <system_error>
 #include <unistd.h>
 
@@ -51,22 +51,6 @@ std::string DirectoryText(const std::filesystem::path& directory)
         text += '/';
     }
     return text;
-}
-
-bool MatchesAt(std::string_view text, std::size_t at, std::string_view name)
-{
-    if (text.size() - at < name.size())
-    {
-        return false;
-    }
-    for (std::size_t i = 0; i < name.size(); ++i)
-    {
-        if (std::toupper(static_cast<unsigned char>(text[at + i])) != name[i])
-        {
-            return false;
-        }
-    }
-    return true;
 }
 
 std::filesystem::path BuiltInProgram(const BuilderOptions& options)
@@ -175,7 +159,7 @@ std::string ExpandBuilderParameters(std::string_view parameters, const CustomBui
         bool matched = false;
         for (const auto& [name, value] : variables)
         {
-            if (MatchesAt(parameters, at, name))
+            if (wad::EqualNoCase(parameters.substr(at, name.size()), name))
             {
                 line += value;
                 at += name.size();

@@ -267,27 +267,14 @@ bool ApplyLine(map::LevelData& level, const std::vector<std::string_view>& field
 class CommandScope
 {
 public:
-    explicit CommandScope(const TestHooks& hooks) : Hooks(hooks)
+    explicit CommandScope(const TestHooks& hooks) : Busy(hooks)
     {
-        if (Hooks.FileOperation)
-        {
-            Hooks.FileOperation(true);
-        }
         platform::TheUi().ShowProgress(Instruction3DCaption, Instruction3DText);
     }
-    ~CommandScope()
-    {
-        platform::TheUi().EndProgress();
-        if (Hooks.FileOperation)
-        {
-            Hooks.FileOperation(false);
-        }
-    }
-    CommandScope(const CommandScope&) = delete;
-    CommandScope& operator=(const CommandScope&) = delete;
+    ~CommandScope() { platform::TheUi().EndProgress(); }
 
 private:
-    const TestHooks& Hooks;
+    FileOperationGuard Busy;
 };
 
 // The level must have a PWAD of its own for the viewer's copy to be made from.

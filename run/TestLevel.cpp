@@ -10,11 +10,11 @@
 #include "run/RunState.h"
 #include "wad/FileTable.h"
 #include "wad/LumpDirectory.h"
+#include "wad/LumpName.h"
 #include "wad/WadState.h"
 
 #include <cstdio>
 #include <cstdlib>
-#include <strings.h>
 #include <unistd.h>
 
 namespace kelvar::run
@@ -142,31 +142,6 @@ void StoreBack(TestOptions& stored, TestOptions shown, const std::string& comple
     shown.Hooks = stored.Hooks;
     stored = std::move(shown);
 }
-
-// Sets the shell's busy words for the command's length.
-class FileOperationGuard
-{
-public:
-    explicit FileOperationGuard(const TestHooks& hooks) : Hooks(hooks)
-    {
-        if (Hooks.FileOperation)
-        {
-            Hooks.FileOperation(true);
-        }
-    }
-    ~FileOperationGuard()
-    {
-        if (Hooks.FileOperation)
-        {
-            Hooks.FileOperation(false);
-        }
-    }
-    FileOperationGuard(const FileOperationGuard&) = delete;
-    FileOperationGuard& operator=(const FileOperationGuard&) = delete;
-
-private:
-    const TestHooks& Hooks;
-};
 
 bool HasUnsavedChanges()
 {
@@ -377,11 +352,12 @@ std::filesystem::path ResponseFilePath(const std::filesystem::path& gameDirector
 int TestGameCode(int format, const std::string& gameExe, const std::filesystem::path& iwadPath)
 {
     const std::string exe = std::filesystem::path(gameExe).filename().string();
-    if (format >= 3 || strcasecmp(exe.c_str(), "DOOM95.EXE") != 0)
+    if (format >= 3 || !wad::EqualNoCase(exe, "DOOM95.EXE"))
     {
         return GameCodeNone;
     }
-    return strcasecmp(iwadPath.filename().c_str(), "CHEX.WAD") == 0 ? GameCodeChex : GameCodeDoom95;
+    return wad::EqualNoCase(iwadPath.filename().string(), "CHEX.WAD") ? GameCodeChex
+                                                                      : GameCodeDoom95;
 }
 
 std::string ResponseFileText(const TestOptions& options, const TestSession& session,
@@ -438,7 +414,6 @@ int TestLevel(const std::string& levelName)
     TestOptions& options = Run().Test;
     const TestHooks hooks = options.Hooks;
     const FileOperationGuard busy(hooks);
-    const int format = wad::Wad().Game.Format;
     const TestSession session = CurrentTestSession(levelName);
 
     if (options.WarpText.empty() && WarpOf(levelName).empty())
@@ -484,7 +459,7 @@ int TestLevel(const std::string& levelName)
     {
         ReportNotStarted(ready.GameExe);
     }
-    RestoreAfterRun(format, hooks);
+    RestoreAfterRun(session.Format, hooks);
     return result == platform::ChildDidNotStart ? 0 : 1;
 }
 

@@ -139,6 +139,32 @@ struct TestHooks
     std::function<ScreenRect()> MapWindowRect;
 };
 
+/// Sets the shell's busy words through TestHooks::FileOperation for as long as it lives: the
+/// length of a test command.
+class FileOperationGuard
+{
+public:
+    explicit FileOperationGuard(const TestHooks& hooks) : Hooks(hooks)
+    {
+        if (Hooks.FileOperation)
+        {
+            Hooks.FileOperation(true);
+        }
+    }
+    ~FileOperationGuard()
+    {
+        if (Hooks.FileOperation)
+        {
+            Hooks.FileOperation(false);
+        }
+    }
+    FileOperationGuard(const FileOperationGuard&) = delete;
+    FileOperationGuard& operator=(const FileOperationGuard&) = delete;
+
+private:
+    const TestHooks& Hooks;
+};
+
 /// Everything the two test commands keep: the project's Test Level fields, the viewer's
 /// options, and the shell's hooks.
 struct TestOptions

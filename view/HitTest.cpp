@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <optional>
 
 namespace kelvar::view
 {
@@ -20,65 +22,91 @@ struct Box
     double MiddleY() const { return (MinY + MaxY) / 2; }
 };
 
+// Where the perpendicular from a point meets a LineDef, and the point's squared distance from
+// the line.
+struct LineFoot
+{
+    double X;
+    double Y;
+    double DistanceSquared;
+};
+
+// Nothing when the foot doesn't fall strictly between the ends, or the line has no length.
+std::optional<LineFoot> FootOnLine(double ax, double ay, double bx, double by, double px, double py)
+{
+    const double dx = bx - ax;
+    const double dy = by - ay;
+    const double length = dx * dx + dy * dy;
+    if (length == 0.0)
+    {
+        return std::nullopt;
+    }
+    const double t = ((px - ax) * dx + (py - ay) * dy) / length;
+    if (t <= 0.0 || t >= 1.0)
+    {
+        return std::nullopt;
+    }
+    const double cross = (px - ax) * dy - (py - ay) * dx;
+    return LineFoot{ax + t * dx, ay + t * dy, cross * cross / length};
+}
+
+// The candidate of the smallest distance offered so far; of equal ones the first, and none at
+// or beyond `Distance` as it starts.
+struct Nearest
+{
+    int Index = -1;
+    double Distance = std::numeric_limits<double>::infinity();
+
+    void Offer(int index, double distance)
+    {
+        if (distance < Distance)
+        {
+            Index = index;
+            Distance = distance;
+        }
+    }
+};
+
 // Things and Vertexes: the smallest squared distance from the middle wins, the lower number
 // on a tie; one within half a unit each way is taken at once, before any later one.
-template <typename Position>
-int NearestPoint(const std::vector<std::int32_t>& candidates, const Box& box, Position position)
+template <class Points>
+int NearestPoint(const std::vector<std::int32_t>& candidates, const Box& box, const Points& points)
 {
-    int best = -1;
-    double bestDistance = 0;
+    Nearest best;
     for (const std::int32_t i : candidates)
     {
-        const auto [x, y] = position(i);
-        const double dx = x - box.MiddleX();
-        const double dy = y - box.MiddleY();
+        const auto& point = points[static_cast<std::size_t>(i)];
+        const double dx = point.X - box.MiddleX();
+        const double dy = point.Y - box.MiddleY();
         if (dx * dx <= 0.25 && dy * dy <= 0.25)
         {
             return i;
         }
-        const double distance = dx * dx + dy * dy;
-        if (best < 0 || distance < bestDistance)
-        {
-            best = i;
-            bestDistance = distance;
-        }
+        best.Offer(i, dx * dx + dy * dy);
     }
-    return best;
+    return best.Index;
 }
 
 int NearestLine(const map::LevelData& level, const Box& box)
 {
     const double px = box.MiddleX();
     const double py = box.MiddleY();
-    int best = -1;
-    double bestDistance = 0;
+    Nearest best;
     for (const std::int32_t i :
          map::IndexOf(level).LineDefsNear(box.MinX, box.MinY, box.MaxX, box.MaxY))
     {
         const map::LineDef& line = level.LineDefs[static_cast<std::size_t>(i)];
         const map::Vertex& a = level.Vertexes[line.StartVertex];
         const map::Vertex& b = level.Vertexes[line.EndVertex];
-        const double distance = LineDistanceSquared(a.X, a.Y, b.X, b.Y, px, py);
-        if (distance < 0)
-        {
-            continue;
-        }
+        const std::optional<LineFoot> foot = FootOnLine(a.X, a.Y, b.X, b.Y, px, py);
         // The line's nearest point must lie in the box: the box is the search range.
-        const double length = std::hypot(b.X - a.X, b.Y - a.Y);
-        const double t = ((px - a.X) * (b.X - a.X) + (py - a.Y) * (b.Y - a.Y)) / (length * length);
-        const double footX = a.X + t * (b.X - a.X);
-        const double footY = a.Y + t * (b.Y - a.Y);
-        if (footX < box.MinX || footX > box.MaxX || footY < box.MinY || footY > box.MaxY)
+        if (foot && foot->X >= box.MinX && foot->X <= box.MaxX && foot->Y >= box.MinY &&
+            foot->Y <= box.MaxY)
         {
-            continue;
-        }
-        if (best < 0 || distance < bestDistance)
-        {
-            best = i;
-            bestDistance = distance;
+            best.Offer(i, foot->DistanceSquared);
         }
     }
-    return best;
+    return best.Index;
 }
 
 // The Sector at the box's middle: along the horizontal through it, the nearest crossing of a
@@ -148,20 +176,8 @@ int SectorAtPoint(const map::LevelData& level, const Box& box)
 
 double LineDistanceSquared(double ax, double ay, double bx, double by, double px, double py)
 {
-    const double dx = bx - ax;
-    const double dy = by - ay;
-    const double length = dx * dx + dy * dy;
-    if (length == 0.0)
-    {
-        return -1.0;
-    }
-    const double t = ((px - ax) * dx + (py - ay) * dy) / length;
-    if (t <= 0.0 || t >= 1.0)
-    {
-        return -1.0;
-    }
-    const double cross = (px - ax) * dy - (py - ay) * dx;
-    return cross * cross / length;
+    const std::optional<LineFoot> foot = FootOnLine(ax, ay, bx, by, px, py);
+    return foot ? foot->DistanceSquared : -1.0;
 }
 
 int FindObject(const map::LevelData& level, const MapViewport& viewport, bool inPixels, int kind,
@@ -175,9 +191,7 @@ int FindObject(const map::LevelData& level, const MapViewport& viewport, bool in
         y2 = ScreenToMapYExact(viewport, y2);
     }
     const Box box{std::min(x1, x2), std::min(y1, y2), std::max(x1, x2), std::max(y1, y2)};
-    const bool empty =
-        level.LineDefs.Array.empty() && level.Things.Array.empty() && level.Vertexes.Array.empty();
-    if (empty)
+    if (level.LineDefs.Array.empty() && level.Things.Array.empty() && level.Vertexes.Array.empty())
     {
         return -1;
     }
@@ -186,18 +200,10 @@ int FindObject(const map::LevelData& level, const MapViewport& viewport, bool in
     {
     case ModeThings:
         return NearestPoint(index.ThingsIn(box.MinX, box.MinY, box.MaxX, box.MaxY), box,
-                            [&](std::int32_t i)
-                            {
-                                const map::Thing& t = level.Things[static_cast<std::size_t>(i)];
-                                return std::pair<double, double>(t.X, t.Y);
-                            });
+                            level.Things);
     case ModeVertexes:
         return NearestPoint(index.VertexesIn(box.MinX, box.MinY, box.MaxX, box.MaxY), box,
-                            [&](std::int32_t i)
-                            {
-                                const map::Vertex& v = level.Vertexes[static_cast<std::size_t>(i)];
-                                return std::pair<double, double>(v.X, v.Y);
-                            });
+                            level.Vertexes);
     case ModeLineDefs:
         return NearestLine(level, box);
     case ModeSectors:
@@ -220,9 +226,14 @@ int FindNearPointer(const map::LevelData& level, const MapViewport& viewport, in
 namespace
 {
 
-template <typename Candidates, typename Position>
-int NearestWithin(const MapViewport& viewport, int pointerX, int pointerY, double range,
-                  Candidates candidates, Position position)
+using PointsIn = std::vector<std::int32_t> (map::SpatialIndex::*)(double, double, double,
+                                                                  double) const;
+
+// The Thing or Vertex nearest the pointer's map point, taken in whole units, within a box of
+// half-size `range` around it; a distance of 9999999 or more counts as none.
+template <class Points>
+int NearestToPointer(const map::LevelData& level, const Points& points, PointsIn pointsIn,
+                     const MapViewport& viewport, int pointerX, int pointerY, double range)
 {
     if (range <= 0.0)
     {
@@ -230,19 +241,16 @@ int NearestWithin(const MapViewport& viewport, int pointerX, int pointerY, doubl
     }
     const int x = ScreenToMapX(viewport, pointerX);
     const int y = ScreenToMapY(viewport, pointerY);
-    int best = -1;
-    double bestDistance = 9999999.0;
-    for (const std::int32_t i : candidates(x - range, y - range, x + range, y + range))
+    Nearest best{-1, 9999999.0};
+    for (const std::int32_t i :
+         (map::IndexOf(level).*pointsIn)(x - range, y - range, x + range, y + range))
     {
-        const auto [px, py] = position(i);
-        const double distance = (px - x) * (px - x) + (py - y) * (py - y);
-        if (distance < bestDistance)
-        {
-            best = i;
-            bestDistance = distance;
-        }
+        const auto& point = points[static_cast<std::size_t>(i)];
+        const double dx = static_cast<double>(point.X) - x;
+        const double dy = static_cast<double>(point.Y) - y;
+        best.Offer(i, dx * dx + dy * dy);
     }
-    return best;
+    return best.Index;
 }
 
 } // namespace
@@ -250,29 +258,15 @@ int NearestWithin(const MapViewport& viewport, int pointerX, int pointerY, doubl
 int FindVertexNear(const map::LevelData& level, const MapViewport& viewport, int pointerX,
                    int pointerY, double range)
 {
-    const map::SpatialIndex& index = map::IndexOf(level);
-    return NearestWithin(
-        viewport, pointerX, pointerY, range,
-        [&](double a, double b, double c, double d) { return index.VertexesIn(a, b, c, d); },
-        [&](std::int32_t i)
-        {
-            const map::Vertex& v = level.Vertexes[static_cast<std::size_t>(i)];
-            return std::pair<double, double>(v.X, v.Y);
-        });
+    return NearestToPointer(level, level.Vertexes, &map::SpatialIndex::VertexesIn, viewport,
+                            pointerX, pointerY, range);
 }
 
 int FindThingNear(const map::LevelData& level, const MapViewport& viewport, int pointerX,
                   int pointerY, double range)
 {
-    const map::SpatialIndex& index = map::IndexOf(level);
-    return NearestWithin(
-        viewport, pointerX, pointerY, range,
-        [&](double a, double b, double c, double d) { return index.ThingsIn(a, b, c, d); },
-        [&](std::int32_t i)
-        {
-            const map::Thing& t = level.Things[static_cast<std::size_t>(i)];
-            return std::pair<double, double>(t.X, t.Y);
-        });
+    return NearestToPointer(level, level.Things, &map::SpatialIndex::ThingsIn, viewport, pointerX,
+                            pointerY, range);
 }
 
 AutoModeChoice ChooseAutoMode(const map::LevelData& level, const MapViewport& viewport,

@@ -10,6 +10,7 @@
 
 #include <cmath>
 #include <numbers>
+#include <optional>
 
 namespace kelvar::view
 {
@@ -216,30 +217,41 @@ std::string UnusedSectorTag(std::uint16_t tag, int levelFormat)
     return Format("LineDef Tag %hd (missing)", tag);
 }
 
+// From a LineDef's start Vertex to its end Vertex; nothing when one of them is missing.
+struct LineVector
+{
+    double X;
+    double Y;
+};
+
+std::optional<LineVector> LineVectorOf(const map::LevelData& level, const map::LineDef& line)
+{
+    const std::size_t count = level.Vertexes.Array.size();
+    if (line.StartVertex >= count || line.EndVertex >= count)
+    {
+        return std::nullopt;
+    }
+    const map::Vertex& a = level.Vertexes[line.StartVertex];
+    const map::Vertex& b = level.Vertexes[line.EndVertex];
+    return LineVector{static_cast<double>(b.X - a.X), static_cast<double>(b.Y - a.Y)};
+}
+
 } // namespace
 
 int LineDefLength(const map::LevelData& level, const map::LineDef& line)
 {
-    if (line.StartVertex >= level.Vertexes.Array.size() ||
-        line.EndVertex >= level.Vertexes.Array.size())
-    {
-        return 0;
-    }
-    const double dx = level.Vertexes[line.EndVertex].X - level.Vertexes[line.StartVertex].X;
-    const double dy = level.Vertexes[line.EndVertex].Y - level.Vertexes[line.StartVertex].Y;
-    return static_cast<int>(std::sqrt(dx * dx + dy * dy));
+    const std::optional<LineVector> v = LineVectorOf(level, line);
+    return v ? static_cast<int>(std::sqrt(v->X * v->X + v->Y * v->Y)) : 0;
 }
 
 double LineDefAngle(const map::LevelData& level, const map::LineDef& line)
 {
-    if (line.StartVertex >= level.Vertexes.Array.size() ||
-        line.EndVertex >= level.Vertexes.Array.size())
+    const std::optional<LineVector> v = LineVectorOf(level, line);
+    if (!v)
     {
         return 0.0;
     }
-    const double dx = level.Vertexes[line.EndVertex].X - level.Vertexes[line.StartVertex].X;
-    const double dy = level.Vertexes[line.EndVertex].Y - level.Vertexes[line.StartVertex].Y;
-    const double degrees = std::atan2(dy, dx) * 180.0 / std::numbers::pi;
+    const double degrees = std::atan2(v->Y, v->X) * 180.0 / std::numbers::pi;
     return degrees < 0.0 ? degrees + 360.0 : degrees;
 }
 
@@ -254,7 +266,7 @@ InfoPane ThingInfo(const map::LevelData& level, int thing, const InfoPaneOptions
     pane.Lines.push_back(options.HexTypes ? Format("Type  %04X", t.Type)
                                           : Format("Type  %5hd", t.Type));
     const std::string angle = std::to_string(t.Angle);
-    if (hexen && (game::ThingIsPolyAnchor(t.Type) || game::ThingIsPolyStart(t.Type)))
+    if (hexen && game::ThingIsPolyStart(t.Type))
     {
         // A polyobject Thing keeps its polyobject number in the angle.
         pane.Lines.push_back(Format("PolyId  %3s", angle.c_str()));

@@ -55,7 +55,6 @@ ClickMeaning InterpretMouse(ClickTracker& tracker, const MouseInput& event)
         tracker.Down = event.Button;
         tracker.DownX = event.X;
         tracker.DownY = event.Y;
-        tracker.DownTime = event.TimeMs;
         tracker.Moved = false;
         return ClickMeaning::None;
     }

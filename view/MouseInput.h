@@ -77,7 +77,6 @@ struct ClickTracker
     MouseButton Down = MouseButton::None;
     int DownX = 0;
     int DownY = 0;
-    std::int64_t DownTime = 0;
     MouseButton LastClick = MouseButton::None;
     std::int64_t LastClickTime = -1000000;
     int LastClickX = 0;

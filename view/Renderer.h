@@ -35,9 +35,6 @@ void DrawSelection(platform::Canvas& canvas, const MapPicture& picture, const Vi
 void DrawThing(platform::Canvas& canvas, const map::Thing& thing, const ViewState& view,
                bool highlighted);
 
-/// Selects the pen of a LineDef type when its row has a colour; false when it has none.
-bool SelectLineTypePen(platform::Canvas& canvas, std::uint32_t type, std::uint16_t key);
-
 /// Selects the pen of a special with a tag: teleports and scripts have their own colours.
 void SelectSpecialPen(platform::Canvas& canvas, std::uint32_t type, const ViewState& view);
 
@@ -46,14 +43,6 @@ int LineColor(const map::LineDef& line, const ViewState& view);
 
 /// The colour a LineDef is drawn in, in Sector mode.
 int SectorLineColor(const map::LevelData& level, const map::LineDef& line, const ViewState& view);
-
-/// A square of the Vertex size at a Vertex.
-void DrawVertexMark(platform::Canvas& canvas, const map::Vertex& vertex, const ViewState& view,
-                    int color);
-
-/// The short tick at a LineDef's middle that points to its front side.
-void DrawLineTick(platform::Canvas& canvas, const map::LevelData& level, const map::LineDef& line,
-                  const ViewState& view);
 
 /// The rubber band of a box selection between two pixel corners, in XOR: drawing it again
 /// erases it.

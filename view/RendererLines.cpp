@@ -18,7 +18,7 @@ constexpr std::uint16_t FlagSecret = 32;
 constexpr std::uint16_t FlagBlockSound = 64;
 constexpr std::uint16_t FlagHidden = 128;
 
-// Step 4 and 5 of the colour rules: the flags, then one or two sides.
+// The last colour rules: the flags, then one or two sides.
 int FlagColor(const map::LineDef& line, const ColorRoles& colors)
 {
     if ((line.Flags & map::FlagImpassable) != 0)
@@ -44,6 +44,12 @@ int FlagColor(const map::LineDef& line, const ColorRoles& colors)
     return line.SideDef2 == map::NoSideDef ? colors.Line1Sided : colors.Line2Sided;
 }
 
+// A line with the hidden flag is left out unless invisible lines are shown.
+bool IsHidden(const map::LineDef& line, const ViewState& view)
+{
+    return !view.Options.ShowInvisibleLines && (line.Flags & FlagHidden) != 0;
+}
+
 int SpecialColor(std::uint32_t type, const ViewState& view)
 {
     const ColorRoles& colors = view.Colors;
@@ -67,6 +73,17 @@ int SpecialColor(std::uint32_t type, const ViewState& view)
     return colors.LineSpecial;
 }
 
+// Behind the Things the lines step back into two quiet colours, so their types aren't
+// looked up.
+int ThingModeLineColor(const map::LineDef& line, const ViewState& view)
+{
+    if (IsHidden(line, view))
+    {
+        return -1;
+    }
+    return line.SideDef2 == map::NoSideDef ? view.Colors.Line2Sided : view.Colors.Grid;
+}
+
 const map::Sector* SectorOf(const map::LevelData& level, std::uint32_t side)
 {
     if (side == map::NoSideDef || side >= level.SideDefs.Array.size())
@@ -81,7 +98,7 @@ const map::Sector* SectorOf(const map::LevelData& level, std::uint32_t side)
 
 int LineColor(const map::LineDef& line, const ViewState& view)
 {
-    if (!view.Options.ShowInvisibleLines && (line.Flags & FlagHidden) != 0)
+    if (IsHidden(line, view))
     {
         return -1;
     }
@@ -105,7 +122,7 @@ int LineColor(const map::LineDef& line, const ViewState& view)
 
 int SectorLineColor(const map::LevelData& level, const map::LineDef& line, const ViewState& view)
 {
-    if (!view.Options.ShowInvisibleLines && (line.Flags & FlagHidden) != 0)
+    if (IsHidden(line, view))
     {
         return -1;
     }
@@ -121,17 +138,6 @@ int SectorLineColor(const map::LevelData& level, const map::LineDef& line, const
         return view.Colors.SectorTyped;
     }
     return FlagColor(line, view.Colors);
-}
-
-bool SelectLineTypePen(platform::Canvas& canvas, std::uint32_t type, std::uint16_t key)
-{
-    const int color = LineTypeColor(type, key);
-    if (color == 0)
-    {
-        return false;
-    }
-    canvas.SetPen(color);
-    return true;
 }
 
 void SelectSpecialPen(platform::Canvas& canvas, std::uint32_t type, const ViewState& view)
@@ -190,16 +196,12 @@ void DrawLinesInMode(platform::Canvas& canvas, const map::LevelData& level, int 
     int pen = -2;
     for (const map::LineDef& line : level.LineDefs)
     {
-        int color =
-            mode == ModeSectors ? SectorLineColor(level, line, view) : LineColor(line, view);
+        const int color = mode == ModeThings    ? ThingModeLineColor(line, view)
+                          : mode == ModeSectors ? SectorLineColor(level, line, view)
+                                                : LineColor(line, view);
         if (color < 0)
         {
             continue;
-        }
-        if (mode == ModeThings)
-        {
-            // Behind the Things the lines step back into two quiet colours.
-            color = line.SideDef2 == map::NoSideDef ? view.Colors.Line2Sided : view.Colors.Grid;
         }
         if (color != pen)
         {
@@ -210,44 +212,22 @@ void DrawLinesInMode(platform::Canvas& canvas, const map::LevelData& level, int 
     }
 }
 
-namespace
+void DrawVertexMarks(platform::Canvas& canvas, const map::LevelData& level, const ViewState& view)
 {
-
-platform::MonoBitmap VertexSquare(const ViewState& view)
-{
+    // One square, blitted at every Vertex in the window.
     platform::MonoBitmap square;
     square.Width = square.Height = std::max(view.Options.VertexSize, 1);
     square.Bits.assign(static_cast<std::size_t>(square.Width * square.Height), 1);
-    return square;
-}
-
-void BlitVertex(platform::Canvas& canvas, const platform::MonoBitmap& square,
-                const map::Vertex& vertex, const ViewState& view, int color)
-{
     const int size = square.Width;
-    const int x = MapToScreenX(view.Viewport, vertex.X) - size / 2;
-    const int y = MapToScreenY(view.Viewport, vertex.Y) - size / 2;
-    if (x + size < 0 || y + size < 0 || x >= view.Viewport.WidthPx || y >= view.Viewport.HeightPx)
-    {
-        return;
-    }
-    canvas.BlitMask(square, x, y, color);
-}
-
-} // namespace
-
-void DrawVertexMark(platform::Canvas& canvas, const map::Vertex& vertex, const ViewState& view,
-                    int color)
-{
-    BlitVertex(canvas, VertexSquare(view), vertex, view, color);
-}
-
-void DrawVertexMarks(platform::Canvas& canvas, const map::LevelData& level, const ViewState& view)
-{
-    const platform::MonoBitmap square = VertexSquare(view);
     for (const map::Vertex& vertex : level.Vertexes)
     {
-        BlitVertex(canvas, square, vertex, view, view.Colors.Vertex);
+        const int x = MapToScreenX(view.Viewport, vertex.X) - size / 2;
+        const int y = MapToScreenY(view.Viewport, vertex.Y) - size / 2;
+        if (x + size >= 0 && y + size >= 0 && x < view.Viewport.WidthPx &&
+            y < view.Viewport.HeightPx)
+        {
+            canvas.BlitMask(square, x, y, view.Colors.Vertex);
+        }
     }
 }
 

@@ -25,6 +25,10 @@ bool DrawLevelLine(platform::Canvas& canvas, const map::LevelData& level, const 
 void DrawLinesInMode(platform::Canvas& canvas, const map::LevelData& level, int mode,
                      const ViewState& view);
 
+/// The short tick at a LineDef's middle that points to its front side.
+void DrawLineTick(platform::Canvas& canvas, const map::LevelData& level, const map::LineDef& line,
+                  const ViewState& view);
+
 /// Draws the Vertex squares.
 void DrawVertexMarks(platform::Canvas& canvas, const map::LevelData& level, const ViewState& view);
 

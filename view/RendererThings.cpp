@@ -46,16 +46,16 @@ void DrawShape(platform::Canvas& canvas, int shape, int x, int y, int radius)
 {
     switch (shape)
     {
-    case ShapeSquare:
+    case game::ShapeSquare:
         canvas.Rectangle(x - radius, y - radius, x + radius + 1, y + radius + 1);
         break;
-    case ShapePlus:
+    case game::ShapePlus:
         canvas.MoveTo(x - radius, y);
         canvas.LineTo(x + radius + 1, y);
         canvas.MoveTo(x, y - radius);
         canvas.LineTo(x, y + radius + 1);
         break;
-    case ShapeTriangle:
+    case game::ShapeTriangle:
     {
         const std::array<platform::Point, 3> points = {platform::Point{x, y - radius},
                                                        platform::Point{x + radius, y + radius},
@@ -111,13 +111,13 @@ void DrawThing(platform::Canvas& canvas, const map::Thing& thing, const ViewStat
     canvas.SetTextColor(highlighted ? view.Colors.Selection : look.Color);
     canvas.SetBrush(view.Options.FilledThings ? view.Colors.Background : platform::NullBrush);
     int shape = look.Shape;
-    if (shape == ShapeDefault)
+    if (shape == game::ShapeDefault)
     {
-        shape = view.Options.RoundThings ? ShapeRound : ShapeSquare;
+        shape = view.Options.RoundThings ? game::ShapeRound : game::ShapeSquare;
     }
-    if (shape == ShapeChar && viewport.Scale < 0.35f)
+    if (shape == game::ShapeChar && viewport.Scale < 0.35f)
     {
-        shape = ShapePlus; // too small for its text
+        shape = game::ShapePlus; // too small for its text
     }
     canvas.SetPen(look.Color);
 
@@ -134,13 +134,12 @@ void DrawThing(platform::Canvas& canvas, const map::Thing& thing, const ViewStat
     if (view.Options.ThingStyle == 1 || view.Options.ThingStyle == 2)
     {
         DrawShape(canvas, shape, x, y, radius);
-        if (shape == ShapeChar)
+        if (shape == game::ShapeChar)
         {
             const int width = static_cast<int>(look.ShapeText.size()) * 6;
             canvas.TextOut(x - width / 2, y - 3, look.ShapeText);
         }
-        const bool noArrow = view.Options.LevelFormat == 4 && !look.Arrow;
-        if (view.Options.ThingStyle == 1 && !noArrow)
+        if (view.Options.ThingStyle == 1 && look.Arrow)
         {
             DrawArrow(canvas, x, y, radius, thing, view, look.Color);
         }

@@ -3,7 +3,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "view/TypeLooks.h"
 
-#include "game/GameState.h"
 #include "game/TypeLookup.h"
 
 namespace kelvar::view
@@ -11,33 +10,29 @@ namespace kelvar::view
 
 ThingLook LookOfThing(const map::Thing& thing, int levelFormat)
 {
-    ThingLook look;
-    if (game::Game().Things.empty())
-    {
-        return look; // no game chosen yet: the unknown look
-    }
+    // Before a game is chosen the tables are empty, and every Thing has the unknown row.
     const game::ThingTypeRow& row = game::ThingRow(thing);
+    ThingLook look;
     look.Color = row.color;
     look.Radius = row.radius;
-    look.Height = row.height;
     look.Shape = row.shape;
     look.ShapeText = std::string(game::Text(row.shape_text));
-    look.Sprite = std::string(game::Text(row.sprite));
-    look.MapSpot = game::ThingIsMapSpot(thing.Type);
-    look.PlayerStart = game::ThingIsPlayerStart(thing.Type);
-    look.PolyObject = game::ThingIsPolyStart(thing.Type) || game::ThingIsPolyAnchor(thing.Type);
+    // The row holds all the rest: no further search of the table for each Thing drawn.
+    look.MapSpot = game::IsMapSpotProperty(row.property);
+    look.PlayerStart = game::IsPlayerStartProperty(row.property);
+    look.PolyObject = game::IsPolyStartProperty(row.property);
     const bool bridge = row.property == game::PropertyBridge;
     look.Arrow = !(levelFormat == 4 && (look.PolyObject || bridge));
     return look;
 }
 
-int LineTypeColor(std::uint32_t type, std::uint16_t tag)
+int LineTypeColor(std::uint32_t type, std::uint16_t key)
 {
-    if (game::Game().LineDefs.empty() || type > 0xFFFF)
+    if (type > 0xFFFF)
     {
         return 0;
     }
-    return game::LookupLineType(static_cast<std::uint16_t>(type), tag).color;
+    return game::LookupLineType(static_cast<std::uint16_t>(type), key).color;
 }
 
 } // namespace kelvar::view

@@ -41,12 +41,11 @@ struct ViewOptions
     bool operator==(const ViewOptions&) const = default;
 };
 
-/// Where the pointer is and what is under it.
+/// Where the pointer is, and whether an interactive loop holds it.
 struct PointerState
 {
     int X = 0; // pixels in the map window
     int Y = 0;
-    int CurrentObject = -1; // the object under the pointer in the current mode
     bool MouseCaptured = false;
 };
 

@@ -11,8 +11,6 @@
 #include "wad/WadScan.h"
 #include "wad/WadState.h"
 
-#include <algorithm>
-
 namespace kelvar::wad
 {
 namespace
@@ -27,32 +25,28 @@ struct BackupScope
     BackupScope& operator=(const BackupScope&) = delete;
 };
 
-bool CopySpan(std::FILE* to, std::FILE* from, std::int32_t offset, std::int32_t size)
-{
-    return size <= 0 || (CheckedSeek(from, offset) == 1 && CopyFileSpan(to, from, size) == 1);
-}
-
 // Nothing changed: the old file lump by lump in directory order, the old directory behind
 // it, the old header's values. Offsets aren't recomputed: a file with gaps gives a copy
 // whose offsets are off, which a recovery by hand copes with.
-bool CopyWhole(std::FILE* to, std::FILE* from, const std::vector<LumpEntry>& entries)
+bool CopyWhole(WadOutput& out, int fileNumber, const std::vector<LumpEntry>& entries)
 {
+    std::FILE* from = Wad().Files[static_cast<std::size_t>(fileNumber)].Stream.get();
     std::uint8_t header[WadHeaderSize];
     if (CheckedSeek(from, 0) != 1 || CheckedRead(from, header, WadHeaderSize) != 1 ||
-        CheckedWrite(to, header, WadHeaderSize) != 1)
+        !WriteData(out, header, WadHeaderSize))
     {
         return false;
     }
     for (const LumpEntry& entry : entries)
     {
-        if (!CopySpan(to, from, entry.Offset, entry.Size))
+        if (!CopyFileData(out, fileNumber, entry.Offset, entry.Size))
         {
             return false;
         }
     }
     const std::int32_t directory = ReadLe32(header + 8);
     const auto bytes = static_cast<std::int64_t>(entries.size()) * DirectoryEntrySize;
-    return CopySpan(to, from, directory, static_cast<std::int32_t>(bytes));
+    return CopyFileData(out, fileNumber, directory, static_cast<std::int32_t>(bytes));
 }
 
 } // namespace
@@ -83,8 +77,9 @@ int WriteBackup(bool confirm, const map::LevelData& level, const std::string& pa
     const bool group =
         number > 0 && file->LumpCount > wad.Game.ExpectedLevelEntries && wad.Options.GroupSave;
 
-    StreamPtr out = CheckedOpen(path, "wb", 0);
-    if (!out)
+    WadOutput out;
+    out.Stream = CheckedOpen(path, "wb", 0);
+    if (!out.Stream)
     {
         return -1;
     }
@@ -96,130 +91,84 @@ int WriteBackup(bool confirm, const map::LevelData& level, const std::string& pa
     }
     if (level.ChangeCount == 0 && level.GeometryChangeCount == 0)
     {
-        const bool copied = CopyWhole(out.get(), file->Stream.get(), *own);
-        out.reset();
+        const bool copied = CopyWhole(out, number, *own);
+        out.Stream.reset();
         return copied ? 0 : -1;
     }
 
     // The level in the file's own directory, for the group's other lumps.
     const LumpName levelName = Master()[marker].Name;
-    std::size_t levelAt = own->size();
-    int count = 1;
-    for (std::size_t i = 0; i < own->size() && levelAt == own->size(); ++i)
-    {
-        if (SameName((*own)[i].Name, levelName) && LevelAt(*own, i, own->size(), count) > 0)
-        {
-            levelAt = i;
-        }
-    }
-    const std::size_t levelEnd =
-        levelAt == own->size() ? levelAt : levelAt + static_cast<std::size_t>(count);
-    const auto oldSize = [&](std::string_view name) -> std::int32_t
+    const std::optional<LevelSpan> span = FindLevelEntries(*own, levelName);
+    const std::size_t levelAt = span ? span->Marker : own->size();
+    const std::size_t levelEnd = span ? span->End : own->size();
+    const auto oldEntry = [&](std::string_view name) -> const LumpEntry*
     {
         for (std::size_t i = levelAt + 1; i < levelEnd; ++i)
         {
             if ((*own)[i].Name.Is(name))
             {
-                return (*own)[i].Size;
+                return &(*own)[i];
             }
         }
-        return 0;
+        return nullptr;
     };
-
-    std::vector<DirectoryRow> entries;
-    std::int64_t offset = WadHeaderSize;
-    const std::uint8_t placeholder[WadHeaderSize] = {};
-    if (CheckedWrite(out.get(), placeholder, WadHeaderSize) != 1)
-    {
-        return -1;
-    }
     const auto copyRange = [&](std::size_t first, std::size_t last)
     {
         for (std::size_t i = first; i < last && i < own->size(); ++i)
         {
             const LumpEntry& entry = (*own)[i];
-            if (!CopySpan(out.get(), file->Stream.get(), entry.Offset, entry.Size))
+            const std::int64_t start = out.Offset;
+            if (!CopyFileData(out, number, entry.Offset, entry.Size))
             {
                 return false;
             }
-            entries.push_back({static_cast<std::int32_t>(offset), entry.Size, entry.Name.Text()});
-            offset += std::max(entry.Size, 0);
+            EnterRow(out, entry.Name.Text(), start);
         }
         return true;
     };
-    if (group && !copyRange(0, levelAt))
+
+    const std::uint8_t placeholder[WadHeaderSize] = {};
+    if (CheckedWrite(out.Stream.get(), placeholder, WadHeaderSize) != 1 ||
+        (group && !copyRange(0, levelAt)))
     {
         return -1;
     }
-
-    RowLayout rows;
-    rows.Layout = wad.Game.Format == 4 ? 2 : 1;
-    rows.Wide = level.LineDefs.Count() > 65534 || level.SideDefs.Count() > 65534;
-    const std::int32_t markerSize = levelAt < own->size() ? (*own)[levelAt].Size : 0;
-    entries.push_back({static_cast<std::int32_t>(offset), markerSize, levelName.Text()});
-    const auto fromMemory = [&](const char* name, auto write)
+    // The marker's row keeps its old size, with no bytes behind it.
+    const std::int32_t markerSize = span ? (*own)[levelAt].Size : 0;
+    out.Rows.push_back({static_cast<std::int32_t>(out.Offset), markerSize, levelName.Text()});
+    const RowLayout rows = ProjectRowLayout(level, false);
+    for (const std::string_view name : {"THINGS", "LINEDEFS", "SIDEDEFS", "VERTEXES"})
     {
-        std::int64_t counter = 0;
-        if (!write(counter))
+        if (!WriteObjectLump(out, level, rows, name))
         {
-            return false;
+            return -1;
         }
-        entries.push_back(
-            {static_cast<std::int32_t>(offset), static_cast<std::int32_t>(counter), name});
-        offset += counter;
-        return true;
-    };
-    std::FILE* stream = out.get();
-    if (!fromMemory("THINGS",
-                    [&](std::int64_t& c) { return WriteThings(stream, level, rows, c); }) ||
-        !fromMemory("LINEDEFS",
-                    [&](std::int64_t& c) { return WriteLineDefs(stream, level, rows, c); }) ||
-        !fromMemory("SIDEDEFS", [&](std::int64_t& c) { return WriteSideDefs(stream, level, c); }) ||
-        !fromMemory("VERTEXES", [&](std::int64_t& c) { return WriteVertexes(stream, level, c); }))
-    {
-        return -1;
     }
     // The node lumps are listed with their old sizes, and the running offset moves on by them,
     // though no node bytes are written.
     for (const char* name : {"SEGS", "SSECTORS", "NODES"})
     {
-        const std::int32_t size = oldSize(name);
-        entries.push_back({static_cast<std::int32_t>(offset), size, name});
-        offset += size;
+        const LumpEntry* old = oldEntry(name);
+        const std::int32_t size = old != nullptr ? old->Size : 0;
+        out.Rows.push_back({static_cast<std::int32_t>(out.Offset), size, name});
+        out.Offset += size;
     }
-    std::int64_t sectorStart = offset;
-    std::int64_t counter = 0;
-    if (!WriteSectors(stream, level, rows, counter))
+    if (!WriteObjectLump(out, level, rows, "SECTORS"))
     {
         return -1;
     }
-    entries.push_back(
-        {static_cast<std::int32_t>(sectorStart), static_cast<std::int32_t>(counter), "SECTORS"});
-    offset += counter;
-    entries.push_back({static_cast<std::int32_t>(offset), 0, "REJECT"});
-    entries.push_back({static_cast<std::int32_t>(offset), 0, "BLOCKMAP"});
+    EnterRow(out, "REJECT", out.Offset);
+    EnterRow(out, "BLOCKMAP", out.Offset);
     if (wad.Game.Format == 4)
     {
-        const int behavior = [&]
-        {
-            for (std::size_t i = levelAt + 1; i < levelEnd; ++i)
-            {
-                if ((*own)[i].Name.Is("BEHAVIOR"))
-                {
-                    return static_cast<int>(i);
-                }
-            }
-            return -1;
-        }();
-        const std::int32_t size =
-            behavior < 0 ? 0 : (*own)[static_cast<std::size_t>(behavior)].Size;
-        if (behavior >= 0 && !CopySpan(stream, file->Stream.get(),
-                                       (*own)[static_cast<std::size_t>(behavior)].Offset, size))
+        // The old script as it is, an empty entry when there was none.
+        const LumpEntry* behavior = oldEntry("BEHAVIOR");
+        const std::int64_t start = out.Offset;
+        if (behavior != nullptr && !CopyFileData(out, number, behavior->Offset, behavior->Size))
         {
             return -1;
         }
-        entries.push_back({static_cast<std::int32_t>(offset), size, "BEHAVIOR"});
-        offset += size;
+        EnterRow(out, "BEHAVIOR", start);
     }
     if (group && !copyRange(levelEnd, own->size()))
     {
@@ -228,7 +177,7 @@ int WriteBackup(bool confirm, const map::LevelData& level, const std::string& pa
 
     // The directory follows the data actually written; the entries' offsets past the node
     // lumps point beyond it, as they always have.
-    if (!WriteDirectoryAndHeader(stream, entries, "PWAD"))
+    if (!WriteDirectoryAndHeader(out, "PWAD"))
     {
         return -1;
     }

@@ -22,8 +22,14 @@ bool BeginsWith(std::string_view text, std::string_view prefix)
     return text.substr(0, prefix.size()) == prefix;
 }
 
-// fopen accepts a directory for reading; such a "stream" fails on its first read, so it is
-// refused here as the failed open it really is.
+std::int32_t PositionLow32(std::FILE* stream)
+{
+    const auto position = static_cast<std::int64_t>(ftello(stream));
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(position & 0xFFFFFFFF));
+}
+
+} // namespace
+
 StreamPtr OpenStream(const std::filesystem::path& path, const std::string& mode)
 {
     StreamPtr stream(std::fopen(path.c_str(), mode.c_str()));
@@ -31,6 +37,8 @@ StreamPtr OpenStream(const std::filesystem::path& path, const std::string& mode)
     {
         return nullptr;
     }
+    // fopen accepts a directory for reading; such a "stream" fails on its first read, so it
+    // is refused here as the failed open it really is.
     struct stat info
     {
     };
@@ -41,14 +49,6 @@ StreamPtr OpenStream(const std::filesystem::path& path, const std::string& mode)
     }
     return stream;
 }
-
-std::int32_t PositionLow32(std::FILE* stream)
-{
-    const auto position = static_cast<std::int64_t>(ftello(stream));
-    return static_cast<std::int32_t>(static_cast<std::uint32_t>(position & 0xFFFFFFFF));
-}
-
-} // namespace
 
 StreamPtr CheckedOpen(const std::filesystem::path& path, std::string_view mode, int fatalFlags)
 {

@@ -16,6 +16,10 @@ namespace kelvar::wad
 /// Bytes of the buffer CopyFileSpan moves at a time.
 inline constexpr std::size_t CopyBufferSize = 128000;
 
+/// Opens `path` with a stdio mode, saying nothing. A directory is refused (errno EISDIR).
+/// Returns the stream, or null with errno set.
+StreamPtr OpenStream(const std::filesystem::path& path, const std::string& mode);
+
 /// Opens `path` with a stdio mode ("rb", "r+b", "wb", "w+b", "wt"). On failure the user is
 /// told why (DiagnoseOpenFailure); a file that exists but can't be opened for writing comes
 /// back opened "rb", so a write-protected PWAD can be viewed. With any of the low 15 bits of

@@ -3,6 +3,7 @@
 #include "wad/FileChecks.h"
 
 #include "platform/Messages.h"
+#include "wad/CheckedFile.h"
 #include "wad/LumpName.h"
 #include "wad/WadState.h"
 
@@ -19,16 +20,6 @@ namespace
 // The bit that marks an application's own error numbers in the Windows error set; errno
 // values with no classic counterpart are shown with it, so they never pass for one.
 constexpr int ForeignErrorBit = 0x20000000;
-
-std::string UpperText(std::string_view text)
-{
-    std::string upper(text);
-    for (char& c : upper)
-    {
-        c = UpperAscii(c);
-    }
-    return upper;
-}
 
 } // namespace
 
@@ -155,15 +146,7 @@ int CheckFileType(std::string& path, std::string_view expectedMagic, bool clearI
         return -1;
     }
 
-    StreamPtr stream(std::fopen(full.c_str(), "rb"));
-    struct stat info
-    {
-    };
-    if (stream && fstat(fileno(stream.get()), &info) == 0 && S_ISDIR(info.st_mode))
-    {
-        stream.reset();
-        errno = EISDIR;
-    }
+    const StreamPtr stream = OpenStream(full, "rb");
     if (!stream)
     {
         if (DiagnoseOpenFailure(full, "rb") != 0)

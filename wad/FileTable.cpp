@@ -7,6 +7,8 @@
 #include "wad/FileChecks.h"
 #include "wad/WadScan.h"
 
+#include <algorithm>
+
 namespace kelvar::wad
 {
 
@@ -84,30 +86,24 @@ void CloseFiles(char mode, bool freeDirectories, bool clearNames)
     }
 }
 
+int NameTableSlot(const std::string& path)
+{
+    const auto& names = Wad().OpenFiles;
+    const auto own = std::find_if(names.begin(), names.end(),
+                                  [&](const std::string& name)
+                                  { return !name.empty() && SamePath(name, path); });
+    const auto slot = own != names.end() ? own : std::find(names.begin(), names.end(), "");
+    return slot != names.end() ? static_cast<int>(slot - names.begin()) : -1;
+}
+
 int AddOpenFile(const std::string& path, bool warnings)
 {
-    WadState& wad = Wad();
-    int slot = -1;
-    for (int i = 0; i < NameTableSize && slot < 0; ++i)
-    {
-        if (!wad.OpenFiles[static_cast<std::size_t>(i)].empty() &&
-            SamePath(wad.OpenFiles[static_cast<std::size_t>(i)], path))
-        {
-            slot = i;
-        }
-    }
-    for (int i = 0; i < NameTableSize && slot < 0; ++i)
-    {
-        if (wad.OpenFiles[static_cast<std::size_t>(i)].empty())
-        {
-            slot = i;
-        }
-    }
+    const int slot = NameTableSlot(path);
     if (slot < 0)
     {
         platform::FatalError("Maximum of %hd files exceeded", static_cast<short>(NameTableSize));
     }
-    wad.OpenFiles[static_cast<std::size_t>(slot)] = path;
+    Wad().OpenFiles[static_cast<std::size_t>(slot)] = path;
     return OpenWad(path, "PWAD", warnings);
 }
 

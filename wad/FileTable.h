@@ -24,6 +24,10 @@ void EnsureOpen(FileRec& file);
 /// clears the records; `clearNames` also clears their names in OpenFiles.
 void CloseFiles(char mode, bool freeDirectories, bool clearNames);
 
+/// The entry of OpenFiles for `path`: its own, else the first empty one; -1 when the table is
+/// full.
+int NameTableSlot(const std::string& path);
+
 /// Puts `path` in OpenFiles (its own entry, or the first empty one) and opens it as a PWAD.
 /// A full name table is fatal ("Maximum of %hd files exceeded"). Returns the file number or
 /// -1.

@@ -5,7 +5,7 @@
 #include "platform/Fatal.h"
 #include "wad/CheckedFile.h"
 #include "wad/FileTable.h"
-#include "wad/WadFormat.h"
+#include "wad/WadScan.h"
 
 #include <vector>
 
@@ -30,7 +30,8 @@ int Result(FileRec& file, int found, std::string_view name, bool fatal)
     return found >= 0 ? found : NotFound(file, name, fatal);
 }
 
-// Reads a directory from disk: the entries of a WAD that opens and whose header holds.
+// Reads a directory from disk: the entries of a WAD that opens and whose header holds. False
+// when the file doesn't open.
 bool ReadDiskDirectory(const std::filesystem::path& path, std::vector<LumpEntry>& entries,
                        std::string* magic)
 {
@@ -39,43 +40,22 @@ bool ReadDiskDirectory(const std::filesystem::path& path, std::vector<LumpEntry>
     {
         return false;
     }
-    std::uint8_t header[WadHeaderSize];
-    const std::int64_t size = FileSize(stream.get(), 0);
-    if (size < WadHeaderSize || std::fread(header, WadHeaderSize, 1, stream.get()) != 1)
-    {
-        if (magic != nullptr)
-        {
-            magic->clear();
-        }
-        return true;
-    }
-    if (magic != nullptr)
-    {
-        magic->assign(reinterpret_cast<const char*>(header), 4);
-    }
-    const std::int32_t count = ReadLe32(header + 4);
-    const std::int32_t offset = ReadLe32(header + 8);
-    if (count <= 0 || offset < 0 ||
-        static_cast<std::int64_t>(offset) + static_cast<std::int64_t>(count) * DirectoryEntrySize >
-            size)
-    {
-        return true;
-    }
-    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(count) * DirectoryEntrySize);
-    if (fseeko(stream.get(), offset, SEEK_SET) != 0 ||
-        std::fread(bytes.data(), bytes.size(), 1, stream.get()) != 1)
-    {
-        return true;
-    }
-    entries.resize(static_cast<std::size_t>(count));
-    for (std::size_t i = 0; i < entries.size(); ++i)
-    {
-        const std::uint8_t* raw = bytes.data() + i * DirectoryEntrySize;
-        entries[i].Offset = ReadLe32(raw);
-        entries[i].Size = ReadLe32(raw + 4);
-        entries[i].Name = LumpName::FromBytes(raw + 8);
-    }
+    entries = ReadDirectoryQuietly(stream.get(), magic);
     return true;
+}
+
+// The newest entry named `name`, or null.
+const LumpEntry* Newest(const std::vector<LumpEntry>& entries, std::string_view name)
+{
+    const LumpName wanted = LumpName::From(name);
+    for (auto it = entries.rbegin(); it != entries.rend(); ++it)
+    {
+        if (SameName(it->Name, wanted))
+        {
+            return &*it;
+        }
+    }
+    return nullptr;
 }
 
 } // namespace
@@ -234,13 +214,9 @@ std::optional<LumpEntry> ReadIwadEntry(std::string_view name, bool fatal)
     const std::string& path = Wad().Files[0].FileName;
     std::vector<LumpEntry> entries;
     ReadDiskDirectory(path, entries, nullptr);
-    const LumpName wanted = LumpName::From(name);
-    for (auto it = entries.rbegin(); it != entries.rend(); ++it)
+    if (const LumpEntry* found = Newest(entries, name))
     {
-        if (SameName(it->Name, wanted))
-        {
-            return *it;
-        }
+        return *found;
     }
     if (fatal)
     {
@@ -262,19 +238,12 @@ int PeekPwadEntry(const std::filesystem::path& path, std::string_view name, Lump
     {
         return -1;
     }
-    const LumpName wanted = LumpName::From(name);
-    for (auto it = entries.rbegin(); it != entries.rend(); ++it)
+    const LumpEntry* found = Newest(entries, name);
+    if (found != nullptr && outEntry != nullptr)
     {
-        if (SameName(it->Name, wanted))
-        {
-            if (outEntry != nullptr)
-            {
-                *outEntry = *it;
-            }
-            return 1;
-        }
+        *outEntry = *found;
     }
-    return 0;
+    return found != nullptr ? 1 : 0;
 }
 
 } // namespace kelvar::wad

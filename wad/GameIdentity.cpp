@@ -61,15 +61,6 @@ int IdentifyGameNumber(GameIdentity& game)
     return 2;
 }
 
-std::string Upper(std::string text)
-{
-    for (char& c : text)
-    {
-        c = UpperAscii(c);
-    }
-    return text;
-}
-
 // One depth-first walk: the directory's own files first, then its subdirectories, each
 // listing sorted so the walk is the same on every run. Returns 1 found, -1 stopped.
 int WalkForIwad(const std::filesystem::path& directory, const std::string& wanted,
@@ -104,7 +95,7 @@ int WalkForIwad(const std::filesystem::path& directory, const std::string& wante
                 folders.push_back(entry.path());
             }
         }
-        else if (Upper(name) == wanted)
+        else if (UpperText(name) == wanted)
         {
             files.push_back(entry);
         }
@@ -369,7 +360,7 @@ std::vector<std::filesystem::path> IwadSearchFolders()
 
 std::optional<std::filesystem::path> SearchForIwad(const std::filesystem::path& stored)
 {
-    const std::string wanted = Upper(stored.filename().string());
+    const std::string wanted = UpperText(stored.filename().string());
     if (wanted.empty())
     {
         return std::nullopt;

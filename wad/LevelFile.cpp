@@ -29,23 +29,6 @@ constexpr std::array<std::string_view, 10> LevelLumps = {
     "THINGS",   "LINEDEFS", "SIDEDEFS", "VERTEXES", "SEGS",
     "SSECTORS", "NODES",    "SECTORS",  "REJECT",   "BLOCKMAP"};
 
-// One entry of the new file's directory, in the order the data went out.
-struct OutEntry
-{
-    std::int32_t Offset = 0;
-    std::int32_t Size = 0;
-    LumpName Name;
-};
-
-// A lump of the level in the master directory: where its old bytes are.
-struct OldLump
-{
-    LumpName Name;
-    std::int32_t Offset = 0;
-    std::int32_t Size = 0;
-    int FileNumber = -1;
-};
-
 // Everything one save needs to know, worked out before the file is created.
 struct SavePlan
 {
@@ -57,22 +40,11 @@ struct SavePlan
     int LevelFile = -1; // the record of the file the level came from
     bool FromPwad = false;
     bool Group = false; // the other lumps of the file go along
-    bool Wide = false;  // the Extended Format's LineDef rows
     bool BuildNodes = false;
-    bool FromMemory = false; // the object lumps come from memory
-    std::int32_t RejectSize = 0;
     SaveOptions Choices;
     RowLayout Rows;
-    std::vector<OldLump> Level; // the level's entries after the marker, in master order
+    std::vector<LumpEntry> Level; // the level's entries after the marker, in master order
     std::optional<LumpReplace> Replace;
-};
-
-// The stream, the running offset and the entries written so far.
-struct Output
-{
-    StreamPtr Stream;
-    std::int64_t Offset = WadHeaderSize;
-    std::vector<OutEntry> Entries;
 };
 
 void Redraw()
@@ -84,22 +56,21 @@ void Redraw()
 }
 
 // The level's entries after its marker, as the master directory has them now.
-std::vector<OldLump> LevelEntries(std::size_t marker, int count)
+std::vector<LumpEntry> LevelEntries(std::size_t marker, int count)
 {
-    std::vector<OldLump> lumps;
+    std::vector<LumpEntry> lumps;
     const LumpDirectory& master = Master();
     for (std::size_t i = marker + 1;
          i < marker + static_cast<std::size_t>(count) && i < master.Size(); ++i)
     {
-        const LumpEntry& entry = master[i];
-        lumps.push_back({entry.Name, entry.Offset, entry.Size, entry.FileNumber});
+        lumps.push_back(master[i]);
     }
     return lumps;
 }
 
-const OldLump* FindOld(const SavePlan& plan, std::string_view name)
+const LumpEntry* FindOld(const SavePlan& plan, std::string_view name)
 {
-    for (const OldLump& lump : plan.Level)
+    for (const LumpEntry& lump : plan.Level)
     {
         if (lump.Name.Is(name))
         {
@@ -107,45 +78,6 @@ const OldLump* FindOld(const SavePlan& plan, std::string_view name)
         }
     }
     return nullptr;
-}
-
-// Copies `size` bytes of another file into the output, or of the file holding an old lump.
-bool CopyOld(Output& out, int fileNumber, std::int32_t offset, std::int32_t size)
-{
-    if (size <= 0)
-    {
-        return true;
-    }
-    if (fileNumber < 0 || fileNumber >= FileTableSize)
-    {
-        return false;
-    }
-    FileRec& file = Wad().Files[static_cast<std::size_t>(fileNumber)];
-    EnsureOpen(file);
-    if (!file.Stream || CheckedSeek(file.Stream.get(), offset) != 1 ||
-        CopyFileSpan(out.Stream.get(), file.Stream.get(), size) != 1)
-    {
-        return false;
-    }
-    out.Offset += size;
-    return true;
-}
-
-bool WriteBytes(Output& out, const void* bytes, std::int64_t size)
-{
-    if (size > 0 && CheckedWrite(out.Stream.get(), bytes, size) != 1)
-    {
-        return false;
-    }
-    out.Offset += size;
-    return true;
-}
-
-// Adds a directory entry for data that starts at `start` and ends at the running offset.
-void Enter(Output& out, const LumpName& name, std::int64_t start)
-{
-    out.Entries.push_back(
-        {static_cast<std::int32_t>(start), static_cast<std::int32_t>(out.Offset - start), name});
 }
 
 // The whole bytes of a file, for a lump replace. Nothing when it can't be read.
@@ -166,22 +98,20 @@ std::optional<std::vector<std::uint8_t>> FileBytes(const std::string& path)
 }
 
 // A lump replace's entry: the new bytes in place of the old.
-bool WriteReplace(Output& out, const SavePlan& plan)
+bool WriteReplace(WadOutput& out, const SavePlan& plan)
 {
     const std::int64_t start = out.Offset;
     if (!plan.Replace->SourceFile.empty())
     {
         const std::optional<std::vector<std::uint8_t>> bytes = FileBytes(plan.Replace->SourceFile);
-        if (!bytes || !WriteBytes(out, bytes->data(), static_cast<std::int64_t>(bytes->size())))
+        if (!bytes || !WriteData(out, bytes->data(), static_cast<std::int64_t>(bytes->size())))
         {
             return false;
         }
     }
-    Enter(out, LumpName::From(plan.Replace->Name), start);
+    EnterRow(out, LumpName::From(plan.Replace->Name).Text(), start);
     return true;
 }
-
-// --- The questions before the write ------------------------------------------------------------
 
 bool AskFormatLimits(const map::LevelData& level)
 {
@@ -210,11 +140,10 @@ bool AskOtherGameLevels()
 }
 
 // The Save dialog, when the code or the file asks for it. False: cancelled.
-bool AskSaveChoices(SavePlan& plan, bool fileHasMore)
+bool AskSaveChoices(SavePlan& plan, const map::LevelData& level, bool fileHasMore)
 {
     WadState& wad = Wad();
     SaveOptions& choices = wad.SaveChoices;
-    const map::LevelData& level = map::Map().Level;
     choices.RebuildNodes = level.GeometryChangeCount != 0 || plan.Code == BuildNodesCode ||
                            plan.Code == BuildNodesAsCode;
     choices.GroupSave = wad.Options.GroupSave;
@@ -238,28 +167,27 @@ bool AskSaveChoices(SavePlan& plan, bool fileHasMore)
     return true;
 }
 
-// --- The parts of the file ---------------------------------------------------------------------
-
-bool WriteReject(Output& out, const SavePlan& plan)
+// The REJECT the choices ask for, sized for the level's Sectors.
+bool WriteReject(WadOutput& out, const SavePlan& plan, const map::LevelData& level)
 {
     const SaveOptions& choices = plan.Choices;
     const std::int64_t start = out.Offset;
     if (choices.ZeroReject)
     {
-        Enter(out, LumpName::From("REJECT"), start);
+        EnterRow(out, "REJECT", start);
         return true;
     }
-    std::vector<std::uint8_t> table(static_cast<std::size_t>(plan.RejectSize), 0);
+    const auto size = static_cast<std::int32_t>(RejectSize(level.Sectors.Count()));
+    std::vector<std::uint8_t> table(static_cast<std::size_t>(size), 0);
     if (choices.CopyReject)
     {
-        const OldLump* old = FindOld(plan, "REJECT");
+        const LumpEntry* old = FindOld(plan, "REJECT");
         if (old != nullptr && old->Size > 0 && old->FileNumber >= 0)
         {
             FileRec& file = Wad().Files[static_cast<std::size_t>(old->FileNumber)];
             EnsureOpen(file);
-            const std::int32_t size = std::min(old->Size, plan.RejectSize);
             if (!file.Stream || CheckedSeek(file.Stream.get(), old->Offset) != 1 ||
-                CheckedRead(file.Stream.get(), table.data(), size) != 1)
+                CheckedRead(file.Stream.get(), table.data(), std::min(old->Size, size)) != 1)
             {
                 return false;
             }
@@ -274,99 +202,66 @@ bool WriteReject(Output& out, const SavePlan& plan)
             table[i] = choices.AttackByte;
         }
     }
-    if (!WriteBytes(out, table.data(), static_cast<std::int64_t>(table.size())))
+    if (!WriteData(out, table.data(), static_cast<std::int64_t>(table.size())))
     {
         return false;
     }
-    Enter(out, LumpName::From("REJECT"), start);
+    EnterRow(out, "REJECT", start);
     return true;
 }
 
-// The level's lumps in the canonical order, then BEHAVIOR and the GL_ entries.
-bool WriteLevelLumps(Output& out, const map::LevelData& level, const SavePlan& plan)
+// The level's lumps in the canonical order, then BEHAVIOR and the GL_ entries. The object
+// lumps come from memory when the level has unsaved changes.
+bool WriteLevelLumps(WadOutput& out, const map::LevelData& level, const SavePlan& plan)
 {
     const SaveOptions& choices = plan.Choices;
+    const bool fromMemory = level.ChangeCount != 0;
     for (const std::string_view name : LevelLumps)
     {
-        const std::int64_t start = out.Offset;
-        const OldLump* old = FindOld(plan, name);
-        const bool fromMemory =
-            plan.FromMemory && (name == "THINGS" || name == "LINEDEFS" || name == "SIDEDEFS" ||
-                                name == "VERTEXES" || name == "SECTORS");
-        bool written = true;
+        const bool object = name == "THINGS" || name == "LINEDEFS" || name == "SIDEDEFS" ||
+                            name == "VERTEXES" || name == "SECTORS";
         if (name == "REJECT")
         {
-            written = WriteReject(out, plan);
-            if (!written)
+            if (!WriteReject(out, plan, level))
             {
                 return false;
             }
             continue;
         }
-        if (fromMemory)
+        if (object && fromMemory)
         {
-            std::int64_t counter = 0;
-            FILE* stream = out.Stream.get();
-            written = name == "THINGS"     ? WriteThings(stream, level, plan.Rows, counter)
-                      : name == "LINEDEFS" ? WriteLineDefs(stream, level, plan.Rows, counter)
-                      : name == "SIDEDEFS" ? WriteSideDefs(stream, level, counter)
-                      : name == "VERTEXES" ? WriteVertexes(stream, level, counter)
-                                           : WriteSectors(stream, level, plan.Rows, counter);
-            out.Offset += counter;
-        }
-        else
-        {
-            const bool zeroed =
-                (choices.ZeroNodes && (name == "SEGS" || name == "SSECTORS" || name == "NODES")) ||
-                (choices.ZeroBlockmap && name == "BLOCKMAP");
-            if (!zeroed && old != nullptr)
+            if (!WriteObjectLump(out, level, plan.Rows, name))
             {
-                written = CopyOld(out, old->FileNumber, old->Offset, old->Size);
+                return false;
             }
+            continue;
         }
-        if (!written)
+        const std::int64_t start = out.Offset;
+        const LumpEntry* old = FindOld(plan, name);
+        const bool zeroed =
+            (choices.ZeroNodes && (name == "SEGS" || name == "SSECTORS" || name == "NODES")) ||
+            (choices.ZeroBlockmap && name == "BLOCKMAP");
+        if (!zeroed && old != nullptr &&
+            !CopyFileData(out, old->FileNumber, old->Offset, old->Size))
         {
             return false;
         }
-        Enter(out, LumpName::From(name), start);
+        EnterRow(out, std::string(name), start);
     }
 
     if (Wad().Game.Format == 4)
     {
-        const std::int64_t start = out.Offset;
-        const OldLump* old = FindOld(plan, "BEHAVIOR");
-        if (plan.Replace && LumpName::From(plan.Replace->Name).Is("BEHAVIOR"))
+        const bool replaced = plan.Replace && LumpName::From(plan.Replace->Name).Is("BEHAVIOR");
+        if (replaced ? !WriteReplace(out, plan) : !WriteBehavior(out, FindOld(plan, "BEHAVIOR")))
         {
-            if (!WriteReplace(out, plan))
-            {
-                return false;
-            }
-        }
-        else
-        {
-            if (old != nullptr && old->Size > 0)
-            {
-                if (!CopyOld(out, old->FileNumber, old->Offset, old->Size))
-                {
-                    return false;
-                }
-            }
-            else
-            {
-                const std::array<std::uint8_t, 16> empty{};
-                if (!WriteBytes(out, empty.data(), 16))
-                {
-                    return false;
-                }
-            }
-            Enter(out, LumpName::From("BEHAVIOR"), start);
+            return false;
         }
     }
 
     // The GL_ entries and any script behind the level keep their bytes; the GL_ marker takes
     // the level's name.
     const LumpName glMarker = LumpName::From("GL_" + plan.LevelName.substr(0, 5));
-    for (const OldLump& lump : plan.Level)
+    for (const LumpEntry& lump : plan.Level)
     {
         const bool canonical =
             std::any_of(LevelLumps.begin(), LevelLumps.end(),
@@ -378,13 +273,14 @@ bool WriteLevelLumps(Output& out, const map::LevelData& level, const SavePlan& p
         }
         const bool gl = lump.Name.StartsWith("GL_");
         const std::int64_t start = out.Offset;
-        if (!(gl && choices.ZeroNodes) && !CopyOld(out, lump.FileNumber, lump.Offset, lump.Size))
+        if (!(gl && choices.ZeroNodes) &&
+            !CopyFileData(out, lump.FileNumber, lump.Offset, lump.Size))
         {
             return false;
         }
         // GL_VERT, GL_SEGS... keep their names; the GL_ marker is renamed with the level.
         const bool glLevelMarker = gl && ReservedName(lump.Name) == 12;
-        Enter(out, glLevelMarker ? glMarker : lump.Name, start);
+        EnterRow(out, (glLevelMarker ? glMarker : lump.Name).Text(), start);
     }
     return true;
 }
@@ -392,19 +288,13 @@ bool WriteLevelLumps(Output& out, const map::LevelData& level, const SavePlan& p
 // Copies the entries of the old file's own directory from `first` to `last` (exclusive), in
 // their order, passing over names that can't be lump names and a BEHAVIOR a non-Hexen project
 // doesn't keep; a replaced entry takes the new bytes.
-bool CopyOtherLumps(Output& out, const SavePlan& plan, const std::vector<LumpEntry>& entries,
+bool CopyOtherLumps(WadOutput& out, const SavePlan& plan, const std::vector<LumpEntry>& entries,
                     std::size_t first, std::size_t last, bool& replaced)
 {
     for (std::size_t i = first; i < last && i < entries.size(); ++i)
     {
         const LumpEntry& entry = entries[i];
-        const auto lead =
-            static_cast<unsigned char>(entry.Name.Text().empty() ? 0 : entry.Name.Text()[0]);
-        if (lead < 32 || lead >= 128)
-        {
-            continue;
-        }
-        if (entry.Name.Is("BEHAVIOR") && Wad().Game.Format != 4)
+        if (!entry.Name.Printable() || (entry.Name.Is("BEHAVIOR") && Wad().Game.Format != 4))
         {
             continue;
         }
@@ -418,24 +308,13 @@ bool CopyOtherLumps(Output& out, const SavePlan& plan, const std::vector<LumpEnt
             continue;
         }
         const std::int64_t start = out.Offset;
-        if (!CopyOld(out, plan.LevelFile, entry.Offset, entry.Size))
+        if (!CopyFileData(out, plan.LevelFile, entry.Offset, entry.Size))
         {
             return false;
         }
-        Enter(out, entry.Name, start);
+        EnterRow(out, entry.Name.Text(), start);
     }
     return true;
-}
-
-bool WriteDirectory(Output& out, std::string_view magic)
-{
-    std::vector<DirectoryRow> rows;
-    rows.reserve(out.Entries.size());
-    for (const OutEntry& entry : out.Entries)
-    {
-        rows.push_back({entry.Offset, entry.Size, entry.Name.Text()});
-    }
-    return WriteDirectoryAndHeader(out.Stream.get(), rows, magic);
 }
 
 // Closes the renamed old file for good, and every record marked DEL.
@@ -504,15 +383,7 @@ void RunNodeBuilder(const SavePlan& plan, map::LevelData& level)
 void UpdateNameTable(const std::string& oldPath, const std::string& target)
 {
     auto& names = Wad().OpenFiles;
-    int slot = -1;
-    for (std::size_t i = 0; i < names.size() && slot < 0; ++i)
-    {
-        slot = SamePath(names[i], target) ? static_cast<int>(i) : -1;
-    }
-    for (std::size_t i = 0; i < names.size() && slot < 0; ++i)
-    {
-        slot = names[i].empty() ? static_cast<int>(i) : -1;
-    }
+    const int slot = NameTableSlot(target);
     if (slot >= 0)
     {
         names[static_cast<std::size_t>(slot)] = target;
@@ -533,7 +404,7 @@ void UpdateNameTable(const std::string& oldPath, const std::string& target)
 bool WriteFile(map::LevelData& level, SavePlan& plan, std::size_t marker)
 {
     WadState& wad = Wad();
-    Output out;
+    WadOutput out;
     out.Stream = CheckedOpen(plan.WritePath, "wb", 0);
     if (!out.Stream)
     {
@@ -546,8 +417,6 @@ bool WriteFile(map::LevelData& level, SavePlan& plan, std::size_t marker)
         map::Map().SaveBusy = false;
         wad.Save.UnusedCleanup();
         map::Map().SaveBusy = busy;
-        plan.RejectSize = (level.Sectors.Count() * level.Sectors.Count() + 7) / 8;
-        plan.FromMemory = plan.FromMemory || level.ChangeCount != 0;
         // Removed Vertexes renumber the rest: the old node lumps would point at the wrong
         // ones, so without a build they go out empty and the nodes stay to be built.
         if (level.GeometryChangeCount != geometry && !plan.BuildNodes)
@@ -565,12 +434,9 @@ bool WriteFile(map::LevelData& level, SavePlan& plan, std::size_t marker)
     if (plan.FromPwad)
     {
         EnsureOpen(levelFile);
-        char bytes[4] = {};
-        if (levelFile.Stream && std::fseek(levelFile.Stream.get(), 0, SEEK_SET) == 0 &&
-            std::fread(bytes, 1, 4, levelFile.Stream.get()) == 4 &&
-            (std::string_view(bytes, 4) == "PWAD" || std::string_view(bytes, 4) == "IWAD"))
+        if (levelFile.Stream)
         {
-            magic.assign(bytes, 4);
+            magic = WadMagicOf(levelFile.Stream.get()).value_or(magic);
         }
     }
     const std::uint8_t placeholder[WadHeaderSize] = {};
@@ -589,22 +455,15 @@ bool WriteFile(map::LevelData& level, SavePlan& plan, std::size_t marker)
         {
             return false;
         }
-        const LumpName oldName = LumpName::From(plan.OldLevelName);
-        levelAt = own->size();
-        for (std::size_t i = 0; i < own->size() && levelAt == own->size(); ++i)
-        {
-            int count = 0;
-            if (SameName((*own)[i].Name, oldName) && LevelAt(*own, i, own->size(), count) > 0)
-            {
-                levelAt = i;
-                levelEnd = i + static_cast<std::size_t>(count);
-            }
-        }
-        if (levelAt == own->size())
+        const std::optional<LevelSpan> span =
+            FindLevelEntries(*own, LumpName::From(plan.OldLevelName));
+        if (!span)
         {
             platform::FatalError("Level name %s not found in existing file?",
                                  plan.OldLevelName.c_str());
         }
+        levelAt = span->Marker;
+        levelEnd = span->End;
     }
     bool replaced = false;
     if (plan.Group && !CopyOtherLumps(out, plan, *own, 0, levelAt, replaced))
@@ -618,17 +477,17 @@ bool WriteFile(map::LevelData& level, SavePlan& plan, std::size_t marker)
     if (plan.Replace && SameName(LumpName::From(plan.Replace->Name), markerEntry.Name))
     {
         const std::optional<std::vector<std::uint8_t>> bytes = FileBytes(plan.Replace->SourceFile);
-        if (!bytes || !WriteBytes(out, bytes->data(), static_cast<std::int64_t>(bytes->size())))
+        if (!bytes || !WriteData(out, bytes->data(), static_cast<std::int64_t>(bytes->size())))
         {
             return false;
         }
         replaced = true;
     }
-    else if (!CopyOld(out, markerEntry.FileNumber, markerEntry.Offset, markerEntry.Size))
+    else if (!CopyFileData(out, markerEntry.FileNumber, markerEntry.Offset, markerEntry.Size))
     {
         return false;
     }
-    Enter(out, LumpName::From(plan.LevelName), markerStart);
+    EnterRow(out, LumpName::From(plan.LevelName).Text(), markerStart);
 
     if (!WriteLevelLumps(out, level, plan))
     {
@@ -643,7 +502,7 @@ bool WriteFile(map::LevelData& level, SavePlan& plan, std::size_t marker)
     {
         return false;
     }
-    if (!WriteDirectory(out, magic))
+    if (!WriteDirectoryAndHeader(out, magic))
     {
         return false;
     }
@@ -696,20 +555,17 @@ int WriteLevelFile(map::LevelData& level, const std::string& path, const std::st
     plan.OldLevelName = oldLevelName.empty() ? plan.LevelName : oldLevelName;
     plan.LevelFile = wad.CurrentFile.FileNumber;
     plan.FromPwad = plan.LevelFile > 0;
-    plan.RejectSize = (level.Sectors.Count() * level.Sectors.Count() + 7) / 8;
     plan.Level = LevelEntries(marker, count);
     const FileRec& levelFile = wad.Files[static_cast<std::size_t>(std::max(plan.LevelFile, 0))];
     const bool fileHasMore = plan.FromPwad && levelFile.LumpCount > count;
     plan.Group = plan.FromPwad && (wad.Options.GroupSave || fileHasMore);
 
-    if (!AskFormatLimits(level) || !AskOtherGameLevels() || !AskSaveChoices(plan, fileHasMore))
+    if (!AskFormatLimits(level) || !AskOtherGameLevels() ||
+        !AskSaveChoices(plan, level, fileHasMore))
     {
         return RestoreBak(path);
     }
-    plan.Rows.Layout = wad.Game.Format == 4 ? 2 : 1;
-    plan.Rows.Wide = level.LineDefs.Count() > 65534 || level.SideDefs.Count() > 65534;
-    plan.Rows.ShowInvisibleLines = wad.Writer.ShowInvisibleLines;
-    plan.Rows.ClearSectorSpecials = wad.Writer.ClearSectorSpecials;
+    plan.Rows = ProjectRowLayout(level, true);
 
     if (level.Things.Count() > 0 && plan.Choices.RebuildNodes)
     {
@@ -722,7 +578,6 @@ int WriteLevelFile(map::LevelData& level, const std::string& path, const std::st
         plan.BuildNodes = true;
         plan.WritePath = (wad.ProgramDir / NodeBuildFileName).string();
     }
-    plan.FromMemory = level.ChangeCount != 0;
 
     if (!WriteFile(level, plan, marker))
     {

@@ -12,6 +12,7 @@
 #include "wad/FindLump.h"
 #include "wad/LevelRepairs.h"
 #include "wad/WadFormat.h"
+#include "wad/WadScan.h"
 
 #include <algorithm>
 
@@ -89,8 +90,7 @@ void ReadThings(LevelData& level, int layout)
     const std::vector<std::uint8_t> bytes = ReadLump(FindLevelLump("THINGS", true));
     const std::size_t size = layout == 2 ? HexenThingSize : DoomThingSize;
     const std::size_t count = bytes.size() / size;
-    level.Things.Capacity = Capacity(count, 200);
-    level.Things.Array.reserve(static_cast<std::size_t>(level.Things.Capacity));
+    level.Things.Reserve(Capacity(count, 200));
     level.Things.Array.resize(count);
     for (std::size_t i = 0; i < count; ++i)
     {
@@ -125,8 +125,7 @@ void ReadLineDefs(LevelData& level, const std::vector<std::uint8_t>& bytes, int 
     const std::size_t size = extended ? (layout == 2 ? ExtendedHexenLineSize : ExtendedDoomLineSize)
                                       : (layout == 2 ? HexenLineSize : DoomLineSize);
     const std::size_t count = bytes.size() / size;
-    level.LineDefs.Capacity = 2 * count < 100 ? 1000 : static_cast<std::int32_t>(2 * count);
-    level.LineDefs.Array.reserve(static_cast<std::size_t>(level.LineDefs.Capacity));
+    level.LineDefs.Reserve(2 * count < 100 ? 1000 : static_cast<std::int32_t>(2 * count));
     level.LineDefs.Array.resize(count);
     for (std::size_t i = 0; i < count; ++i)
     {
@@ -171,8 +170,7 @@ void ReadSectors(LevelData& level)
 {
     const std::vector<std::uint8_t> bytes = ReadLump(FindLevelLump("SECTORS", true));
     const std::size_t count = bytes.size() / SectorSize;
-    level.Sectors.Capacity = Capacity(count, 500);
-    level.Sectors.Array.reserve(static_cast<std::size_t>(level.Sectors.Capacity));
+    level.Sectors.Reserve(Capacity(count, 500));
     level.Sectors.Array.resize(count);
     for (std::size_t i = 0; i < count; ++i)
     {
@@ -237,17 +235,11 @@ std::size_t OpenLevelFile(std::string_view levelName)
 
 void MakeEmpty(LevelData& level)
 {
-    const auto reserve = [](auto& array, std::int32_t capacity)
-    {
-        array.Array.clear();
-        array.Capacity = capacity;
-        array.Array.reserve(static_cast<std::size_t>(capacity));
-    };
-    reserve(level.Things, 200);
-    reserve(level.LineDefs, 1000);
-    reserve(level.SideDefs, 2000);
-    reserve(level.Sectors, 500);
-    reserve(level.Vertexes, 2000);
+    level.Things.Reserve(200);
+    level.LineDefs.Reserve(1000);
+    level.SideDefs.Reserve(2000);
+    level.Sectors.Reserve(500);
+    level.Vertexes.Reserve(2000);
 }
 
 } // namespace
@@ -270,44 +262,12 @@ void ConvertSideDefsIn(std::span<const std::uint8_t> source, std::size_t count,
     }
 }
 
-std::vector<std::uint8_t> ConvertSideDefsOut(std::span<const map::SideDef> sideDefs)
-{
-    std::vector<std::uint8_t> bytes(sideDefs.size() * SideDefSize);
-    for (std::size_t i = 0; i < sideDefs.size(); ++i)
-    {
-        std::uint8_t* raw = bytes.data() + i * SideDefSize;
-        const map::SideDef& side = sideDefs[i];
-        WriteLe16(raw, static_cast<std::uint16_t>(side.XOffset));
-        WriteLe16(raw + 2, static_cast<std::uint16_t>(side.YOffset));
-        std::copy_n(side.UpperTexture.Chars.begin(), 8, raw + 4);
-        std::copy_n(side.LowerTexture.Chars.begin(), 8, raw + 12);
-        std::copy_n(side.NormalTexture.Chars.begin(), 8, raw + 20);
-        WriteLe16(raw + 28, static_cast<std::uint16_t>(side.Sector));
-    }
-    return bytes;
-}
-
 int LevelLayoutOf(std::FILE* stream, std::string_view levelName, int directoryIndex)
 {
-    std::uint8_t header[8];
-    if (fseeko(stream, 4, SEEK_SET) != 0 || std::fread(header, 8, 1, stream) != 1)
-    {
-        return 0;
-    }
-    const std::int32_t count = ReadLe32(header);
-    const std::int32_t offset = ReadLe32(header + 4);
-    if (count < 0 || offset < 0)
-    {
-        return 0;
-    }
-    std::vector<std::uint8_t> directory(static_cast<std::size_t>(count) * DirectoryEntrySize);
-    if (fseeko(stream, offset, SEEK_SET) != 0 ||
-        (count > 0 && std::fread(directory.data(), directory.size(), 1, stream) != 1))
-    {
-        return 0;
-    }
-    const auto nameAt = [&](std::int32_t i)
-    { return LumpName::FromBytes(directory.data() + static_cast<std::size_t>(i) * 16 + 8); };
+    const std::vector<LumpEntry> directory = ReadDirectoryQuietly(stream, nullptr);
+    const auto count = static_cast<std::int32_t>(directory.size());
+    const auto nameAt = [&](std::int32_t i) -> const LumpName&
+    { return directory[static_cast<std::size_t>(i)].Name; };
     std::int32_t at = directoryIndex;
     if (at < 0)
     {
@@ -324,7 +284,7 @@ int LevelLayoutOf(std::FILE* stream, std::string_view levelName, int directoryIn
     }
     for (std::int32_t i = at + 5; i < count; ++i)
     {
-        const LumpName name = nameAt(i);
+        const LumpName& name = nameAt(i);
         if (name.Is("THINGS") || ReservedName(name) == 0)
         {
             return 1;
@@ -361,8 +321,7 @@ int ReadLevel(LevelData& level, std::string_view levelName, bool newLevel)
         {
             const std::vector<std::uint8_t> sides = ReadLump(FindLevelLump("SIDEDEFS", true));
             sideCount = sides.size() / SideDefSize;
-            level.SideDefs.Capacity = Capacity(sideCount, 2000);
-            level.SideDefs.Array.reserve(static_cast<std::size_t>(level.SideDefs.Capacity));
+            level.SideDefs.Reserve(Capacity(sideCount, 2000));
             ConvertSideDefsIn(sides, sideCount, level.SideDefs.Array);
         }
         {

@@ -29,6 +29,12 @@ inline constexpr std::size_t NodeSize = 28;
 /// A LineDef or SideDef count from this on means the level is in the Extended Format.
 inline constexpr std::size_t ExtendedFormatCount = 65535;
 
+/// The byte size of a REJECT table for `sectors` Sectors: a bit for each pair.
+constexpr std::int64_t RejectSize(std::int64_t sectors)
+{
+    return (sectors * sectors + 7) / 8;
+}
+
 /// Reads the named level of the master directory into `level`, or makes an empty one with
 /// `newLevel`. Repairs what it can after asking (bad Vertex, Sector or SideDef references;
 /// a level from another game's format); quitting at any question ends the program. A missing
@@ -43,8 +49,5 @@ int LevelLayoutOf(std::FILE* stream, std::string_view levelName, int directoryIn
 /// into `sides`, whose allocation is kept.
 void ConvertSideDefsIn(std::span<const std::uint8_t> source, std::size_t count,
                        std::vector<map::SideDef>& sides);
-
-/// Memory SideDefs into 30-byte records (NoSector as 0xFFFF).
-std::vector<std::uint8_t> ConvertSideDefsOut(std::span<const map::SideDef> sideDefs);
 
 } // namespace kelvar::wad

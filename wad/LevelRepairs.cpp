@@ -83,9 +83,7 @@ void ReadUsedVertexes(LevelData& level, const std::vector<std::uint8_t>& vertexe
             }
         }
     }
-    level.Vertexes.Capacity =
-        std::max<std::int32_t>(2 * static_cast<std::int32_t>(fileCount), 2000);
-    level.Vertexes.Array.reserve(static_cast<std::size_t>(level.Vertexes.Capacity));
+    level.Vertexes.Reserve(std::max<std::int32_t>(2 * static_cast<std::int32_t>(fileCount), 2000));
     for (std::uint32_t i = 0; i < fileCount; ++i)
     {
         if (table[i] != 0)

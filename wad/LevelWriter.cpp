@@ -1,12 +1,14 @@
-// The level's lumps from memory, as rows of the Doom, Hexen or Extended layout.
+// Writing a WAD front to back: the level's rows, copied lumps, the directory.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wad/LevelWriter.h"
 
+#include "platform/Assert.h"
 #include "wad/CheckedFile.h"
+#include "wad/FileTable.h"
 #include "wad/LevelReader.h"
-#include "wad/WadFormat.h"
 
 #include <algorithm>
+#include <array>
 
 namespace kelvar::wad
 {
@@ -130,19 +132,8 @@ void PutSector(std::uint8_t* raw, const map::Sector& sector, const RowLayout& la
     WriteLe16(raw + 24, sector.Tag);
 }
 
-// Rows of `records` made by `put`, `size` bytes each: all at once, or a block at a time into
-// `stream`.
-template <typename Records, typename Put>
-std::vector<std::uint8_t> Rows(const Records& records, std::size_t size, Put put)
-{
-    std::vector<std::uint8_t> bytes(records.Array.size() * size);
-    for (std::size_t i = 0; i < records.Array.size(); ++i)
-    {
-        put(bytes.data() + i * size, records.Array[i]);
-    }
-    return bytes;
-}
-
+// Writes the rows of `records` made by `put`, `size` bytes each, to `stream` a block at a time,
+// adding the bytes written to `counter`.
 template <typename Records, typename Put>
 bool WriteRows(std::FILE* stream, const Records& records, std::size_t size, Put put,
                std::int64_t& counter)
@@ -166,87 +157,131 @@ bool WriteRows(std::FILE* stream, const Records& records, std::size_t size, Put 
     return true;
 }
 
-} // namespace
-
-std::vector<std::uint8_t> ThingRows(const map::LevelData& level, const RowLayout& layout)
+bool WriteObjectRows(WadOutput& out, const map::LevelData& level, const RowLayout& layout,
+                     std::string_view name)
 {
-    return Rows(level.Things, ThingSize(layout),
-                [&](std::uint8_t* raw, const map::Thing& thing) { PutThing(raw, thing, layout); });
-}
-
-std::vector<std::uint8_t> LineDefRows(const map::LevelData& level, const RowLayout& layout)
-{
-    return Rows(level.LineDefs, LineSize(layout),
-                [&](std::uint8_t* raw, const map::LineDef& line)
-                { PutLineDef(raw, line, layout); });
-}
-
-std::vector<std::uint8_t> SideDefRows(const map::LevelData& level)
-{
-    return Rows(level.SideDefs, SideDefSize, PutSideDef);
-}
-
-std::vector<std::uint8_t> VertexRows(const map::LevelData& level)
-{
-    return Rows(level.Vertexes, VertexSize, PutVertex);
-}
-
-std::vector<std::uint8_t> SectorRows(const map::LevelData& level, const RowLayout& layout)
-{
-    return Rows(level.Sectors, SectorSize,
-                [&](std::uint8_t* raw, const map::Sector& sector)
-                { PutSector(raw, sector, layout); });
-}
-
-std::int64_t ThingRowsSize(const map::LevelData& level, const RowLayout& layout)
-{
-    return static_cast<std::int64_t>(level.Things.Array.size() * ThingSize(layout));
-}
-
-std::int64_t LineDefRowsSize(const map::LevelData& level, const RowLayout& layout)
-{
-    return static_cast<std::int64_t>(level.LineDefs.Array.size() * LineSize(layout));
-}
-
-bool WriteThings(std::FILE* stream, const map::LevelData& level, const RowLayout& layout,
-                 std::int64_t& counter)
-{
-    return WriteRows(
-        stream, level.Things, ThingSize(layout),
-        [&](std::uint8_t* raw, const map::Thing& thing) { PutThing(raw, thing, layout); }, counter);
-}
-
-bool WriteLineDefs(std::FILE* stream, const map::LevelData& level, const RowLayout& layout,
-                   std::int64_t& counter)
-{
-    return WriteRows(
-        stream, level.LineDefs, LineSize(layout),
-        [&](std::uint8_t* raw, const map::LineDef& line) { PutLineDef(raw, line, layout); },
-        counter);
-}
-
-bool WriteSideDefs(std::FILE* stream, const map::LevelData& level, std::int64_t& counter)
-{
-    return WriteRows(stream, level.SideDefs, SideDefSize, PutSideDef, counter);
-}
-
-bool WriteVertexes(std::FILE* stream, const map::LevelData& level, std::int64_t& counter)
-{
-    return WriteRows(stream, level.Vertexes, VertexSize, PutVertex, counter);
-}
-
-bool WriteSectors(std::FILE* stream, const map::LevelData& level, const RowLayout& layout,
-                  std::int64_t& counter)
-{
+    std::FILE* stream = out.Stream.get();
+    if (name == "THINGS")
+    {
+        return WriteRows(
+            stream, level.Things, ThingSize(layout),
+            [&](std::uint8_t* raw, const map::Thing& thing) { PutThing(raw, thing, layout); },
+            out.Offset);
+    }
+    if (name == "LINEDEFS")
+    {
+        return WriteRows(
+            stream, level.LineDefs, LineSize(layout),
+            [&](std::uint8_t* raw, const map::LineDef& line) { PutLineDef(raw, line, layout); },
+            out.Offset);
+    }
+    if (name == "SIDEDEFS")
+    {
+        return WriteRows(stream, level.SideDefs, SideDefSize, PutSideDef, out.Offset);
+    }
+    if (name == "VERTEXES")
+    {
+        return WriteRows(stream, level.Vertexes, VertexSize, PutVertex, out.Offset);
+    }
+    KELVAR_ASSERT(name == "SECTORS");
     return WriteRows(
         stream, level.Sectors, SectorSize,
         [&](std::uint8_t* raw, const map::Sector& sector) { PutSector(raw, sector, layout); },
-        counter);
+        out.Offset);
 }
 
-bool WriteDirectoryAndHeader(std::FILE* stream, const std::vector<DirectoryRow>& rows,
-                             std::string_view magic)
+} // namespace
+
+RowLayout ProjectRowLayout(const map::LevelData& level, bool writerSettings)
 {
+    const WadState& wad = Wad();
+    RowLayout rows;
+    rows.Layout = wad.Game.Format == 4 ? 2 : 1;
+    rows.Wide = level.LineDefs.Count() > 65534 || level.SideDefs.Count() > 65534;
+    rows.ShowInvisibleLines = writerSettings && wad.Writer.ShowInvisibleLines;
+    rows.ClearSectorSpecials = writerSettings && wad.Writer.ClearSectorSpecials;
+    return rows;
+}
+
+std::vector<std::uint8_t> ThingRows(const map::LevelData& level, const RowLayout& layout)
+{
+    const std::size_t size = ThingSize(layout);
+    std::vector<std::uint8_t> bytes(level.Things.Array.size() * size);
+    for (std::size_t i = 0; i < level.Things.Array.size(); ++i)
+    {
+        PutThing(bytes.data() + i * size, level.Things[i], layout);
+    }
+    return bytes;
+}
+
+void EnterRow(WadOutput& out, std::string name, std::int64_t start)
+{
+    out.Rows.push_back({static_cast<std::int32_t>(start),
+                        static_cast<std::int32_t>(out.Offset - start), std::move(name)});
+}
+
+bool WriteData(WadOutput& out, const void* bytes, std::int64_t size)
+{
+    if (size > 0 && CheckedWrite(out.Stream.get(), bytes, size) != 1)
+    {
+        return false;
+    }
+    out.Offset += size;
+    return true;
+}
+
+bool CopyFileData(WadOutput& out, int fileNumber, std::int32_t offset, std::int32_t size)
+{
+    if (size <= 0)
+    {
+        return true;
+    }
+    if (fileNumber < 0 || fileNumber >= FileTableSize)
+    {
+        return false;
+    }
+    FileRec& file = Wad().Files[static_cast<std::size_t>(fileNumber)];
+    EnsureOpen(file);
+    if (!file.Stream || CheckedSeek(file.Stream.get(), offset) != 1 ||
+        CopyFileSpan(out.Stream.get(), file.Stream.get(), size) != 1)
+    {
+        return false;
+    }
+    out.Offset += size;
+    return true;
+}
+
+bool WriteObjectLump(WadOutput& out, const map::LevelData& level, const RowLayout& layout,
+                     std::string_view name)
+{
+    const std::int64_t start = out.Offset;
+    if (!WriteObjectRows(out, level, layout, name))
+    {
+        return false;
+    }
+    EnterRow(out, std::string(name), start);
+    return true;
+}
+
+bool WriteBehavior(WadOutput& out, const LumpEntry* old)
+{
+    const std::int64_t start = out.Offset;
+    const std::array<std::uint8_t, 16> empty{};
+    const bool written = old != nullptr && old->Size > 0
+                             ? CopyFileData(out, old->FileNumber, old->Offset, old->Size)
+                             : WriteData(out, empty.data(), 16);
+    if (!written)
+    {
+        return false;
+    }
+    EnterRow(out, "BEHAVIOR", start);
+    return true;
+}
+
+bool WriteDirectoryAndHeader(WadOutput& out, std::string_view magic)
+{
+    std::FILE* stream = out.Stream.get();
+    const std::vector<DirectoryRow>& rows = out.Rows;
     const std::int64_t directory = ftello(stream);
     std::vector<std::uint8_t> bytes(rows.size() * DirectoryEntrySize, 0);
     for (std::size_t i = 0; i < rows.size(); ++i)

@@ -1,12 +1,14 @@
-// The level's lumps from memory: Things, LineDefs, SideDefs, Vertexes and Sectors as rows of
-// the Doom, Hexen or Extended layout, written to a stream a block at a time.
+// Writing a WAD front to back: the level's lumps from memory as rows of the Doom, Hexen or
+// Extended layout, written a block at a time, other lumps' bytes copied, then the directory.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "map/LevelData.h"
+#include "wad/LumpDirectory.h"
+#include "wad/WadFormat.h"
+#include "wad/WadState.h"
 
 #include <cstdint>
-#include <cstdio>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,27 +25,13 @@ struct RowLayout
     bool ClearSectorSpecials = false; // Sector types written as 0
 };
 
-/// The rows of each kind, as bytes. The Things of the Hexen layout lose flag 0x0010.
+/// The rows the project writes `level` in: the Hexen layout in a Hexen-format project, the
+/// wide LineDef rows past 65534 LineDefs or SideDefs, and with `writerSettings` the 3D test's
+/// settings that act on every save.
+RowLayout ProjectRowLayout(const map::LevelData& level, bool writerSettings);
+
+/// The THINGS lump as bytes. The Things of the Hexen layout lose flag 0x0010.
 std::vector<std::uint8_t> ThingRows(const map::LevelData& level, const RowLayout& layout);
-std::vector<std::uint8_t> LineDefRows(const map::LevelData& level, const RowLayout& layout);
-std::vector<std::uint8_t> SideDefRows(const map::LevelData& level);
-std::vector<std::uint8_t> VertexRows(const map::LevelData& level);
-std::vector<std::uint8_t> SectorRows(const map::LevelData& level, const RowLayout& layout);
-
-/// The byte size of each lump as the writers below write it.
-std::int64_t ThingRowsSize(const map::LevelData& level, const RowLayout& layout);
-std::int64_t LineDefRowsSize(const map::LevelData& level, const RowLayout& layout);
-
-/// Writes a kind's rows to `stream` (the current position) in blocks, adding the bytes
-/// written to `counter`. Returns false after a failed write was reported.
-bool WriteThings(std::FILE* stream, const map::LevelData& level, const RowLayout& layout,
-                 std::int64_t& counter);
-bool WriteLineDefs(std::FILE* stream, const map::LevelData& level, const RowLayout& layout,
-                   std::int64_t& counter);
-bool WriteSideDefs(std::FILE* stream, const map::LevelData& level, std::int64_t& counter);
-bool WriteVertexes(std::FILE* stream, const map::LevelData& level, std::int64_t& counter);
-bool WriteSectors(std::FILE* stream, const map::LevelData& level, const RowLayout& layout,
-                  std::int64_t& counter);
 
 /// One entry of a directory being written.
 struct DirectoryRow
@@ -53,10 +41,38 @@ struct DirectoryRow
     std::string Name;
 };
 
-/// Writes `rows` as a WAD directory at the stream's current position, then the header at
+/// A WAD being written: its stream, the offset the next lump's data starts at, and the
+/// directory rows entered so far.
+struct WadOutput
+{
+    StreamPtr Stream;
+    std::int64_t Offset = WadHeaderSize;
+    std::vector<DirectoryRow> Rows;
+};
+
+/// Adds the directory row `name` for the data from `start` to the running offset.
+void EnterRow(WadOutput& out, std::string name, std::int64_t start);
+
+/// Writes `size` bytes at the running offset. Returns false after a failed write was reported.
+bool WriteData(WadOutput& out, const void* bytes, std::int64_t size);
+
+/// Copies `size` bytes from `offset` of the file of record `fileNumber` (reopened when closed)
+/// to the running offset. Returns false for a record out of range, or after a failed transfer
+/// was reported.
+bool CopyFileData(WadOutput& out, int fileNumber, std::int32_t offset, std::int32_t size);
+
+/// Writes the object lump `name` (THINGS, LINEDEFS, SIDEDEFS, VERTEXES or SECTORS) from memory,
+/// in blocks, and enters it. Returns false after a failed write was reported.
+bool WriteObjectLump(WadOutput& out, const map::LevelData& level, const RowLayout& layout,
+                     std::string_view name);
+
+/// Writes the level's script and enters it as BEHAVIOR: the bytes of `old` when it has any,
+/// else an empty script of 16 zero bytes. Returns false after a reported failure.
+bool WriteBehavior(WadOutput& out, const LumpEntry* old);
+
+/// Writes the rows as a WAD directory at the stream's current position, then the header at
 /// offset 0: `magic`, the count, and the directory's position. Returns false after a failed
 /// write was reported.
-bool WriteDirectoryAndHeader(std::FILE* stream, const std::vector<DirectoryRow>& rows,
-                             std::string_view magic);
+bool WriteDirectoryAndHeader(WadOutput& out, std::string_view magic);
 
 } // namespace kelvar::wad

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <array>
-#include <string_view>
 
 namespace kelvar::wad
 {
@@ -266,10 +265,28 @@ void LumpDirectory::Grow() const
 namespace
 {
 
-constexpr std::array<std::string_view, 19> ReservedTexts = {
-    "E",        "MAP",     "THINGS",   "LINEDEFS", "SIDEDEFS", "VERTEXES", "SEGS",
-    "SSECTORS", "NODES",   "SECTORS",  "REJECT",   "BLOCKMAP", "BEHAVIOR", "GL_",
-    "GL_VERT",  "GL_SEGS", "GL_SSECT", "GL_NODES", "GL_PVS"};
+// The search keys of the reserved names by their number: 1 THINGS to 11 BEHAVIOR, 13 GL_VERT
+// to 17 GL_PVS. Number 12 is any other GL_ name.
+constexpr std::array<std::uint64_t, 18> ReservedKeys = {
+    0,
+    NameKey("THINGS"),
+    NameKey("LINEDEFS"),
+    NameKey("SIDEDEFS"),
+    NameKey("VERTEXES"),
+    NameKey("SEGS"),
+    NameKey("SSECTORS"),
+    NameKey("NODES"),
+    NameKey("SECTORS"),
+    NameKey("REJECT"),
+    NameKey("BLOCKMAP"),
+    NameKey("BEHAVIOR"),
+    0,
+    NameKey("GL_VERT"),
+    NameKey("GL_SEGS"),
+    NameKey("GL_SSECT"),
+    NameKey("GL_NODES"),
+    NameKey("GL_PVS"),
+};
 
 bool IsDigit(char c)
 {
@@ -303,11 +320,11 @@ int ReservedName(const LumpName& name)
     // The whole names are tried before the bare GL_ prefix, so GL_PVS is 17 and only the
     // level's own GL marker (GL_MAP01, GL_LEVEL) comes out as 12.
     const std::uint64_t key = name.Key();
-    for (std::size_t i = 2; i < ReservedTexts.size(); ++i)
+    for (std::size_t i = 1; i < ReservedKeys.size(); ++i)
     {
-        if (i != 13 && key == NameKey(ReservedTexts[i]))
+        if (ReservedKeys[i] != 0 && key == ReservedKeys[i])
         {
-            return static_cast<int>(i) - 1;
+            return static_cast<int>(i);
         }
     }
     return name.StartsWith("GL_") ? 12 : 0;
@@ -379,46 +396,30 @@ int LevelAt(std::span<const LumpEntry> entries, std::size_t index, std::size_t t
     return layout;
 }
 
+std::optional<LevelSpan> FindLevelEntries(std::span<const LumpEntry> entries, const LumpName& name)
+{
+    for (std::size_t i = 0; i < entries.size(); ++i)
+    {
+        int count = 0;
+        if (SameName(entries[i].Name, name) && LevelAt(entries, i, entries.size(), count) > 0)
+        {
+            return LevelSpan{i, i + static_cast<std::size_t>(count)};
+        }
+    }
+    return std::nullopt;
+}
+
 int LevelSlot(const LumpName& name, bool isMarker)
 {
     if (isMarker)
     {
         return 0;
     }
-    static constexpr std::array<std::uint64_t, 17> Keys = {
-        0,
-        NameKey("THINGS"),
-        NameKey("LINEDEFS"),
-        NameKey("SIDEDEFS"),
-        NameKey("VERTEXES"),
-        NameKey("SEGS"),
-        NameKey("SSECTORS"),
-        NameKey("NODES"),
-        NameKey("SECTORS"),
-        NameKey("REJECT"),
-        NameKey("BLOCKMAP"),
-        NameKey("BEHAVIOR"),
-        0,
-        NameKey("GL_VERT"),
-        NameKey("GL_SEGS"),
-        NameKey("GL_SSECT"),
-        NameKey("GL_NODES"),
-    };
-    const std::uint64_t key = name.Key();
-    for (std::size_t slot = 1; slot < Keys.size(); ++slot)
+    // The slots of the level's lumps are their reserved numbers; SCRIPT lumps come last.
+    const int reserved = ReservedName(name);
+    if (reserved > 0)
     {
-        if (Keys[slot] != 0 && Keys[slot] == key)
-        {
-            return static_cast<int>(slot);
-        }
-    }
-    if (key == NameKey("GL_PVS"))
-    {
-        return 17;
-    }
-    if (name.StartsWith("GL_"))
-    {
-        return 12;
+        return reserved;
     }
     return name.StartsWith("SCRIPT") ? 18 : -1;
 }

@@ -18,6 +18,7 @@
 #include "wad/LumpName.h"
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -136,6 +137,17 @@ LevelNameParts LevelNameKind(const LumpName& name);
 /// level, its marker included (1 when there is none).
 int LevelAt(std::span<const LumpEntry> entries, std::size_t index, std::size_t total,
             int& outCount);
+
+/// Where a level stands in a directory: its marker's entry and the entry past its last lump.
+struct LevelSpan
+{
+    std::size_t Marker = 0;
+    std::size_t End = 0;
+};
+
+/// The first level named `name` (case ignored) in `entries`, as LevelAt finds levels; nothing
+/// when there is none.
+std::optional<LevelSpan> FindLevelEntries(std::span<const LumpEntry> entries, const LumpName& name);
 
 /// The slot of a level lump in the canonical order: 0 the marker, 1 THINGS ... 10 BLOCKMAP,
 /// 11 BEHAVIOR, 12 the GL_ marker, 13 GL_VERT ... 17 GL_PVS, 18 a SCRIPT lump; -1 for a name

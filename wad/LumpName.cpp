@@ -45,6 +45,13 @@ bool LumpName::StartsWith(std::string_view prefix) const
     return true;
 }
 
+std::string UpperText(std::string_view text)
+{
+    std::string upper(text);
+    std::transform(upper.begin(), upper.end(), upper.begin(), UpperAscii);
+    return upper;
+}
+
 bool EqualNoCase(std::string_view a, std::string_view b)
 {
     return a.size() == b.size() &&

@@ -68,6 +68,13 @@ struct LumpName
     bool StartsWith(std::string_view prefix) const;
     /// True when the name has no characters.
     bool Empty() const { return Chars[0] == '\0'; }
+    /// True when the name begins with a printable ASCII character; directory entries whose
+    /// names don't are passed over.
+    bool Printable() const
+    {
+        const auto first = static_cast<unsigned char>(Chars[0]);
+        return first >= 32 && first < 128;
+    }
 
     bool operator==(const LumpName&) const = default;
 };
@@ -86,5 +93,8 @@ inline char UpperAscii(char c)
 
 /// True when two texts are equal, case ignored (ASCII).
 bool EqualNoCase(std::string_view a, std::string_view b);
+
+/// The text with its ASCII letters in upper case.
+std::string UpperText(std::string_view text);
 
 } // namespace kelvar::wad

@@ -526,8 +526,7 @@ void MergePwad(int fileNumber, bool warnings)
     std::size_t at = 0;
     while (at < own.Size())
     {
-        const auto first = static_cast<unsigned char>(own[at].Name.Chars[0]);
-        if (first < 32 || first >= 128)
+        if (!own[at].Name.Printable())
         {
             ++at;
             continue;

@@ -57,8 +57,8 @@ bool ReadHeader(std::FILE* stream, const std::string& path, std::int64_t fileSiz
     return true;
 }
 
-// Shows the first bad entry of a scan and logs the later ones. Returns true.
-bool ReportBadEntry(const std::string& path, std::int64_t fileSize, const LumpEntry& entry,
+// Shows the first bad entry of a scan and logs the later ones.
+void ReportBadEntry(const std::string& path, std::int64_t fileSize, const LumpEntry& entry,
                     bool& shown)
 {
     const std::string name = entry.Name.Text();
@@ -74,7 +74,6 @@ bool ReportBadEntry(const std::string& path, std::int64_t fileSize, const LumpEn
         LogLine({platform::Format("Lump %s Invalid: offset=%d size=%d Ignored", name.c_str(),
                                   entry.Offset, entry.Size)});
     }
-    return true;
 }
 
 // Reads the directory entries that lie inside the file and checks each against the file's
@@ -127,7 +126,8 @@ std::vector<LumpEntry> ReadDirectory(std::FILE* stream, const std::string& path,
                 entries.push_back(entry);
                 continue;
             }
-            if (!ReportBadEntry(path, fileSize, entry, shown) || !isIwad)
+            ReportBadEntry(path, fileSize, entry, shown);
+            if (!isIwad)
             {
                 return entries;
             }
@@ -238,18 +238,27 @@ void NameLevelCompanions(LumpDirectory& directory)
     }
 }
 
+// The first entry of `entries` that starts a level, or null.
+const LumpEntry* FirstLevel(std::span<const LumpEntry> entries)
+{
+    for (std::size_t i = 0; i < entries.size(); ++i)
+    {
+        int count = 0;
+        if (LevelAt(entries, i, entries.size(), count) > 0)
+        {
+            return &entries[i];
+        }
+    }
+    return nullptr;
+}
+
 void FinishIwadScan(FileRec& file)
 {
     LumpDirectory& master = Master();
     NameLevelCompanions(master);
-    for (std::size_t i = 0; i < master.Size(); ++i)
+    if (const LumpEntry* first = FirstLevel(master.Entries()))
     {
-        int count = 0;
-        if (LevelAt(master.Entries(), i, master.Size(), count) > 0)
-        {
-            file.FirstLevelName = master[i].Name;
-            break;
-        }
+        file.FirstLevelName = first->Name;
     }
     EnsureSpareEntry();
     RenumberOrdinals();
@@ -414,11 +423,6 @@ int OpenPwad(const std::string& path, bool closeAfter, bool warnings)
     return number;
 }
 
-} // namespace kelvar::wad
-
-namespace kelvar::wad
-{
-
 std::optional<std::vector<LumpEntry>> ReadWadDirectory(std::FILE* stream, const std::string& path)
 {
     const std::int64_t fileSize = FileSize(stream, 0);
@@ -430,11 +434,67 @@ std::optional<std::vector<LumpEntry>> ReadWadDirectory(std::FILE* stream, const 
     return ReadDirectory(stream, path, fileSize, header, false);
 }
 
-std::optional<LumpName> FirstLevelOfFile(std::FILE* stream, const std::string& path)
+std::vector<LumpEntry> ReadDirectoryQuietly(std::FILE* stream, std::string* magic)
+{
+    std::vector<LumpEntry> entries;
+    std::uint8_t header[WadHeaderSize];
+    const std::int64_t size = FileSize(stream, 0);
+    if (size < WadHeaderSize || std::fread(header, WadHeaderSize, 1, stream) != 1)
+    {
+        if (magic != nullptr)
+        {
+            magic->clear();
+        }
+        return entries;
+    }
+    if (magic != nullptr)
+    {
+        magic->assign(reinterpret_cast<const char*>(header), 4);
+    }
+    const std::int32_t count = ReadLe32(header + 4);
+    const std::int32_t offset = ReadLe32(header + 8);
+    if (count <= 0 || offset < 0 ||
+        static_cast<std::int64_t>(offset) + static_cast<std::int64_t>(count) * DirectoryEntrySize >
+            size)
+    {
+        return entries;
+    }
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(count) * DirectoryEntrySize);
+    if (fseeko(stream, offset, SEEK_SET) != 0 ||
+        std::fread(bytes.data(), bytes.size(), 1, stream) != 1)
+    {
+        return entries;
+    }
+    entries.resize(static_cast<std::size_t>(count));
+    for (std::size_t i = 0; i < entries.size(); ++i)
+    {
+        const std::uint8_t* raw = bytes.data() + i * DirectoryEntrySize;
+        entries[i].Offset = ReadLe32(raw);
+        entries[i].Size = ReadLe32(raw + 4);
+        entries[i].Name = LumpName::FromBytes(raw + 8);
+    }
+    return entries;
+}
+
+std::optional<std::string> WadMagicOf(std::FILE* stream)
 {
     char magic[4] = {};
-    if (std::fseek(stream, 0, SEEK_SET) != 0 || std::fread(magic, 1, 4, stream) != 4 ||
-        (std::string_view(magic, 4) != "PWAD" && std::string_view(magic, 4) != "IWAD"))
+    if (std::fseek(stream, 0, SEEK_SET) != 0 || std::fread(magic, 1, 4, stream) != 4)
+    {
+        return std::nullopt;
+    }
+    const std::string_view text(magic, 4);
+    if (text != "PWAD" && text != "IWAD")
+    {
+        return std::nullopt;
+    }
+    return std::string(text);
+}
+
+std::optional<LumpName> FirstLevelOfFile(std::FILE* stream, const std::string& path)
+{
+    const std::optional<std::string> magic = WadMagicOf(stream);
+    if (!magic)
     {
         return std::nullopt;
     }
@@ -445,16 +505,9 @@ std::optional<LumpName> FirstLevelOfFile(std::FILE* stream, const std::string& p
         return std::nullopt;
     }
     const std::vector<LumpEntry> entries =
-        ReadDirectory(stream, path, fileSize, header, std::string_view(magic, 4) == "IWAD");
-    for (std::size_t i = 0; i < entries.size(); ++i)
-    {
-        int count = 0;
-        if (LevelAt(entries, i, entries.size(), count) > 0)
-        {
-            return entries[i].Name;
-        }
-    }
-    return std::nullopt;
+        ReadDirectory(stream, path, fileSize, header, *magic == "IWAD");
+    const LumpEntry* first = FirstLevel(entries);
+    return first != nullptr ? std::optional<LumpName>(first->Name) : std::nullopt;
 }
 
 } // namespace kelvar::wad

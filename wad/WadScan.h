@@ -38,6 +38,15 @@ void EnsureSpareEntry();
 /// (damage is reported, reading stops at a bad entry). Nothing when the header is refused.
 std::optional<std::vector<LumpEntry>> ReadWadDirectory(std::FILE* stream, const std::string& path);
 
+/// The directory of an open WAD as it stands on disk, read without a word to the user: empty
+/// when the header or the directory doesn't fit the file. `magic`, when given, gets the
+/// header's first four bytes (empty for a file shorter than a header).
+std::vector<LumpEntry> ReadDirectoryQuietly(std::FILE* stream, std::string* magic);
+
+/// The magic of an open file, read from its start, when it is "PWAD" or "IWAD"; nothing for
+/// any other file.
+std::optional<std::string> WadMagicOf(std::FILE* stream);
+
 /// The name of the first level in an open WAD file ("PWAD" or "IWAD"), read from its own
 /// directory without touching the file table. Nothing for another kind of file or a file
 /// without levels; a damaged header or directory is reported as a scan reports it.

@@ -115,21 +115,29 @@ void QtCanvas::BlitMask(const MonoBitmap& bitmap, int x, int y, int color)
     {
         return;
     }
-    QImage picture(bitmap.Width, bitmap.Height, QImage::Format_ARGB32_Premultiplied);
-    picture.fill(Qt::transparent);
+    // The Vertex squares and the 64-unit marks blit one mask many times over: its picture is
+    // made once and kept until another mask or colour comes.
     const QRgb rgb = ColorOf(color).rgb();
-    for (int row = 0; row < bitmap.Height; ++row)
+    if (MaskPicture.isNull() || rgb != MaskRgb || bitmap.Width != Mask.Width ||
+        bitmap.Height != Mask.Height || bitmap.Bits != Mask.Bits)
     {
-        auto* line = reinterpret_cast<QRgb*>(picture.scanLine(row));
-        for (int column = 0; column < bitmap.Width; ++column)
+        MaskPicture = QImage(bitmap.Width, bitmap.Height, QImage::Format_ARGB32_Premultiplied);
+        MaskPicture.fill(Qt::transparent);
+        for (int row = 0; row < bitmap.Height; ++row)
         {
-            if (bitmap.At(column, row))
+            auto* line = reinterpret_cast<QRgb*>(MaskPicture.scanLine(row));
+            for (int column = 0; column < bitmap.Width; ++column)
             {
-                line[column] = rgb;
+                if (bitmap.At(column, row))
+                {
+                    line[column] = rgb;
+                }
             }
         }
+        Mask = bitmap;
+        MaskRgb = rgb;
     }
-    Painter.drawImage(x, y, picture);
+    Painter.drawImage(x, y, MaskPicture);
 }
 
 void QtCanvas::Flush()

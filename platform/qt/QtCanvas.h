@@ -52,6 +52,9 @@ private:
     QPen Pen;
     QColor TextColor;
     QPoint Cursor;
+    MonoBitmap Mask; // the last mask blitted, in MaskRgb as MaskPicture
+    QRgb MaskRgb = 0;
+    QImage MaskPicture;
 };
 
 } // namespace kelvar::platform

@@ -147,7 +147,6 @@ int QtUi::Show(const Message& message)
     {
         return 2;
     }
-    (void)negative;
     return 0;
 }
 

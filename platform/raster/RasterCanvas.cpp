@@ -146,12 +146,12 @@ void RasterCanvas::Rectangle(int left, int top, int right, int bottom)
             Span(y, left + 1, right - 2, ColorOf(BrushIndex));
         }
     }
-    const std::uint32_t saved = DashPhase;
+    const int saved = DashPhase;
     Line({left, top}, {right - 1, top}, false);
     Line({right - 1, top}, {right - 1, bottom - 1}, false);
     Line({right - 1, bottom - 1}, {left, bottom - 1}, false);
     Line({left, bottom - 1}, {left, top}, false);
-    DashPhase = static_cast<int>(saved);
+    DashPhase = saved;
 }
 
 void RasterCanvas::Ellipse(int left, int top, int right, int bottom)

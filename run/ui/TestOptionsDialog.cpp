@@ -2,9 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/ui/TestOptionsDialog.h"
 
-#include "wad/WadState.h"
-
-#include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QFormLayout>
@@ -12,9 +9,7 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QLineEdit>
 #include <QPushButton>
-#include <QSpinBox>
 #include <QVBoxLayout>
 
 namespace kelvar::run
@@ -22,14 +17,7 @@ namespace kelvar::run
 namespace
 {
 
-struct SwitchRow
-{
-    const char* Text;
-    const char* Name;
-    bool TestOptions::*Field;
-};
-
-constexpr SwitchRow FileSwitches[] = {
+constexpr SwitchRow<TestOptions> FileSwitches[] = {
     {"ResponseFile", "ResponseFile", &TestOptions::ResponseFile},
     {"Short FileNames", "ShortFileNames", &TestOptions::ShortFileNames},
     {"Quote Response", "QuoteResponse", &TestOptions::QuoteResponse},
@@ -38,7 +26,7 @@ constexpr SwitchRow FileSwitches[] = {
     {" Wait** for Game to End", "WaitForGame", &TestOptions::WaitForGame},
 };
 
-constexpr SwitchRow GameSwitches[] = {
+constexpr SwitchRow<TestOptions> GameSwitches[] = {
     {" devparm", "DevParm", &TestOptions::DevParm},
     {"nomonsters", "NoMonsters", &TestOptions::NoMonsters},
     {"nomusic", "NoMusic", &TestOptions::NoMusic},
@@ -60,15 +48,6 @@ std::string Text(const QLineEdit* edit)
     return edit->text().toStdString();
 }
 
-QSpinBox* NumberBox(const char* name, int low, int high, int value)
-{
-    auto* box = new QSpinBox;
-    box->setObjectName(name);
-    box->setRange(low, high);
-    box->setValue(value);
-    return box;
-}
-
 } // namespace
 
 TestOptionsDialog::TestOptionsDialog(const TestOptions& options, const std::string& info,
@@ -85,14 +64,10 @@ TestOptionsDialog::TestOptionsDialog(const TestOptions& options, const std::stri
     GameExe = AddPathRow(form, "Game EXE", "GameExe", options.GameExe, false);
     GameDirectory =
         AddPathRow(form, "Game Working Directory", "GameDirectory", options.GameDirectory, true);
-    WarpText = new QLineEdit(Text(options.WarpText));
-    WarpText->setObjectName("WarpText");
-    WarpText->setMaxLength(static_cast<int>(wad::MaxRecordPathLength));
+    WarpText = PathEdit("WarpText", options.WarpText);
     WarpText->setPlaceholderText(" -warp ");
     form->addRow("Custom Warp", WarpText);
-    ExtraParameters = new QLineEdit(Text(options.ExtraParameters));
-    ExtraParameters->setObjectName("ExtraParameters");
-    ExtraParameters->setMaxLength(static_cast<int>(wad::MaxRecordPathLength));
+    ExtraParameters = PathEdit("ExtraParameters", options.ExtraParameters);
     form->addRow("Extra Parameters", ExtraParameters);
     Skill = NumberBox("Skill", 0, 5, options.Skill);
     Skill->setSpecialValueText("-");
@@ -103,23 +78,15 @@ TestOptionsDialog::TestOptionsDialog(const TestOptions& options, const std::stri
     layout->addLayout(form);
 
     auto* switches = new QGridLayout;
-    const auto add = [&](const SwitchRow& row, int column, int line)
-    {
-        auto* box = new QCheckBox(row.Text);
-        box->setObjectName(row.Name);
-        box->setChecked(options.*row.Field);
-        switches->addWidget(box, line, column);
-        Switches.emplace_back(box, row.Field);
-    };
     int line = 0;
-    for (const SwitchRow& row : FileSwitches)
+    for (const SwitchRow<TestOptions>& row : FileSwitches)
     {
-        add(row, 0, line++);
+        switches->addWidget(Switches.Add(row, options), line++, 0);
     }
     line = 0;
-    for (const SwitchRow& row : GameSwitches)
+    for (const SwitchRow<TestOptions>& row : GameSwitches)
     {
-        add(row, 1, line++);
+        switches->addWidget(Switches.Add(row, options), line++, 1);
     }
     layout->addLayout(switches);
 
@@ -139,9 +106,7 @@ QLineEdit* TestOptionsDialog::AddPathRow(QFormLayout* form, const QString& label
                                          const QString& name, const std::string& value,
                                          bool directory)
 {
-    auto* edit = new QLineEdit(Text(value));
-    edit->setObjectName(name);
-    edit->setMaxLength(static_cast<int>(wad::MaxRecordPathLength));
+    QLineEdit* edit = PathEdit(name, value);
     auto* browse = new QPushButton("...");
     browse->setObjectName(name + "Browse");
     connect(browse, &QPushButton::clicked, this,
@@ -171,10 +136,7 @@ TestOptions TestOptionsDialog::Options() const
     options.ExtraParameters = Text(ExtraParameters);
     options.Skill = static_cast<std::int16_t>(Skill->value());
     options.Turbo = static_cast<std::int16_t>(Turbo->value());
-    for (const auto& [box, field] : Switches)
-    {
-        options.*field = box->isChecked();
-    }
+    Switches.Store(options);
     return options;
 }
 

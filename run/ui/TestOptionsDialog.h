@@ -4,16 +4,12 @@
 #pragma once
 
 #include "run/TestOptions.h"
+#include "run/ui/DialogFields.h"
 
 #include <QDialog>
 #include <string>
-#include <utility>
-#include <vector>
 
-class QCheckBox;
 class QFormLayout;
-class QLineEdit;
-class QSpinBox;
 
 namespace kelvar::run
 {
@@ -42,7 +38,7 @@ private:
     QLineEdit* ExtraParameters = nullptr;
     QSpinBox* Skill = nullptr;
     QSpinBox* Turbo = nullptr;
-    std::vector<std::pair<QCheckBox*, bool TestOptions::*>> Switches;
+    SwitchBoxes<TestOptions> Switches;
 };
 
 /// Shows the dialog over `parent`; with OK the values go into `options` and the result is

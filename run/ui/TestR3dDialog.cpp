@@ -2,18 +2,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/ui/TestR3dDialog.h"
 
-#include "wad/WadState.h"
-
 #include <QButtonGroup>
-#include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QSpinBox>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
@@ -22,13 +17,50 @@ namespace kelvar::run
 namespace
 {
 
-QLineEdit* PathEdit(const char* name, const std::string& value)
-{
-    auto* edit = new QLineEdit(QString::fromStdString(value));
-    edit->setObjectName(name);
-    edit->setMaxLength(static_cast<int>(wad::MaxRecordPathLength));
-    return edit;
-}
+using V = Viewer3DOptions;
+
+constexpr SwitchRow<V> GeneralSwitches[] = {
+    {"Load ALL Files (if you have custom textures in another File)", "LoadAllFiles",
+     &V::LoadAllFiles},
+    {" Wait* for 3D to End", "WaitFor3D", &V::WaitFor3D},
+    {"* Prompt", "Prompt", &V::Prompt},
+    {"nomonsters", "NoMonsters", &V::NoMonsters},
+    {"nomd2", "NoMd2", &V::NoMd2},
+    {"noobjects", "NoObjects", &V::NoObjects},
+    {"lights active", "LightsActive", &V::LightsActive},
+    {"no console", "NoConsole", &V::NoConsole},
+    {"no sprites", "NoSprites", &V::NoSprites},
+    {"no escape", "NoEscape", &V::NoEscape},
+    {"no infight", "NoInfight", &V::NoInfight},
+    {"Disable \"W\" key Exit\n(F10 also Exits)", "DisableWKey", &V::DisableWKey},
+};
+
+constexpr SwitchRow<V> EditSwitches[] = {
+    {"Auto Position", "AutoPosition", &V::AutoPosition},
+    {"Invisible Things", "InvisibleThings", &V::InvisibleThings},
+    {"Clip to Floor", "ClipToFloor", &V::ClipToFloor},
+    {"Clip to Ceiling", "ClipToCeiling", &V::ClipToCeiling},
+    {"Auto Speed", "AutoSpeed", &V::AutoSpeed},
+    {"Analyze", "Analyze", &V::Analyze},
+    {"Caching", "Caching", &V::Caching},
+    {"Use Specials", "UseSpecials", &V::UseSpecials},
+    {"HiRes Flats", "HiResFlats", &V::HiResFlats},
+    {"HiRes TX", "HiResTx", &V::HiResTx},
+    {"HiResTexture", "HiResTexture", &V::HiResTexture},
+};
+
+constexpr SwitchRow<V> SaveSwitches[] = {
+    {"Show  invisible lines", "ShowInvisibleLines", &V::ShowInvisibleLines},
+    {"Remove unused", "RemoveUnused", &V::RemoveUnused},
+    {"Apply missing textures", "ApplyMissingTextures", &V::ApplyMissingTextures},
+    {"Check invalid textures", "CheckInvalidTextures", &V::CheckInvalidTextures},
+    {"Merge Duplicate Vertices", "MergeDuplicateVertices", &V::MergeDuplicateVertices},
+    {"See Node Results", "SeeNodeResults", &V::SeeNodeResults},
+    {"Copy All Special Lumps", "CopyAllSpecialLumps", &V::CopyAllSpecialLumps},
+    {"AutoFix Sides", "AutoFixSides", &V::AutoFixSides},
+    {"Clear all Sector Specials", "ClearSectorSpecials", &V::ClearSectorSpecials},
+    {"R3Dglbsp Nodes", "R3dglbspNodes", &V::R3dglbspNodes},
+};
 
 // A row of radio buttons whose ids are their positions.
 QButtonGroup* Choices(QWidget* owner, QBoxLayout* layout, const char* name,
@@ -65,10 +97,10 @@ TestR3dDialog::TestR3dDialog(const Viewer3DOptions& options, QWidget* parent)
     layout->addLayout(paths);
 
     auto* pages = new QTabWidget;
-    pages->addTab(MakeGeneralPage(), "Options");
-    pages->addTab(MakeEditPage(), "Edit");
-    pages->addTab(MakeScreenPage(), "Screen");
-    pages->addTab(MakeSavePage(), "Map Save");
+    AddGeneralPage(pages);
+    AddEditPage(pages);
+    AddScreenPage(pages);
+    AddPage(pages, "Map Save", SaveSwitches);
     layout->addWidget(pages);
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
@@ -80,47 +112,30 @@ TestR3dDialog::TestR3dDialog(const Viewer3DOptions& options, QWidget* parent)
     layout->addWidget(buttons);
 }
 
-QCheckBox* TestR3dDialog::AddSwitch(QBoxLayout* layout, const char* text,
-                                    bool Viewer3DOptions::*field)
+QVBoxLayout* TestR3dDialog::AddPage(QTabWidget* pages, const QString& title,
+                                    std::span<const SwitchRow<Viewer3DOptions>> switches)
 {
-    auto* box = new QCheckBox(text);
-    box->setChecked(Original.*field);
-    layout->addWidget(box);
-    Switches.emplace_back(box, field);
-    return box;
+    auto* page = new QWidget;
+    auto* layout = new QVBoxLayout(page);
+    for (const SwitchRow<Viewer3DOptions>& row : switches)
+    {
+        layout->addWidget(Switches.Add(row, Original));
+    }
+    pages->addTab(page, title);
+    return layout;
 }
 
 QSpinBox* TestR3dDialog::AddNumber(QFormLayout* form, const QString& label, const char* name,
                                    int low, int high, int value)
 {
-    auto* box = new QSpinBox;
-    box->setObjectName(name);
-    box->setRange(low, high);
-    box->setValue(value);
+    QSpinBox* box = NumberBox(name, low, high, value);
     form->addRow(label, box);
     return box;
 }
 
-QWidget* TestR3dDialog::MakeGeneralPage()
+void TestR3dDialog::AddGeneralPage(QTabWidget* pages)
 {
-    auto* page = new QWidget;
-    auto* layout = new QVBoxLayout(page);
-    using V = Viewer3DOptions;
-    AddSwitch(layout, "Load ALL Files (if you have custom textures in another File)",
-              &V::LoadAllFiles)
-        ->setObjectName("LoadAllFiles");
-    AddSwitch(layout, " Wait* for 3D to End", &V::WaitFor3D)->setObjectName("WaitFor3D");
-    AddSwitch(layout, "* Prompt", &V::Prompt)->setObjectName("Prompt");
-    AddSwitch(layout, "nomonsters", &V::NoMonsters)->setObjectName("NoMonsters");
-    AddSwitch(layout, "nomd2", &V::NoMd2)->setObjectName("NoMd2");
-    AddSwitch(layout, "noobjects", &V::NoObjects)->setObjectName("NoObjects");
-    AddSwitch(layout, "lights active", &V::LightsActive)->setObjectName("LightsActive");
-    AddSwitch(layout, "no console", &V::NoConsole)->setObjectName("NoConsole");
-    AddSwitch(layout, "no sprites", &V::NoSprites)->setObjectName("NoSprites");
-    AddSwitch(layout, "no escape", &V::NoEscape)->setObjectName("NoEscape");
-    AddSwitch(layout, "no infight", &V::NoInfight)->setObjectName("NoInfight");
-    AddSwitch(layout, "Disable \"W\" key Exit\n(F10 also Exits)", &V::DisableWKey)
-        ->setObjectName("DisableWKey");
+    QVBoxLayout* layout = AddPage(pages, "Options", GeneralSwitches);
     auto* skills = new QHBoxLayout;
     Skill =
         Choices(this, skills, "Skill", {"*All skills", "1", "2", "3", "4", "5"}, Original.Skill);
@@ -131,25 +146,11 @@ QWidget* TestR3dDialog::MakeGeneralPage()
     MaxFps = AddNumber(numbers, "Max FPS", "MaxFps", 0, 1000, Original.MaxFps);
     MaxFps->setSpecialValueText("-");
     layout->addLayout(numbers);
-    return page;
 }
 
-QWidget* TestR3dDialog::MakeEditPage()
+void TestR3dDialog::AddEditPage(QTabWidget* pages)
 {
-    auto* page = new QWidget;
-    auto* layout = new QVBoxLayout(page);
-    using V = Viewer3DOptions;
-    AddSwitch(layout, "Auto Position", &V::AutoPosition)->setObjectName("AutoPosition");
-    AddSwitch(layout, "Invisible Things", &V::InvisibleThings)->setObjectName("InvisibleThings");
-    AddSwitch(layout, "Clip to Floor", &V::ClipToFloor)->setObjectName("ClipToFloor");
-    AddSwitch(layout, "Clip to Ceiling", &V::ClipToCeiling)->setObjectName("ClipToCeiling");
-    AddSwitch(layout, "Auto Speed", &V::AutoSpeed)->setObjectName("AutoSpeed");
-    AddSwitch(layout, "Analyze", &V::Analyze)->setObjectName("Analyze");
-    AddSwitch(layout, "Caching", &V::Caching)->setObjectName("Caching");
-    AddSwitch(layout, "Use Specials", &V::UseSpecials)->setObjectName("UseSpecials");
-    AddSwitch(layout, "HiRes Flats", &V::HiResFlats)->setObjectName("HiResFlats");
-    AddSwitch(layout, "HiRes TX", &V::HiResTx)->setObjectName("HiResTx");
-    AddSwitch(layout, "HiResTexture", &V::HiResTexture)->setObjectName("HiResTexture");
+    QVBoxLayout* layout = AddPage(pages, "Edit", EditSwitches);
     auto* numbers = new QFormLayout;
     Speed = AddNumber(numbers, "Speed", "Speed", 0, 1000, Original.Speed);
     layout->addLayout(numbers);
@@ -157,13 +158,11 @@ QWidget* TestR3dDialog::MakeEditPage()
     Scope = Choices(this, scope, "Scope", {"complete", "partial", "play"},
                     static_cast<int>(Original.Scope));
     layout->addLayout(scope);
-    return page;
 }
 
-QWidget* TestR3dDialog::MakeScreenPage()
+void TestR3dDialog::AddScreenPage(QTabWidget* pages)
 {
-    auto* page = new QWidget;
-    auto* layout = new QVBoxLayout(page);
+    QVBoxLayout* layout = AddPage(pages, "Screen", {});
     Screen = Choices(this, layout, "Screen",
                      {"FullScreen Hardware", "Full Screen Window", "Automatic", "Custom Hardware",
                       "Custom Window"},
@@ -174,31 +173,6 @@ QWidget* TestR3dDialog::MakeScreenPage()
     XPos = AddNumber(numbers, "X", "XPos", -32768, 32767, Original.XPos);
     YPos = AddNumber(numbers, "Y", "YPos", -32768, 32767, Original.YPos);
     layout->addLayout(numbers);
-    return page;
-}
-
-QWidget* TestR3dDialog::MakeSavePage()
-{
-    auto* page = new QWidget;
-    auto* layout = new QVBoxLayout(page);
-    using V = Viewer3DOptions;
-    AddSwitch(layout, "Show  invisible lines", &V::ShowInvisibleLines)
-        ->setObjectName("ShowInvisibleLines");
-    AddSwitch(layout, "Remove unused", &V::RemoveUnused)->setObjectName("RemoveUnused");
-    AddSwitch(layout, "Apply missing textures", &V::ApplyMissingTextures)
-        ->setObjectName("ApplyMissingTextures");
-    AddSwitch(layout, "Check invalid textures", &V::CheckInvalidTextures)
-        ->setObjectName("CheckInvalidTextures");
-    AddSwitch(layout, "Merge Duplicate Vertices", &V::MergeDuplicateVertices)
-        ->setObjectName("MergeDuplicateVertices");
-    AddSwitch(layout, "See Node Results", &V::SeeNodeResults)->setObjectName("SeeNodeResults");
-    AddSwitch(layout, "Copy All Special Lumps", &V::CopyAllSpecialLumps)
-        ->setObjectName("CopyAllSpecialLumps");
-    AddSwitch(layout, "AutoFix Sides", &V::AutoFixSides)->setObjectName("AutoFixSides");
-    AddSwitch(layout, "Clear all Sector Specials", &V::ClearSectorSpecials)
-        ->setObjectName("ClearSectorSpecials");
-    AddSwitch(layout, "R3Dglbsp Nodes", &V::R3dglbspNodes)->setObjectName("R3dglbspNodes");
-    return page;
 }
 
 Viewer3DOptions TestR3dDialog::Options() const
@@ -207,10 +181,7 @@ Viewer3DOptions TestR3dDialog::Options() const
     options.ViewerPath = ViewerPath->text().toStdString();
     options.ViewerDirectory = ViewerDirectory->text().toStdString();
     options.ViewerParameters = ViewerParameters->text().toStdString();
-    for (const auto& [box, field] : Switches)
-    {
-        options.*field = box->isChecked();
-    }
+    Switches.Store(options);
     options.Scope = static_cast<ViewerScope>(std::max(Scope->checkedId(), 0));
     options.Screen = static_cast<ViewerScreen>(std::max(Screen->checkedId(), 0));
     options.Skill = static_cast<std::int16_t>(std::max(Skill->checkedId(), 0));

@@ -3,17 +3,15 @@
 #pragma once
 
 #include "run/TestOptions.h"
+#include "run/ui/DialogFields.h"
 
 #include <QDialog>
-#include <utility>
-#include <vector>
+#include <span>
 
-class QBoxLayout;
 class QButtonGroup;
-class QCheckBox;
 class QFormLayout;
-class QLineEdit;
-class QSpinBox;
+class QTabWidget;
+class QVBoxLayout;
 
 namespace kelvar::run
 {
@@ -31,13 +29,14 @@ public:
     Viewer3DOptions Options() const;
 
 private:
-    QCheckBox* AddSwitch(QBoxLayout* layout, const char* text, bool Viewer3DOptions::*field);
+    /// A page of `pages` with the check boxes of `switches`; the caller adds the rest.
+    QVBoxLayout* AddPage(QTabWidget* pages, const QString& title,
+                         std::span<const SwitchRow<Viewer3DOptions>> switches);
     QSpinBox* AddNumber(QFormLayout* form, const QString& label, const char* name, int low,
                         int high, int value);
-    QWidget* MakeGeneralPage();
-    QWidget* MakeEditPage();
-    QWidget* MakeScreenPage();
-    QWidget* MakeSavePage();
+    void AddGeneralPage(QTabWidget* pages);
+    void AddEditPage(QTabWidget* pages);
+    void AddScreenPage(QTabWidget* pages);
 
     Viewer3DOptions Original;
     QLineEdit* ViewerPath = nullptr;
@@ -53,7 +52,7 @@ private:
     QSpinBox* Speed = nullptr;
     QSpinBox* Memory = nullptr;
     QSpinBox* MaxFps = nullptr;
-    std::vector<std::pair<QCheckBox*, bool Viewer3DOptions::*>> Switches;
+    SwitchBoxes<Viewer3DOptions> Switches;
 };
 
 /// Shows the dialog over `parent` and returns ViewerEdit, ViewerPlayOnly or ViewerCancel;
