@@ -245,6 +245,7 @@ void ApplySaveSettings()
     wad.Options.ExpertMode = shell.Chk.ExpertMode != 0;
     wad::SaveOptions& choices = wad.SaveChoices;
     const ProjectRecord& project = shell.Project;
+    wad.Options.PlainScriptNames = project.PlainScriptNames != 0;
     choices.CopyReject = project.CopyReject != 0;
     choices.AllAttacks = project.AllAttacks != 0;
     choices.AttackStep = project.AttackStep;
@@ -263,6 +264,11 @@ void GatherSaveSettings()
     ShellState& shell = Shell();
     const wad::SaveOptions& choices = wad::Wad().SaveChoices;
     ProjectRecord& project = shell.Project;
+    // A Group Save box the user changed in the Save dialog became the option.
+    if (wad::Wad().Options.GroupSave != (shell.Chk.GroupSave != 0))
+    {
+        shell.Chk.GroupSave = wad::Wad().Options.GroupSave ? 257 : 0;
+    }
     project.CopyReject = choices.CopyReject ? 1 : 0;
     project.AllAttacks = choices.AllAttacks ? 1 : 0;
     project.AttackStep = static_cast<std::uint8_t>(choices.AttackStep);

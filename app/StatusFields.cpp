@@ -267,6 +267,7 @@ constexpr StatusField ProjectTable[] = {
     PRJ(AttackStep, 68),
     PRJ(RebuildNodes, 69),
     PRJ(UnusedCleanup, 70),
+    PRJ(PlainScriptNames, 71),
     PRJ(GlNodesV3, 90),
     PRJ(CustomBuilder, 91),
     KELVAR_TOOL_FIELD(Description, 96),

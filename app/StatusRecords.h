@@ -310,12 +310,13 @@ struct ProjectRecord
     std::uint8_t ZdoomHexenFormat; // " ZDOOM - HEXEN format"
     std::uint8_t GlNodes;          // " GLnodes (as applicable)"
     // The reject choices and the clean-up of the Save dialog, kept for the next save.
-    std::uint8_t CopyReject;    // "Copy Reject"
-    std::uint8_t AllAttacks;    // "ALL Attacks"
-    std::uint8_t AttackStep;    // 0 "NO  Attacks", 1 "50% Attacks", 2 "33% Attacks"
-    std::uint8_t RebuildNodes;  // "Rebuild the Nodes ?"
-    std::uint8_t UnusedCleanup; // "Automatic Unused Object Cleanup"
-    std::uint8_t Reserved71[19];
+    std::uint8_t CopyReject;       // "Copy Reject"
+    std::uint8_t AllAttacks;       // "ALL Attacks"
+    std::uint8_t AttackStep;       // 0 "NO  Attacks", 1 "50% Attacks", 2 "33% Attacks"
+    std::uint8_t RebuildNodes;     // "Rebuild the Nodes ?"
+    std::uint8_t UnusedCleanup;    // "Automatic Unused Object Cleanup"
+    std::uint8_t PlainScriptNames; // a level's script lump is saved as SCRIPTS
+    std::uint8_t Reserved72[18];
     std::uint8_t GlNodesV3;
     std::uint8_t CustomBuilder;
     std::uint8_t Reserved92[4];

@@ -181,6 +181,19 @@ int FindLumpTextureFirst(FileRec& file, std::string_view name, bool fatal)
     return FindLump(file, name, fatal);
 }
 
+std::size_t CurrentLevelEnd()
+{
+    const LumpDirectory& master = Master();
+    const std::size_t marker = Wad().CurrentFile.LevelStart;
+    if (marker >= master.Size())
+    {
+        return master.Size();
+    }
+    int count = 1;
+    (void)LevelAt(master.Entries(), marker, master.Size(), count);
+    return marker + static_cast<std::size_t>(count);
+}
+
 int FindLevelLump(std::string_view name, bool fatal)
 {
     WadState& wad = Wad();
@@ -190,8 +203,8 @@ int FindLevelLump(std::string_view name, bool fatal)
     {
         EnsureOpen(wad.Files[static_cast<std::size_t>(current.FileNumber)]);
     }
-    const std::size_t end = current.LevelStart + static_cast<std::size_t>(current.LumpCount);
-    const int found = master.Directory.FindFirst(LumpName::From(name), current.LevelStart, end);
+    const int found =
+        master.Directory.FindFirst(LumpName::From(name), current.LevelStart, CurrentLevelEnd());
     if (found >= 0)
     {
         return found;

@@ -40,8 +40,14 @@ int FindLumpByGroup(FileRec& file, std::string_view name, std::uint16_t group,
 /// The TX and HI texture runs first, then as FindLump.
 int FindLumpTextureFirst(FileRec& file, std::string_view name, bool fatal);
 
-/// A lump of the level being edited: the first entry of that name from the level's marker
-/// in the master directory on, within the current file's entry count.
+/// The entry past the last lump of the level being edited in the master directory: its
+/// marker and the entries that belong to it, as LevelAt counts them. A level that lacks a lump
+/// ends before the next level's entries, so nothing of that level is taken for its own.
+std::size_t CurrentLevelEnd();
+
+/// A lump of the level being edited: the first entry of that name among the level's entries
+/// in the master directory (from its marker to CurrentLevelEnd). Not found: -1, or fatal with
+/// " Internal Damaged %s file %s not found" when `fatal`.
 int FindLevelLump(std::string_view name, bool fatal);
 
 /// Looks a lump up in the IWAD's directory as it stands on disk, for a lump whose master

@@ -11,6 +11,7 @@
 #include "wad/CheckedFile.h"
 #include "wad/FileChecks.h"
 #include "wad/FileTable.h"
+#include "wad/FindLump.h"
 #include "wad/LevelReader.h"
 #include "wad/LevelWriter.h"
 #include "wad/WadFormat.h"
@@ -97,8 +98,8 @@ std::optional<std::vector<std::uint8_t>> FileBytes(const std::string& path)
     return bytes;
 }
 
-// A lump replace's entry: the new bytes in place of the old.
-bool WriteReplace(WadOutput& out, const SavePlan& plan)
+// A lump replace's entry under `name`: the new bytes in place of the old.
+bool WriteReplace(WadOutput& out, const SavePlan& plan, const LumpName& name)
 {
     const std::int64_t start = out.Offset;
     if (!plan.Replace->SourceFile.empty())
@@ -109,7 +110,7 @@ bool WriteReplace(WadOutput& out, const SavePlan& plan)
             return false;
         }
     }
-    EnterRow(out, LumpName::From(plan.Replace->Name).Text(), start);
+    EnterRow(out, name.Text(), start);
     return true;
 }
 
@@ -139,21 +140,29 @@ bool AskOtherGameLevels()
                                       {"Levels from another game found"}) == 1;
 }
 
-// The Save dialog, when the code or the file asks for it. False: cancelled.
+// The Save dialog, when the code or the file asks for it. Its Group Save box starts on with the
+// option or when the file holds more than the level, and its answer decides whether the other
+// lumps go along; a box the user changed becomes the option. False: cancelled.
 bool AskSaveChoices(SavePlan& plan, const map::LevelData& level, bool fileHasMore)
 {
     WadState& wad = Wad();
     SaveOptions& choices = wad.SaveChoices;
     choices.RebuildNodes = level.GeometryChangeCount != 0 || plan.Code == BuildNodesCode ||
                            plan.Code == BuildNodesAsCode;
-    choices.GroupSave = wad.Options.GroupSave;
+    const bool groupAtStart = wad.Options.GroupSave || fileHasMore;
+    choices.GroupSave = groupAtStart;
     choices.FileName = plan.TargetPath;
-    const bool show =
-        plan.Code == NewRejectCode || (wad.Options.GroupSave ? choices.RebuildNodes : fileHasMore);
+    const bool show = plan.Code == NewRejectCode || choices.RebuildNodes ||
+                      (!wad.Options.GroupSave && fileHasMore);
     if (show && wad.Save.SaveDialog && !wad.Save.SaveDialog(choices))
     {
         return false;
     }
+    if (choices.GroupSave != groupAtStart)
+    {
+        wad.Options.GroupSave = choices.GroupSave;
+    }
+    plan.Group = plan.FromPwad && choices.GroupSave;
     if (choices.ZeroNodes)
     {
         choices.RebuildNodes = false;
@@ -252,7 +261,8 @@ bool WriteLevelLumps(WadOutput& out, const map::LevelData& level, const SavePlan
     if (Wad().Game.Format == 4)
     {
         const bool replaced = plan.Replace && LumpName::From(plan.Replace->Name).Is("BEHAVIOR");
-        if (replaced ? !WriteReplace(out, plan) : !WriteBehavior(out, FindOld(plan, "BEHAVIOR")))
+        if (replaced ? !WriteReplace(out, plan, LumpName::From("BEHAVIOR"))
+                     : !WriteBehavior(out, FindOld(plan, "BEHAVIOR")))
         {
             return false;
         }
@@ -285,26 +295,54 @@ bool WriteLevelLumps(WadOutput& out, const map::LevelData& level, const SavePlan
     return true;
 }
 
+// True when `entry`, standing at `at` in the old file's directory, is the entry a lump replace
+// takes: one of the replace's name, or for a script replace the SCRIPTS lump right behind the
+// level.
+bool IsReplaced(const SavePlan& plan, const LumpEntry& entry, std::size_t at, std::size_t levelEnd)
+{
+    const LumpName name = LumpName::From(plan.Replace->Name);
+    return SameName(entry.Name, name) ||
+           (name.StartsWith("SCRIPT") && at == levelEnd && entry.Name.Is("SCRIPTS"));
+}
+
+// The name an entry of the old file goes out under: a level's script is "SCRIPTS" when the
+// project keeps scripts under the plain name.
+LumpName OutName(const LumpName& name)
+{
+    return Wad().Options.PlainScriptNames && name.StartsWith("SCRIPT") ? LumpName::From("SCRIPTS")
+                                                                       : name;
+}
+
 // Copies the entries of the old file's own directory from `first` to `last` (exclusive), in
 // their order, passing over names that can't be lump names and a BEHAVIOR a non-Hexen project
-// doesn't keep; a replaced entry takes the new bytes.
+// doesn't keep; a replaced entry takes the new bytes, and an empty BEHAVIOR the 16 bytes a
+// Hexen engine needs. `levelEnd` is the entry behind the saved level.
 bool CopyOtherLumps(WadOutput& out, const SavePlan& plan, const std::vector<LumpEntry>& entries,
-                    std::size_t first, std::size_t last, bool& replaced)
+                    std::size_t first, std::size_t last, std::size_t levelEnd, bool& replaced)
 {
     for (std::size_t i = first; i < last && i < entries.size(); ++i)
     {
         const LumpEntry& entry = entries[i];
-        if (!entry.Name.Printable() || (entry.Name.Is("BEHAVIOR") && Wad().Game.Format != 4))
+        const bool behavior = entry.Name.Is("BEHAVIOR");
+        if (!entry.Name.Printable() || (behavior && Wad().Game.Format != 4))
         {
             continue;
         }
-        if (plan.Replace && !replaced && SameName(entry.Name, LumpName::From(plan.Replace->Name)))
+        if (plan.Replace && !replaced && IsReplaced(plan, entry, i, levelEnd))
         {
-            if (!WriteReplace(out, plan))
+            if (!WriteReplace(out, plan, OutName(LumpName::From(plan.Replace->Name))))
             {
                 return false;
             }
             replaced = true;
+            continue;
+        }
+        if (behavior && entry.Size == 0)
+        {
+            if (!WriteBehavior(out, nullptr))
+            {
+                return false;
+            }
             continue;
         }
         const std::int64_t start = out.Offset;
@@ -312,7 +350,7 @@ bool CopyOtherLumps(WadOutput& out, const SavePlan& plan, const std::vector<Lump
         {
             return false;
         }
-        EnterRow(out, entry.Name.Text(), start);
+        EnterRow(out, OutName(entry.Name).Text(), start);
     }
     return true;
 }
@@ -466,7 +504,7 @@ bool WriteFile(map::LevelData& level, SavePlan& plan, std::size_t marker)
         levelEnd = span->End;
     }
     bool replaced = false;
-    if (plan.Group && !CopyOtherLumps(out, plan, *own, 0, levelAt, replaced))
+    if (plan.Group && !CopyOtherLumps(out, plan, *own, 0, levelAt, levelEnd, replaced))
     {
         return false;
     }
@@ -493,12 +531,12 @@ bool WriteFile(map::LevelData& level, SavePlan& plan, std::size_t marker)
     {
         return false;
     }
-    if (plan.Group && !CopyOtherLumps(out, plan, *own, levelEnd, own->size(), replaced))
+    if (plan.Group && !CopyOtherLumps(out, plan, *own, levelEnd, own->size(), levelEnd, replaced))
     {
         return false;
     }
     if (plan.Replace && !replaced && !LumpName::From(plan.Replace->Name).Is("BEHAVIOR") &&
-        !WriteReplace(out, plan))
+        !WriteReplace(out, plan, OutName(LumpName::From(plan.Replace->Name))))
     {
         return false;
     }
@@ -532,12 +570,9 @@ int WriteLevelFile(map::LevelData& level, const std::string& path, const std::st
     {
         return RestoreBak(path);
     }
-    int count = 0;
-    (void)LevelAt(Master().Entries(), marker, Master().Size(), count);
-    if (count <= 12)
-    {
-        count = std::max(count, wad.Game.ExpectedLevelEntries);
-    }
+    // The level's window ends where its entries end: a level short of lumps never takes in
+    // the level behind it.
+    const int count = static_cast<int>(CurrentLevelEnd() - marker);
 
     if (level.LineDefs.Count() == 0 || level.SideDefs.Count() == 0 || level.Sectors.Count() == 0)
     {
@@ -558,7 +593,6 @@ int WriteLevelFile(map::LevelData& level, const std::string& path, const std::st
     plan.Level = LevelEntries(marker, count);
     const FileRec& levelFile = wad.Files[static_cast<std::size_t>(std::max(plan.LevelFile, 0))];
     const bool fileHasMore = plan.FromPwad && levelFile.LumpCount > count;
-    plan.Group = plan.FromPwad && (wad.Options.GroupSave || fileHasMore);
 
     if (!AskFormatLimits(level) || !AskOtherGameLevels() ||
         !AskSaveChoices(plan, level, fileHasMore))

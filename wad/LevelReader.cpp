@@ -227,7 +227,6 @@ std::size_t OpenLevelFile(std::string_view levelName)
     wad.CurrentFile.FileNumber = entry.FileNumber;
     wad.CurrentFile.LevelStart = static_cast<std::size_t>(marker);
     FileRec& file = wad.Files[static_cast<std::size_t>(entry.FileNumber)];
-    wad.CurrentFile.LumpCount = file.LumpCount;
     CloseFiles('R', false, false);
     EnsureOpen(file);
     return static_cast<std::size_t>(marker);

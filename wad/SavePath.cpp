@@ -137,7 +137,6 @@ bool TurnIntoBackup(int fileNumber)
     }
     file.State = 'O';
     wad.CurrentFile.FileNumber = fileNumber;
-    wad.CurrentFile.LumpCount = file.LumpCount;
     return true;
 }
 
@@ -307,7 +306,6 @@ int RestoreBak(const std::string& targetPath)
         file.Stream = CheckedOpen(file.FileName, "r+b", 0);
         file.State = file.Stream ? 'O' : 'C';
         wad.CurrentFile.FileNumber = i;
-        wad.CurrentFile.LumpCount = file.LumpCount;
     }
     return -1;
 }

@@ -64,6 +64,7 @@ struct WadOptions
     bool NoIwadWarningMsg = false;    // no  IWAD warning Msg
     bool AutomaticSideUnpack = false; // Automatic SideUnpack
     bool GroupSave = false;           // Group Save: the other lumps of a file go along
+    bool PlainScriptNames = false;    // a level's script lump is saved as SCRIPTS
     std::int16_t AdditionalLumpEntries = 32000;
     std::int16_t FileLimit = 100;
     int LevelListLimit = 200;
@@ -104,7 +105,6 @@ struct CurrentFileRec
 {
     int FileNumber = -1;
     std::size_t LevelStart = 0; // index of the level's marker in the master directory
-    std::int32_t LumpCount = 0; // the file's count: a search may run past the level's end
 };
 
 /// One entry of the level list.

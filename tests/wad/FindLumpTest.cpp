@@ -69,10 +69,11 @@ TEST_F(FindLumpTest, LevelSearchesReportTheLayout)
     EXPECT_EQ(FindLumpAt(Master0(), "MAP02", 12, false, &layout, &count), 12);
     EXPECT_EQ(FindLumpAt(Master0(), "MAP02", 13, false), -1);
 
-    // The current level's lumps are found forward from its marker.
-    Wad().CurrentFile = {0, static_cast<std::size_t>(map02), Wad().Files[0].LumpCount};
+    // The current level's lumps are found forward from its marker, and only among its own.
+    Wad().CurrentFile = {0, static_cast<std::size_t>(map02)};
     EXPECT_EQ(FindLevelLump("THINGS", false), 13);
     EXPECT_EQ(FindLevelLump("PLAYPAL", false), -1);
+    EXPECT_EQ(CurrentLevelEnd(), static_cast<std::size_t>(map02 + 11));
 }
 
 TEST_F(FindLumpTest, ARequiredLumpThatIsMissingIsFatal)
