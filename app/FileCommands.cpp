@@ -3,7 +3,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/CommandHandlers.h"
 #include "app/Commands.h"
-#include "app/Save.h"
+#include "app/SaveDispatcher.h"
 #include "app/ShellState.h"
 
 namespace kelvar::app

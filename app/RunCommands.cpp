@@ -3,7 +3,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/CommandHandlers.h"
 #include "app/RunSettings.h"
-#include "app/Save.h"
+#include "app/SaveDispatcher.h"
 #include "app/Session.h"
 #include "app/ShellState.h"
 #include "check/SaveChecks.h"
@@ -15,6 +15,7 @@
 #include "run/Test3D.h"
 #include "run/TestLevel.h"
 #include "view/ViewState.h"
+#include "wad/LevelCopy.h"
 #include "wad/WadState.h"
 
 #include <chrono>

@@ -70,6 +70,9 @@ struct SessionHooks
     std::function<bool(bool onExit)> QuickSaveBackup;
     /// Writes the level into CRASH.WAD in the program's directory. Empty: not offered.
     std::function<bool()> CrashSave;
+    /// The Save dialog ("Kelvar - Verify REJECT, NODES & GROUP SAVE") on the choices of a
+    /// save; false: Cancel. Empty: the stored choices stand, as in batch saves.
+    std::function<bool(wad::SaveOptions&)> SaveDialog;
     /// The screen's size in pixels, for the resolution check; {0, 0} when unknown.
     std::function<std::pair<int, int>()> ScreenSize;
 };

@@ -5,13 +5,14 @@
 #include "bench/BenchData.h"
 #include "map/MapState.h"
 #include "platform/ConsoleUi.h"
+#include "wad/LevelFile.h"
 #include "wad/LevelReader.h"
-#include "wad/Save.h"
 #include "wad/WadState.h"
 
 #include <benchmark/benchmark.h>
 
 #include <filesystem>
+#include <optional>
 #include <string>
 
 namespace
@@ -31,7 +32,10 @@ void SaveFreedoomMap12(benchmark::State& state)
     {
         // Changed objects come from memory; the node lumps are copied from the IWAD.
         level.ChangeCount = 1;
-        if (wad::WriteLevelFile(level, path, {}, wad::SaveLevelCode) != 0)
+        std::optional<wad::SavePlan> plan =
+            wad::PlanLevelSave(level, path, wad::SaveLevelCode, std::nullopt, {});
+        wad::WadOutput out;
+        if (!plan || !wad::CreateSaveOutput(*plan, out) || !wad::WriteLevelSave(out, level, *plan))
         {
             state.SkipWithError("the save failed");
             break;

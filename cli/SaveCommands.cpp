@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/SaveCommands.h"
 
-#include "app/Save.h"
+#include "app/SaveDispatcher.h"
 #include "app/Session.h"
 #include "cli/Commands.h"
 #include "cli/WadCommands.h"

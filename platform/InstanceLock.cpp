@@ -48,4 +48,26 @@ void InstanceLock::Release()
     }
 }
 
+bool TryLockFirstByte(std::FILE* file)
+{
+    if (file == nullptr)
+    {
+        return true;
+    }
+    struct flock lock
+    {
+    };
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = 0;
+    lock.l_len = 1;
+    if (::fcntl(::fileno(file), F_SETLK, &lock) != 0)
+    {
+        return false;
+    }
+    lock.l_type = F_UNLCK;
+    (void)::fcntl(::fileno(file), F_SETLK, &lock);
+    return true;
+}
+
 } // namespace kelvar::platform

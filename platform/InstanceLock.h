@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cstdio>
 #include <filesystem>
 
 namespace kelvar::platform
@@ -32,5 +33,10 @@ public:
 private:
     int Descriptor = -1;
 };
+
+/// Tries a lock on the first byte of an open file and lets it go at once: true when no other
+/// process held it (or when there is no file to lock). Two running copies tell each other
+/// apart so before a save.
+bool TryLockFirstByte(std::FILE* file);
 
 } // namespace kelvar::platform

@@ -1,10 +1,8 @@
-// Writing the level's file: the questions before the write, the other lumps of the file in
-// their order, the level's lumps in the canonical order, the reject table, the directory,
-// and the node build that follows.
+// Writing the level's file: the plan of a save, the other lumps of the file in their order,
+// the level's lumps in the canonical order, the reject table, the directory.
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "wad/Save.h"
+#include "wad/LevelFile.h"
 
-#include "map/MapState.h"
 #include "platform/Fatal.h"
 #include "platform/Format.h"
 #include "platform/Messages.h"
@@ -13,13 +11,14 @@
 #include "wad/FileTable.h"
 #include "wad/FindLump.h"
 #include "wad/LevelReader.h"
-#include "wad/LevelWriter.h"
+#include "wad/SavePath.h"
 #include "wad/WadFormat.h"
 #include "wad/WadScan.h"
 #include "wad/WadState.h"
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 
 namespace kelvar::wad
 {
@@ -29,32 +28,6 @@ namespace
 constexpr std::array<std::string_view, 10> LevelLumps = {
     "THINGS",   "LINEDEFS", "SIDEDEFS", "VERTEXES", "SEGS",
     "SSECTORS", "NODES",    "SECTORS",  "REJECT",   "BLOCKMAP"};
-
-// Everything one save needs to know, worked out before the file is created.
-struct SavePlan
-{
-    std::string LevelName;    // the marker's name in the new file
-    std::string OldLevelName; // the marker's name in the old file
-    std::string TargetPath;   // the file the user gets
-    std::string WritePath;    // the file written: the target, or ~Kelvar.WAD
-    int Code = SaveLevelCode;
-    int LevelFile = -1; // the record of the file the level came from
-    bool FromPwad = false;
-    bool Group = false; // the other lumps of the file go along
-    bool BuildNodes = false;
-    SaveOptions Choices;
-    RowLayout Rows;
-    std::vector<LumpEntry> Level; // the level's entries after the marker, in master order
-    std::optional<LumpReplace> Replace;
-};
-
-void Redraw()
-{
-    if (Wad().Save.RedrawMap)
-    {
-        Wad().Save.RedrawMap();
-    }
-}
 
 // The level's entries after its marker, as the master directory has them now.
 std::vector<LumpEntry> LevelEntries(std::size_t marker, int count)
@@ -114,68 +87,6 @@ bool WriteReplace(WadOutput& out, const SavePlan& plan, const LumpName& name)
     return true;
 }
 
-bool AskFormatLimits(const map::LevelData& level)
-{
-    const int sides = level.SideDefs.Count();
-    const int vertexes = level.Vertexes.Count();
-    const int sectors = level.Sectors.Count();
-    if (sides <= 65534 && vertexes <= 65534 && sectors < 32768)
-    {
-        return true;
-    }
-    return platform::AskYesNo(
-        "The number of Sidedefs, Vertices or Sectors is too large\nto save using the DOOM format "
-        "- data will be LOST!\n%d sidedefs %d vertices %d sectors\n\n(max sidedefs=65534 ver "
-        "=65534 sectors=32767)\n\nContinue with Save Using Kelvar Extended Format?",
-        sides, vertexes, sectors);
-}
-
-bool AskOtherGameLevels()
-{
-    if (Wad().OtherGameLevels <= 0)
-    {
-        return true;
-    }
-    return platform::ShowMessageLines(platform::LinesCancel, "**WARNING**",
-                                      {"Levels from another game found"}) == 1;
-}
-
-// The Save dialog, when the code or the file asks for it. Its Group Save box starts on with the
-// option or when the file holds more than the level, and its answer decides whether the other
-// lumps go along; a box the user changed becomes the option. False: cancelled.
-bool AskSaveChoices(SavePlan& plan, const map::LevelData& level, bool fileHasMore)
-{
-    WadState& wad = Wad();
-    SaveOptions& choices = wad.SaveChoices;
-    choices.RebuildNodes = level.GeometryChangeCount != 0 || plan.Code == BuildNodesCode ||
-                           plan.Code == BuildNodesAsCode;
-    const bool groupAtStart = wad.Options.GroupSave || fileHasMore;
-    choices.GroupSave = groupAtStart;
-    choices.FileName = plan.TargetPath;
-    const bool show = plan.Code == NewRejectCode || choices.RebuildNodes ||
-                      (!wad.Options.GroupSave && fileHasMore);
-    if (show && wad.Save.SaveDialog && !wad.Save.SaveDialog(choices))
-    {
-        return false;
-    }
-    if (choices.GroupSave != groupAtStart)
-    {
-        wad.Options.GroupSave = choices.GroupSave;
-    }
-    plan.Group = plan.FromPwad && choices.GroupSave;
-    if (choices.ZeroNodes)
-    {
-        choices.RebuildNodes = false;
-    }
-    // A save with no builder to run can't build nodes; it keeps the old ones.
-    if (!wad.Save.BuildNodes)
-    {
-        choices.RebuildNodes = false;
-    }
-    plan.Choices = choices;
-    return true;
-}
-
 // The REJECT the choices ask for, sized for the level's Sectors.
 bool WriteReject(WadOutput& out, const SavePlan& plan, const map::LevelData& level)
 {
@@ -227,8 +138,6 @@ bool WriteLevelLumps(WadOutput& out, const map::LevelData& level, const SavePlan
     const bool fromMemory = level.ChangeCount != 0;
     for (const std::string_view name : LevelLumps)
     {
-        const bool object = name == "THINGS" || name == "LINEDEFS" || name == "SIDEDEFS" ||
-                            name == "VERTEXES" || name == "SECTORS";
         if (name == "REJECT")
         {
             if (!WriteReject(out, plan, level))
@@ -237,7 +146,7 @@ bool WriteLevelLumps(WadOutput& out, const map::LevelData& level, const SavePlan
             }
             continue;
         }
-        if (object && fromMemory)
+        if (fromMemory && IsObjectLump(name))
         {
             if (!WriteObjectLump(out, level, plan.Rows, name))
             {
@@ -370,52 +279,6 @@ void FreeOldRecords()
     }
     CloseFiles('A', false, false);
 }
-
-// The node builder on the temporary file. Its failure offers to copy the temporary file to
-// the target, so the user keeps the level without new nodes.
-void RunNodeBuilder(const SavePlan& plan, map::LevelData& level)
-{
-    WadState& wad = Wad();
-    const int result = wad.Save.BuildNodes(plan.WritePath, plan.TargetPath, plan.LevelName);
-    if (result == 0)
-    {
-        level.GeometryChangeCount = 0;
-        return;
-    }
-    const int recover = platform::ShowMessageLines(
-        platform::LinesCancel, "Node Error",
-        {"Node Building Error Occurred", "Do you want Kelvar to copy", plan.WritePath,
-         "- back to -", plan.TargetPath, "Otherwise you will get a", "file not found message?"});
-    if (recover != 1)
-    {
-        if (platform::AskYesNo("Are you sure you don't want to recover?"))
-        {
-            return;
-        }
-    }
-    StreamPtr source = CheckedOpen(plan.WritePath, "rb", 0);
-    if (!source)
-    {
-        platform::ShowError("Unable to open %s\n\nUse File Open/Edit to reset",
-                            plan.WritePath.c_str());
-        platform::ShowError("Next msg will say %s notfound\n\nUse .BAK or ~kelvar.wad version to "
-                            "recover",
-                            plan.TargetPath.c_str());
-        return;
-    }
-    const std::int64_t size = FileSize(source.get(), 0);
-    if (CopyToNewFile(source.get(), 0, size, plan.TargetPath) != 1)
-    {
-        platform::ShowError("Unable to create %s\n\nUse File Open/Edit to reset",
-                            plan.TargetPath.c_str());
-        platform::ShowError("Next msg will say %s notfound\n\nUse .BAK or ~kelvar.wad version to "
-                            "recover",
-                            plan.TargetPath.c_str());
-        return;
-    }
-    platform::ShowInfo("File %s recovered", plan.TargetPath.c_str());
-}
-
 // The name table after a save: the target is an open file of the session; an old file that
 // the level moved away from isn't any more.
 void UpdateNameTable(const std::string& oldPath, const std::string& target)
@@ -438,81 +301,53 @@ void UpdateNameTable(const std::string& oldPath, const std::string& target)
     }
 }
 
-// Everything after the checks: the file is created and written. False when the write failed.
-bool WriteFile(map::LevelData& level, SavePlan& plan, std::size_t marker)
+// The magic of the new file: the old file's when the level comes from a PWAD and it has one.
+std::string MagicFor(const SavePlan& plan)
 {
-    WadState& wad = Wad();
-    WadOutput out;
-    out.Stream = CheckedOpen(plan.WritePath, "wb", 0);
-    if (!out.Stream)
+    if (!plan.FromPwad)
     {
-        return false;
+        return "PWAD";
     }
-    if (plan.Choices.UnusedCleanup && wad.Save.UnusedCleanup)
-    {
-        const bool busy = map::Map().SaveBusy;
-        const std::uint16_t geometry = level.GeometryChangeCount;
-        map::Map().SaveBusy = false;
-        wad.Save.UnusedCleanup();
-        map::Map().SaveBusy = busy;
-        // Removed Vertexes renumber the rest: the old node lumps would point at the wrong
-        // ones, so without a build they go out empty and the nodes stay to be built.
-        if (level.GeometryChangeCount != geometry && !plan.BuildNodes)
-        {
-            plan.Choices.ZeroNodes = true;
-        }
-    }
-    platform::TheUi().ShowProgress(platform::Format("Saving %s", plan.TargetPath.c_str()),
-                                   plan.LevelName);
+    FileRec& file = Wad().Files[static_cast<std::size_t>(plan.LevelFile)];
+    EnsureOpen(file);
+    return file.Stream ? WadMagicOf(file.Stream.get()).value_or("PWAD") : "PWAD";
+}
 
-    // The old file's magic stays when the level comes from a PWAD.
-    std::string magic = "PWAD";
-    FileRec& levelFile = wad.Files[static_cast<std::size_t>(plan.LevelFile)];
-    std::optional<std::vector<LumpEntry>> own;
-    if (plan.FromPwad)
-    {
-        EnsureOpen(levelFile);
-        if (levelFile.Stream)
-        {
-            magic = WadMagicOf(levelFile.Stream.get()).value_or(magic);
-        }
-    }
-    const std::uint8_t placeholder[WadHeaderSize] = {};
-    if (CheckedWrite(out.Stream.get(), placeholder, WadHeaderSize) != 1)
-    {
-        return false;
-    }
+// The old file's own directory as it stands on disk, and where the level stands in it.
+struct OldFile
+{
+    std::vector<LumpEntry> Entries;
+    std::size_t LevelAt = 0;
+    std::size_t LevelEnd = 0;
+};
 
-    // The other lumps of the file come from its own directory on disk.
-    std::size_t levelAt = 0;
-    std::size_t levelEnd = 0;
-    if (plan.Group)
+std::optional<OldFile> ReadOldFile(const SavePlan& plan)
+{
+    FileRec& file = Wad().Files[static_cast<std::size_t>(plan.LevelFile)];
+    EnsureOpen(file);
+    std::optional<std::vector<LumpEntry>> entries =
+        ReadWadDirectory(file.Stream.get(), file.FileName);
+    if (!entries)
     {
-        own = ReadWadDirectory(levelFile.Stream.get(), levelFile.FileName);
-        if (!own)
-        {
-            return false;
-        }
-        const std::optional<LevelSpan> span =
-            FindLevelEntries(*own, LumpName::From(plan.OldLevelName));
-        if (!span)
-        {
-            platform::FatalError("Level name %s not found in existing file?",
-                                 plan.OldLevelName.c_str());
-        }
-        levelAt = span->Marker;
-        levelEnd = span->End;
+        return std::nullopt;
     }
-    bool replaced = false;
-    if (plan.Group && !CopyOtherLumps(out, plan, *own, 0, levelAt, levelEnd, replaced))
+    const std::optional<LevelSpan> span =
+        FindLevelEntries(*entries, LumpName::From(plan.OldLevelName));
+    if (!span)
     {
-        return false;
+        platform::FatalError("Level name %s not found in existing file?",
+                             plan.OldLevelName.c_str());
     }
+    return OldFile{std::move(*entries), span->Marker, span->End};
+}
 
-    // The marker, with any data of its own.
-    const std::int64_t markerStart = out.Offset;
-    const LumpEntry& markerEntry = Master()[marker];
-    if (plan.Replace && SameName(LumpName::From(plan.Replace->Name), markerEntry.Name))
+// The level's marker under its new name, with any data of its own; a replace that names the
+// marker gives it the new bytes.
+bool WriteMarker(WadOutput& out, const SavePlan& plan, bool& replaced)
+{
+    const std::int64_t start = out.Offset;
+    const LumpEntry& marker = Master()[plan.Marker];
+    if (plan.Replace && SameName(LumpName::From(plan.Replace->Name), marker.Name))
     {
         const std::optional<std::vector<std::uint8_t>> bytes = FileBytes(plan.Replace->SourceFile);
         if (!bytes || !WriteData(out, bytes->data(), static_cast<std::int64_t>(bytes->size())))
@@ -521,26 +356,93 @@ bool WriteFile(map::LevelData& level, SavePlan& plan, std::size_t marker)
         }
         replaced = true;
     }
-    else if (!CopyFileData(out, markerEntry.FileNumber, markerEntry.Offset, markerEntry.Size))
+    else if (!CopyFileData(out, marker.FileNumber, marker.Offset, marker.Size))
     {
         return false;
     }
-    EnterRow(out, LumpName::From(plan.LevelName).Text(), markerStart);
+    EnterRow(out, LumpName::From(plan.LevelName).Text(), start);
+    return true;
+}
 
-    if (!WriteLevelLumps(out, level, plan))
+// Everything between the header and the directory, in the order the data goes out.
+bool WriteLumps(WadOutput& out, const map::LevelData& level, const SavePlan& plan)
+{
+    std::optional<OldFile> old;
+    if (plan.Group)
+    {
+        old = ReadOldFile(plan);
+        if (!old)
+        {
+            return false;
+        }
+    }
+    bool replaced = false;
+    if (old && !CopyOtherLumps(out, plan, old->Entries, 0, old->LevelAt, old->LevelEnd, replaced))
     {
         return false;
     }
-    if (plan.Group && !CopyOtherLumps(out, plan, *own, levelEnd, own->size(), levelEnd, replaced))
+    if (!WriteMarker(out, plan, replaced) || !WriteLevelLumps(out, level, plan))
     {
         return false;
     }
-    if (plan.Replace && !replaced && !LumpName::From(plan.Replace->Name).Is("BEHAVIOR") &&
-        !WriteReplace(out, plan, OutName(LumpName::From(plan.Replace->Name))))
+    if (old && !CopyOtherLumps(out, plan, old->Entries, old->LevelEnd, old->Entries.size(),
+                               old->LevelEnd, replaced))
     {
         return false;
     }
-    if (!WriteDirectoryAndHeader(out, magic))
+    // A replace that found no entry of its name is added at the end.
+    return !plan.Replace || replaced || LumpName::From(plan.Replace->Name).Is("BEHAVIOR") ||
+           WriteReplace(out, plan, OutName(LumpName::From(plan.Replace->Name)));
+}
+
+} // namespace
+
+std::optional<SavePlan> PlanLevelSave(const map::LevelData& level, const std::string& path,
+                                      int code, const std::optional<LumpReplace>& replace,
+                                      const std::string& oldLevelName)
+{
+    const WadState& wad = Wad();
+    const std::size_t marker = wad.CurrentFile.LevelStart;
+    if (marker >= Master().Size())
+    {
+        return std::nullopt;
+    }
+    SavePlan plan;
+    plan.Code = code;
+    plan.Marker = marker;
+    plan.TargetPath = path;
+    plan.WritePath = path;
+    plan.Replace = replace;
+    plan.LevelName = Master()[marker].Name.Text();
+    plan.OldLevelName = oldLevelName.empty() ? plan.LevelName : oldLevelName;
+    plan.LevelFile = wad.CurrentFile.FileNumber;
+    plan.FromPwad = plan.LevelFile > 0 && plan.LevelFile < FileTableSize;
+    // The level's window ends where its entries end: a level short of lumps never takes in the
+    // level behind it.
+    const int count = static_cast<int>(CurrentLevelEnd() - marker);
+    plan.Level = LevelEntries(marker, count);
+    plan.FileHasMore =
+        plan.FromPwad && wad.Files[static_cast<std::size_t>(plan.LevelFile)].LumpCount > count;
+    plan.Group = plan.FromPwad && (wad.Options.GroupSave || plan.FileHasMore);
+    plan.Choices = wad.SaveChoices;
+    plan.Rows = ProjectRowLayout(level, true);
+    return plan;
+}
+
+bool CreateSaveOutput(const SavePlan& plan, WadOutput& out)
+{
+    out = WadOutput{};
+    out.Stream = CheckedOpen(plan.WritePath, "wb", 0);
+    return out.Stream != nullptr;
+}
+
+bool WriteLevelSave(WadOutput& out, const map::LevelData& level, const SavePlan& plan)
+{
+    platform::TheUi().ShowProgress(platform::Format("Saving %s", plan.TargetPath.c_str()),
+                                   plan.LevelName);
+    const std::uint8_t placeholder[WadHeaderSize] = {};
+    if (CheckedWrite(out.Stream.get(), placeholder, WadHeaderSize) != 1 ||
+        !WriteLumps(out, level, plan) || !WriteDirectoryAndHeader(out, MagicFor(plan)))
     {
         return false;
     }
@@ -553,82 +455,20 @@ bool WriteFile(map::LevelData& level, SavePlan& plan, std::size_t marker)
     return true;
 }
 
-} // namespace
-
-int WriteLevelFile(map::LevelData& level, const std::string& path, const std::string& oldPath,
-                   int code, const std::optional<LumpReplace>& replace,
-                   const std::string& oldLevelName)
+void FinishLevelSave(map::LevelData& level, const std::string& oldPath, const std::string& target)
 {
-    WadState& wad = Wad();
-    Redraw();
-    if (path.empty())
-    {
-        return -1;
-    }
-    const std::size_t marker = wad.CurrentFile.LevelStart;
-    if (marker >= Master().Size())
-    {
-        return RestoreBak(path);
-    }
-    // The level's window ends where its entries end: a level short of lumps never takes in
-    // the level behind it.
-    const int count = static_cast<int>(CurrentLevelEnd() - marker);
-
-    if (level.LineDefs.Count() == 0 || level.SideDefs.Count() == 0 || level.Sectors.Count() == 0)
-    {
-        platform::ShowMessageLines(0, "Nothing Made",
-                                   {"!! Please MAKE something first !!", "Nothing saved"});
-        return RestoreBak(path);
-    }
-
-    SavePlan plan;
-    plan.Code = code;
-    plan.TargetPath = path;
-    plan.WritePath = path;
-    plan.Replace = replace;
-    plan.LevelName = Master()[marker].Name.Text();
-    plan.OldLevelName = oldLevelName.empty() ? plan.LevelName : oldLevelName;
-    plan.LevelFile = wad.CurrentFile.FileNumber;
-    plan.FromPwad = plan.LevelFile > 0;
-    plan.Level = LevelEntries(marker, count);
-    const FileRec& levelFile = wad.Files[static_cast<std::size_t>(std::max(plan.LevelFile, 0))];
-    const bool fileHasMore = plan.FromPwad && levelFile.LumpCount > count;
-
-    if (!AskFormatLimits(level) || !AskOtherGameLevels() ||
-        !AskSaveChoices(plan, level, fileHasMore))
-    {
-        return RestoreBak(path);
-    }
-    plan.Rows = ProjectRowLayout(level, true);
-
-    if (level.Things.Count() > 0 && plan.Choices.RebuildNodes)
-    {
-        ++level.ChangeCount;
-        ++level.GeometryChangeCount;
-        if (wad.Hooks.DropCatalogues)
-        {
-            wad.Hooks.DropCatalogues();
-        }
-        plan.BuildNodes = true;
-        plan.WritePath = (wad.ProgramDir / NodeBuildFileName).string();
-    }
-
-    if (!WriteFile(level, plan, marker))
-    {
-        platform::TheUi().EndProgress();
-        std::error_code error;
-        std::filesystem::remove(plan.WritePath, error);
-        return RestoreBak(path);
-    }
     FreeOldRecords();
     level.ChangeCount = 0;
-    if (plan.BuildNodes)
-    {
-        RunNodeBuilder(plan, level);
-    }
-    UpdateNameTable(oldPath, plan.TargetPath);
-    Redraw();
-    return 0;
+    UpdateNameTable(oldPath, target);
+}
+
+int AbandonLevelSave(WadOutput& out, const SavePlan& plan, const std::string& path)
+{
+    platform::TheUi().EndProgress();
+    out.Stream.reset();
+    std::error_code error;
+    std::filesystem::remove(plan.WritePath, error);
+    return RestoreBak(path);
 }
 
 } // namespace kelvar::wad

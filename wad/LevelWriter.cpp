@@ -157,37 +157,54 @@ bool WriteRows(std::FILE* stream, const Records& records, std::size_t size, Put 
     return true;
 }
 
-bool WriteObjectRows(WadOutput& out, const map::LevelData& level, const RowLayout& layout,
-                     std::string_view name)
+// The object lumps a level writes from memory, each with the writer of its rows.
+struct ObjectLumpRow
 {
-    std::FILE* stream = out.Stream.get();
-    if (name == "THINGS")
+    std::string_view Name;
+    bool (*Write)(WadOutput& out, const map::LevelData& level, const RowLayout& layout);
+};
+
+constexpr ObjectLumpRow ObjectLumps[] = {
+    {"THINGS",
+     [](WadOutput& out, const map::LevelData& level, const RowLayout& layout)
+     {
+         return WriteRows(
+             out.Stream.get(), level.Things, ThingSize(layout),
+             [&](std::uint8_t* raw, const map::Thing& thing) { PutThing(raw, thing, layout); },
+             out.Offset);
+     }},
+    {"LINEDEFS",
+     [](WadOutput& out, const map::LevelData& level, const RowLayout& layout)
+     {
+         return WriteRows(
+             out.Stream.get(), level.LineDefs, LineSize(layout),
+             [&](std::uint8_t* raw, const map::LineDef& line) { PutLineDef(raw, line, layout); },
+             out.Offset);
+     }},
+    {"SIDEDEFS", [](WadOutput& out, const map::LevelData& level, const RowLayout&)
+     { return WriteRows(out.Stream.get(), level.SideDefs, SideDefSize, PutSideDef, out.Offset); }},
+    {"VERTEXES", [](WadOutput& out, const map::LevelData& level, const RowLayout&)
+     { return WriteRows(out.Stream.get(), level.Vertexes, VertexSize, PutVertex, out.Offset); }},
+    {"SECTORS",
+     [](WadOutput& out, const map::LevelData& level, const RowLayout& layout)
+     {
+         return WriteRows(
+             out.Stream.get(), level.Sectors, SectorSize,
+             [&](std::uint8_t* raw, const map::Sector& sector) { PutSector(raw, sector, layout); },
+             out.Offset);
+     }},
+};
+
+const ObjectLumpRow* FindObjectLump(std::string_view name)
+{
+    for (const ObjectLumpRow& row : ObjectLumps)
     {
-        return WriteRows(
-            stream, level.Things, ThingSize(layout),
-            [&](std::uint8_t* raw, const map::Thing& thing) { PutThing(raw, thing, layout); },
-            out.Offset);
+        if (row.Name == name)
+        {
+            return &row;
+        }
     }
-    if (name == "LINEDEFS")
-    {
-        return WriteRows(
-            stream, level.LineDefs, LineSize(layout),
-            [&](std::uint8_t* raw, const map::LineDef& line) { PutLineDef(raw, line, layout); },
-            out.Offset);
-    }
-    if (name == "SIDEDEFS")
-    {
-        return WriteRows(stream, level.SideDefs, SideDefSize, PutSideDef, out.Offset);
-    }
-    if (name == "VERTEXES")
-    {
-        return WriteRows(stream, level.Vertexes, VertexSize, PutVertex, out.Offset);
-    }
-    KELVAR_ASSERT(name == "SECTORS");
-    return WriteRows(
-        stream, level.Sectors, SectorSize,
-        [&](std::uint8_t* raw, const map::Sector& sector) { PutSector(raw, sector, layout); },
-        out.Offset);
+    return nullptr;
 }
 
 } // namespace
@@ -254,13 +271,20 @@ bool CopyFileData(WadOutput& out, int fileNumber, std::int32_t offset, std::int3
 bool WriteObjectLump(WadOutput& out, const map::LevelData& level, const RowLayout& layout,
                      std::string_view name)
 {
+    const ObjectLumpRow* row = FindObjectLump(name);
+    KELVAR_ASSERT(row != nullptr);
     const std::int64_t start = out.Offset;
-    if (!WriteObjectRows(out, level, layout, name))
+    if (row == nullptr || !row->Write(out, level, layout))
     {
         return false;
     }
     EnterRow(out, std::string(name), start);
     return true;
+}
+
+bool IsObjectLump(std::string_view name)
+{
+    return FindObjectLump(name) != nullptr;
 }
 
 bool WriteBehavior(WadOutput& out, const LumpEntry* old)

@@ -61,8 +61,12 @@ bool WriteData(WadOutput& out, const void* bytes, std::int64_t size);
 /// was reported.
 bool CopyFileData(WadOutput& out, int fileNumber, std::int32_t offset, std::int32_t size);
 
-/// Writes the object lump `name` (THINGS, LINEDEFS, SIDEDEFS, VERTEXES or SECTORS) from memory,
-/// in blocks, and enters it. Returns false after a failed write was reported.
+/// True for the lumps a level writes from memory: THINGS, LINEDEFS, SIDEDEFS, VERTEXES and
+/// SECTORS.
+bool IsObjectLump(std::string_view name);
+
+/// Writes the object lump `name` (IsObjectLump) from memory, in blocks, and enters it. Returns
+/// false after a failed write was reported.
 bool WriteObjectLump(WadOutput& out, const map::LevelData& level, const RowLayout& layout,
                      std::string_view name);
 

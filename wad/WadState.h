@@ -15,7 +15,7 @@
 
 #include "wad/LumpDirectory.h"
 #include "wad/LumpName.h"
-#include "wad/Save.h"
+#include "wad/SaveOptions.h"
 
 #include <array>
 #include <cstdint>
@@ -185,7 +185,6 @@ struct WadState
 
     // Saving.
     SaveOptions SaveChoices;       // the Save dialog's choices, offered again
-    SaveHooks Save;                // what the shell does for a save
     SaveWriterSettings Writer;     // the 3D test's options that act on every save
     std::FILE* LockFile = nullptr; // KELVAR.LOK, held open by the session
     int AutoSaveCount = 0;         // quick backups made this session

@@ -7,7 +7,7 @@
 #include "app/Modes.h"
 #include "app/PaneTexts.h"
 #include "app/Router.h"
-#include "app/Save.h"
+#include "app/SaveDispatcher.h"
 #include "app/Session.h"
 #include "app/ShellState.h"
 #include "app/ui/SaveDialog.h"
@@ -112,7 +112,6 @@ MainWindow::MainWindow()
 MainWindow::~MainWindow()
 {
     Session().Hooks = SessionHooks{};
-    wad::Wad().Save.SaveDialog = {};
     run::Run().Test.Hooks = run::TestHooks{};
 }
 
@@ -133,7 +132,7 @@ void MainWindow::InstallSessionHooks()
     hooks.DestroyWindow = [this] { CloseNow(); };
     hooks.QuickSaveBackup = [](bool onExit) { return QuickSaveBackup(onExit); };
     hooks.CrashSave = [] { return CrashSave(); };
-    wad::Wad().Save.SaveDialog = [this](wad::SaveOptions& options)
+    hooks.SaveDialog = [this](wad::SaveOptions& options)
     { return SaveDialog::Ask(options, CustomBuilderReady, this); };
     run::TestHooks& test = run::Run().Test.Hooks;
     test.EditTestOptions = [this](run::TestOptions& options, const std::string& info)

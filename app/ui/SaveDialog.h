@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "wad/Save.h"
+#include "wad/SaveOptions.h"
 
 #include <QDialog>
 #include <functional>

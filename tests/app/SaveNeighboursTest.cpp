@@ -2,13 +2,18 @@
 // level ends where its own entries end, and every other level and lump reads back unchanged,
 // with omgifol as the second reader.
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "wad/Save.h"
-
+#include "app/LevelSave.h"
+#include "app/SaveTarget.h"
+#include "app/Session.h"
+#include "app/ShellState.h"
 #include "map/MapState.h"
 #include "tests/testkit/LevelBuilder.h"
 #include "tests/testkit/WadFixture.h"
+#include "wad/Backup.h"
 #include "wad/FindLump.h"
+#include "wad/LevelCopy.h"
 #include "wad/LevelReader.h"
+#include "wad/SavePath.h"
 #include "wad/WadState.h"
 
 #include <algorithm>
@@ -21,6 +26,9 @@ namespace kelvar::wad
 {
 namespace
 {
+
+using app::ChooseSavePath;
+using app::WriteLevelFile;
 
 using testkit::LevelBuilder;
 using testkit::LevelLayout;
@@ -244,11 +252,15 @@ protected:
     void SetUp() override
     {
         WadFixture::SetUp();
+        app::ResetShell();
+        app::ResetSession();
         map::ResetMap();
     }
 
     void TearDown() override
     {
+        app::ResetShell();
+        app::ResetSession();
         map::ResetMap();
         WadFixture::TearDown();
     }
@@ -259,6 +271,7 @@ protected:
     {
         ResetWad();
         map::ResetMap();
+        app::ResetSession();
         Ui.Clear();
         WadState& wad = Wad();
         wad.ProgramDir = Dir.Path();
@@ -523,10 +536,11 @@ TEST_F(SaveNeighbours, TheSaveDialogsGroupBoxStartsFromTheFileAndDecides)
     std::vector<SaveOptions> shown;
     const auto dialog = [&](bool group)
     {
-        Wad().Save.SaveDialog = [&shown, group](SaveOptions& choices)
+        app::Session().Hooks.SaveDialog = [&shown, group](SaveOptions& choices)
         {
             shown.push_back(choices);
             choices.GroupSave = group;
+            choices.ZeroNodes = true; // no node build in this test
             return true;
         };
     };

@@ -1,17 +1,25 @@
 // The save commands of the editor: checks, file, write, reload; backups and the crash save.
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/Save.h"
+#include "app/SaveDispatcher.h"
 
-#include "app/SaveChecks.h"
+#include "app/LevelSave.h"
+#include "app/PreSaveChecks.h"
+#include "app/SaveTarget.h"
 #include "app/Session.h"
 #include "app/ShellState.h"
 #include "map/MapState.h"
+#include "platform/InstanceLock.h"
 #include "platform/Messages.h"
+#include "wad/Backup.h"
 #include "wad/CheckedFile.h"
 #include "wad/FileChecks.h"
 #include "wad/GameIdentity.h"
 #include "wad/LevelList.h"
+#include "wad/SavePath.h"
 #include "wad/WadState.h"
+
+#include <chrono>
+#include <thread>
 
 namespace kelvar::app
 {
@@ -61,9 +69,8 @@ std::string CurrentFilePath()
 int LockedWrite(const std::string& path, const std::string& oldPath, int code,
                 const std::optional<wad::LumpReplace>& replace, const std::string& oldLevel = {})
 {
-    wad::AcquireSaveLock();
-    const int result =
-        wad::WriteLevelFile(map::Map().Level, path, oldPath, code, replace, oldLevel);
+    AcquireSaveLock();
+    const int result = WriteLevelFile(map::Map().Level, path, oldPath, code, replace, oldLevel);
     map::Map().SaveBusy = false;
     return result;
 }
@@ -118,7 +125,7 @@ int SaveUnderNewName(int code, bool prompt)
     }
     const std::string oldPath = CurrentFilePath();
     const std::optional<std::string> path =
-        wad::ChooseSavePath(*newName, oldName, prompt, wad::Wad().Options.GroupSave);
+        ChooseSavePath(*newName, oldName, prompt, wad::Wad().Options.GroupSave);
     if (!path)
     {
         return 0;
@@ -137,6 +144,37 @@ int SaveUnderNewName(int code, bool prompt)
 }
 
 } // namespace
+
+void AcquireSaveLock()
+{
+    Session().MinutesSinceSave = 0;
+    map::MapState& map = map::Map();
+    const auto sleep = [](int milliseconds)
+    { std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds)); };
+    for (int waits = 0; map.SaveBusy; ++waits)
+    {
+        if (waits == 21)
+        {
+            platform::ShowError("Stuck waiting for Save to finish?");
+            break;
+        }
+        sleep(1000);
+    }
+    bool locked = false;
+    for (int round = 0; round < 11 && !locked; ++round)
+    {
+        locked = platform::TryLockFirstByte(wad::Wad().LockFile);
+        if (!locked)
+        {
+            sleep(500);
+        }
+    }
+    if (!locked)
+    {
+        platform::ShowError("Permanent LOCK active?");
+    }
+    map.SaveBusy = true;
+}
 
 int SaveDispatcher(int code, const std::optional<wad::LumpReplace>& replace, bool prompt)
 {
@@ -164,7 +202,7 @@ int SaveDispatcher(int code, const std::optional<wad::LumpReplace>& replace, boo
         // A lump replace writes the level's own file with its group, without asking.
         const bool group = replace ? true : wad::Wad().Options.GroupSave;
         const std::optional<std::string> path =
-            wad::ChooseSavePath(level, level, replace ? false : prompt, group);
+            ChooseSavePath(level, level, replace ? false : prompt, group);
         if (path && LockedWrite(*path, oldPath, code, replace) == 0)
         {
             result = SaveDone;
@@ -212,7 +250,7 @@ bool QuickSaveBackup(bool exitForm)
         const std::string level = CurrentLevelName();
         const std::string oldPath = CurrentFilePath();
         const std::optional<std::string> path =
-            wad::ChooseSavePath(level, level, true, wad::Wad().Options.GroupSave);
+            ChooseSavePath(level, level, true, wad::Wad().Options.GroupSave);
         return path && LockedWrite(*path, oldPath, wad::SaveLevelCode, std::nullopt) == 0;
     }
     if (map::Map().SaveBusy)
@@ -222,7 +260,7 @@ bool QuickSaveBackup(bool exitForm)
     const std::string path = wad::BackupPathOf(CurrentFilePath());
     ++wad::Wad().AutoSaveCount;
     Shell().Requests.RefreshStatus = true;
-    wad::AcquireSaveLock();
+    AcquireSaveLock();
     const int result = wad::WriteBackup(true, map::Map().Level, path);
     map::Map().SaveBusy = false;
     return result == 0;
@@ -256,7 +294,6 @@ void ApplySaveSettings()
     choices.CustomBuilder = project.CustomBuilder != 0;
     choices.ShowBuild = shell.Chk.ShowNodeBuild != 0;
     choices.SeeResults = shell.Chk.SeeNodeResults != 0;
-    InstallSaveHooks();
 }
 
 void GatherSaveSettings()

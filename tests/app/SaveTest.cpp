@@ -2,16 +2,21 @@
 // group saves, reject tables, the Extended Format, failures that leave the old file whole,
 // the node build's recovery and the quick backup.
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "wad/Save.h"
-
+#include "app/LevelSave.h"
+#include "app/SaveTarget.h"
+#include "app/Session.h"
+#include "app/ShellState.h"
 #include "map/MapState.h"
 #include "map/ObjectStore.h"
+#include "platform/test/RecordingProcesses.h"
 #include "tests/testkit/LevelBuilder.h"
 #include "tests/testkit/WadFixture.h"
+#include "wad/Backup.h"
 #include "wad/CheckedFile.h"
 #include "wad/FileTable.h"
 #include "wad/LevelReader.h"
 #include "wad/LevelWriter.h"
+#include "wad/SavePath.h"
 #include "wad/WadScan.h"
 #include "wad/WadState.h"
 
@@ -21,6 +26,9 @@ namespace kelvar::wad
 {
 namespace
 {
+
+using app::ChooseSavePath;
+using app::WriteLevelFile;
 
 using testkit::LevelBuilder;
 using testkit::WadBuilder;
@@ -88,12 +96,16 @@ protected:
     void SetUp() override
     {
         WadFixture::SetUp();
+        app::ResetShell();
+        app::ResetSession();
         map::ResetMap();
         Wad().Options.DefaultPwadDir = Dir.Path();
     }
 
     void TearDown() override
     {
+        app::ResetShell();
+        app::ResetSession();
         map::ResetMap();
         WadFixture::TearDown();
     }
@@ -412,17 +424,14 @@ TEST_F(SaveTest, AFailedNodeBuildOffersTheLevelWithoutNewNodes)
     LevelBuilder().Room(0, 0, 128, 128).Thing(64, 64, 1).WriteTo(builder, "MAP01");
     const std::string pwad = builder.Write(Dir.Path() / "nodes.wad");
     Load(pwad, "MAP01");
-    std::vector<std::string> calls;
-    Wad().Save.BuildNodes =
-        [&calls](const std::string& temporary, const std::string& target, const std::string& level)
-    {
-        calls.push_back(temporary + "|" + target + "|" + level);
-        return 1;
-    };
+    platform::RecordingProcesses nodeBuilder;
+    nodeBuilder.Exit(1);
     Ui.Answer(1); // copy the temporary file back
     ASSERT_EQ(Save("MAP01", BuildNodesCode), 0);
     const std::string temporary = (Dir.Path() / NodeBuildFileName).string();
-    EXPECT_EQ(calls, std::vector<std::string>{temporary + "|" + pwad + "|MAP01"});
+    ASSERT_EQ(nodeBuilder.Runs.size(), 1U);
+    EXPECT_NE(nodeBuilder.Runs[0].CommandLine.find(pwad), std::string::npos)
+        << nodeBuilder.Runs[0].CommandLine;
     EXPECT_EQ(Ui.Titles().front(), "Node Error");
     EXPECT_TRUE(Ui.Saw("File " + pwad + " recovered"));
     EXPECT_EQ(testkit::ReadFile(pwad), testkit::ReadFile(temporary));

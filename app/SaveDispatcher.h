@@ -3,7 +3,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "wad/Save.h"
+#include "wad/SaveOptions.h"
 
 #include <optional>
 #include <string>
@@ -13,6 +13,12 @@ namespace kelvar::app
 
 /// What SaveDispatcher returns when a save happened and the files are to be read again.
 inline constexpr int SaveDone = 7;
+
+/// The minute counter is reset, then a one-byte lock on KELVAR.LOK is tried (and let go at
+/// once) until it is free: waiting on an earlier save first ("Stuck waiting for Save to
+/// finish?" after 21 s), then 11 tries 500 ms apart ("Permanent LOCK active?"). SaveBusy is
+/// set either way; the caller clears it after the write.
+void AcquireSaveLock();
 
 /// The save of a command (`code`: wad::SaveLevelCode and the others). Runs the checks the
 /// code calls for, picks the file (asking for it with `prompt`), writes it under the lock and
@@ -32,7 +38,7 @@ bool QuickSaveBackup(bool exitForm);
 bool CrashSave();
 
 /// Copies the save and node builder settings of the status records into the WAD layer and the
-/// external programs, and installs the save hooks (Save dialog aside: the window's).
+/// external programs.
 void ApplySaveSettings();
 
 /// Takes the choices of the last Save dialog back into the status records.

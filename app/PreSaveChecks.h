@@ -1,5 +1,4 @@
-// The save's links to the level checks and the node builders: the checks a save runs first,
-// and the hooks through which the WAD layer's writer reaches the builder and the clean-up.
+// The level checks a save runs first.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
@@ -12,9 +11,5 @@ bool RunPreSaveChecks();
 
 /// Save As and Build Node As: the -0- length lines and the port limits.
 bool RunSaveAsChecks();
-
-/// Puts the hooks of wad::Wad().Save in place: the node builder of the project's choice, the
-/// unused-object clean-up, the minute counter, the redraw.
-void InstallSaveHooks();
 
 } // namespace kelvar::app

@@ -1,0 +1,47 @@
+// The level checks a save runs first.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/PreSaveChecks.h"
+
+#include "app/ShellState.h"
+#include "check/SaveChecks.h"
+#include "map/MapState.h"
+
+namespace kelvar::app
+{
+namespace
+{
+
+check::CheckOptions OptionsOfChk()
+{
+    const ChkRecord& chk = Shell().Chk;
+    check::CheckOptions options;
+    options.ExpertMode = chk.ExpertMode != 0;
+    options.CheckPlayerStarts = chk.CheckPlayerStarts != 0;
+    return options;
+}
+
+} // namespace
+
+bool RunPreSaveChecks()
+{
+    map::LevelData& level = map::Map().Level;
+    const check::CheckOptions options = OptionsOfChk();
+    if (!check::PortLimitCaution(level, options) || !check::ShortLineCheck(level))
+    {
+        return false;
+    }
+    if (check::PlayerOneCheck(level))
+    {
+        map::LevelChanged();
+    }
+    // The level checker isn't part of the editor yet: the start count can't offer it.
+    return check::PlayerStartCountCheck(level, options, {});
+}
+
+bool RunSaveAsChecks()
+{
+    map::LevelData& level = map::Map().Level;
+    return check::ShortLineCheck(level) && check::PortLimitCaution(level, OptionsOfChk());
+}
+
+} // namespace kelvar::app
