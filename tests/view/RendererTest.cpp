@@ -133,6 +133,42 @@ TEST_F(Renderer, SectorModeMarksTaggedAndTypedSectors)
     EXPECT_EQ(canvas.SegmentsInColor(State.Colors.Line1Sided).size(), 4u);
 }
 
+TEST_F(Renderer, SectorModeDrawsALineByItsFirstSectorThenByItsSecond)
+{
+    testkit::LevelBuilder builder;
+    builder.Sector().Sector().Sector();
+    builder.Level().Sectors[0].Tag = 3;
+    builder.Level().Sectors[1].Type = 9;
+    builder.Side(0).Side(1).Side(1).Side(0).Side(2);
+    builder.Vertex(0, 0).Vertex(0, 64).Vertex(64, 0).Vertex(64, 64).Vertex(128, 0).Vertex(128, 64);
+    builder.Line(0, 1, 0, 1).Line(2, 3, 2, 3).Line(4, 5, 4);
+    const map::LevelData level = builder.Build();
+    RecordingCanvas canvas;
+    DrawMap(canvas, Picture(level, ModeSectors), State, DrawFull);
+    std::vector<int> pens;
+    std::vector<int> columns;
+    for (const RecordingCanvas::Segment& segment : canvas.Segments)
+    {
+        if (segment.Pen != State.Colors.Grid64) // the frame
+        {
+            pens.push_back(segment.Pen);
+            columns.push_back(segment.From.X);
+        }
+    }
+    const ColorRoles& c = State.Colors;
+    EXPECT_EQ(pens, (std::vector<int>{c.LineSpecial, c.SectorTyped, c.SectorTyped, c.LineSpecial,
+                                      c.Line1Sided}))
+        << "tagged then typed, typed then tagged, and a one-sided line once";
+    EXPECT_EQ(columns, (std::vector<int>{336, 336, 400, 400, 464}));
+
+    State.Options.ShowInvisibleLines = false;
+    builder.Level().LineDefs[0].Flags |= 128;
+    const map::LevelData hidden = builder.Build();
+    RecordingCanvas second;
+    DrawMap(second, Picture(hidden, ModeSectors), State, DrawFull);
+    EXPECT_EQ(second.SegmentsInColor(c.LineSpecial).size(), 1u) << "a hidden line not at all";
+}
+
 TEST_F(Renderer, ThingsAreAtLeastOnePixelAndTheirTextNeedsRoom)
 {
     testkit::LevelBuilder builder;
