@@ -138,7 +138,8 @@ struct KeyRow
 inline constexpr std::size_t KeyRowCount = 171;
 inline constexpr std::size_t KeyCommandCount = 168;
 
-/// The key table, in its published order.
+/// The key table in res/KeyTable.inc's order, which kelvar-cli keys prints; CommandOfKey takes
+/// the first row that matches a key.
 std::span<const KeyRow> KeyRows();
 
 /// True for the eight keys that are matched as typed characters.

@@ -36,13 +36,14 @@ void AskForModeRefresh()
     requests.Sound = SoundCue::Mode;
 }
 
-// Sets the mode and carries the selection over; PreviousMode becomes the old mode.
-void EnterMode(int mode)
+// AutoMode's change of mode: PreviousMode becomes the old mode, and the old mode's selection
+// is dropped rather than translated. The pointer only passed over an object of another kind,
+// so marks made in one mode must not turn up as marks of another the user never chose.
+void EnterModeFollowingPointer(int mode)
 {
-    const int oldMode = EditMode();
-    map::Selected().PreviousMode = static_cast<std::uint16_t>(oldMode);
+    map::Selected().PreviousMode = static_cast<std::uint16_t>(EditMode());
     Shell().Chk.EditMode = static_cast<std::int16_t>(mode);
-    map::TranslateSelection(map::Map().Level, oldMode, mode);
+    map::ClearSelection();
 }
 
 // A mode with objects always has one under the cursor: when the mode had none when it was
@@ -136,7 +137,7 @@ bool FollowPointer(int pointerX, int pointerY)
     if (choice.Mode != EditMode())
     {
         // The mode follows the pointer; unlike a mode command this keeps AutoMode on.
-        EnterMode(choice.Mode);
+        EnterModeFollowingPointer(choice.Mode);
         AskForModeRefresh();
     }
     select.HighlightedObject = choice.Object;

@@ -41,7 +41,8 @@ void ChooseMode(int mode);
 void SwitchMode();
 
 /// AutoMode: when it is on, the mode follows the object under the pointer (window pixels).
-/// Returns true when the mode or the object under the cursor changed.
+/// A change of mode drops the selection, and asks for the status bar and a redraw. Returns
+/// true when the mode or the object under the cursor changed.
 bool FollowPointer(int pointerX, int pointerY);
 
 /// MapChanged and NodesChanged: the change counters of the level being edited. MapChanged

@@ -27,7 +27,8 @@ constexpr int Vertexes = ModeVertexes;
 constexpr int Sectors = ModeSectors;
 
 // The first row holding a number wins: single numbers stand before the ranges round them.
-// Rows without a handler are commands whose work is not built yet.
+// Rows without a handler are commands that are disabled (greyed) in the menus; their keys only
+// beep.
 constexpr RouteRow RouteTable[] = {
     // Saving, node builds, test play.
     {CmdSaveNewReject, CmdSaveNewReject, AnyMode, SaveCommand, "Save with new RejectMask"},
@@ -141,7 +142,7 @@ constexpr RouteRow RouteTable[] = {
     {CmdSetBookmark0, CmdSetBookmark9, AnyMode, BookmarkCommand, "Set BookMark"},
     {CmdGotoBookmark0, CmdGotoBookmark9, AnyMode, BookmarkCommand, "Goto BookMark"},
     {CmdBrowserPick, CmdBrowserPick, AnyMode, nullptr, "value picked in a browser"},
-    // Keys whose commands belong to the workbench and to parts not built yet.
+    // Commands without a handler, reached by keys: disabled in the menus, their keys only beep.
     {CmdCalculator, CmdCalculator, AnyMode, nullptr, "Calculator"},
     {CmdBookmarkBrowser, CmdBookmarkBrowser, AnyMode, nullptr, "Bookmark browser"},
     {CmdToggleGridColor, CmdToggleGridColor, AnyMode, nullptr, "Toggle grid-colour mark"},

@@ -2,8 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Design notes
-// - The steps run in the order the editor has always run them, and each is a function of its
-//   own so the window (app/ui) only strings them together: ProcessStart before the window
+// - The steps run in a fixed order, since each needs what the one before set up (the status
+//   files before the window, the window before the files it shows), and each is a function
+//   of its own so the window (app/ui) only strings them together: ProcessStart before the window
 //   exists, CheckSecondCopy and CreateSession while it is being made, RunStartupCommand once it
 //   is on screen, TimerTick every minute, ExitPrompt and ShutdownOnce at the end.
 // - What the window is to show afterwards (menus, redraws, the status bar) is left as requests,

@@ -49,8 +49,7 @@ void TimerTick()
         return;
     }
 
-    // The screen blanker of the original belongs to the workbench extras and is left out; the
-    // desktop's own screen saver does its work.
+    // The minute timer blanks no screen: the desktop's own screen saver does that.
     const int period = Shell().Chk.AutoSavePeriod;
     const std::uint16_t changes = map::Map().Level.ChangeCount;
     if (period <= 0 || session.MinutesSinceSave <= period || changes == session.ChangesAtAutoSave ||

@@ -12,7 +12,8 @@ namespace kelvar::game
 namespace
 {
 
-// LIGHBLUE is the keyword as it has always been spelled; LIGHTBLUE is not a colour.
+// OPT files spell colour 9 LIGHBLUE, so that is the word read and written for it; LIGHTBLUE
+// is no colour word, and FindColor finds nothing for it.
 constexpr std::array<std::string_view, 30> Colors = {
     "",         "BLUE",         "GREEN",       "CYAN",         "RED",        "MAGENTA",
     "BROWN",    "LIGHTGRAY",    "DARKGRAY",    "LIGHBLUE",     "LIGHTGREEN", "LIGHTCYAN",

@@ -10,7 +10,7 @@ namespace kelvar::game
 namespace
 {
 
-// A published row gives no property: it takes its heading's code.
+// A row of res/ that gives no property: it takes its heading's code.
 constexpr std::uint32_t FromHeading = 0xFFFFFFFEu;
 
 // The rows as res/ holds them: headings and real rows only, in table order.
@@ -113,7 +113,7 @@ constexpr Layout SectorLayout(std::size_t blockRows)
 
 enum class Slot : std::uint8_t
 {
-    Real,    // a published row or heading
+    Real,    // a row or heading of res/
     Free,    // padding
     Heading, // the heading of an empty category; `code` tells which
     End,
@@ -314,7 +314,7 @@ constexpr std::array<ThingTypeRow, N> ExpandThings(std::span<const ThingSource> 
     return table;
 }
 
-// LineDef and Sector tables share their layout; `Convert` makes the row of a published one.
+// LineDef and Sector tables share their layout; `Convert` makes a table row of a res/ row.
 template <class Row, std::size_t N, class Source, class Convert>
 constexpr std::array<Row, N> ExpandTypes(std::span<const Source> source, Layout layout,
                                          const Row& freeRow, std::string_view newPrefix,

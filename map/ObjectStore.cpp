@@ -643,8 +643,8 @@ void LevelCopy(LevelData& destination, const LevelData& source)
 {
     LevelChanged();
     destination = source;
-    // The copy owns an allocation as large as the original's: an undo step costs the level's
-    // capacity, and editing the copy grows it no sooner than the original would grow.
+    // The copy owns an allocation as large as the source's: an undo step costs the level's
+    // capacity, and editing the copy grows it no sooner than the source would grow.
     destination.Things.Array.reserve(static_cast<std::size_t>(source.Things.Capacity));
     destination.LineDefs.Array.reserve(static_cast<std::size_t>(source.LineDefs.Capacity));
     destination.SideDefs.Array.reserve(static_cast<std::size_t>(source.SideDefs.Capacity));

@@ -1,4 +1,4 @@
-// printf-style formatting into std::string, so message texts keep their published formats.
+// printf-style formatting into std::string, so message texts keep their %d-style formats.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 

@@ -15,7 +15,8 @@ namespace kelvar::platform
 /// What RunChild returns for a program that could not be started at all.
 inline constexpr int ChildDidNotStart = -666;
 
-/// RunChild flags, as the editor has always passed them.
+/// RunChild flags, combined with |: the node builder passes wait and pump (and minimise when
+/// its window is to step aside), test play and the 3D view wait and pump only when asked to.
 inline constexpr int ChildMinimise = 0x0001; // the main window steps aside while the child runs
 inline constexpr int ChildWait = 0x0002;     // wait for the child to end
 inline constexpr int ChildPump = 0x0004;     // wait with the window alive (and cancellable)

@@ -22,17 +22,11 @@ struct Box
     double MiddleY() const { return (MinY + MaxY) / 2; }
 };
 
-// Where the perpendicular from a point meets a LineDef, and the point's squared distance from
-// the line.
-struct LineFoot
-{
-    double X;
-    double Y;
-    double DistanceSquared;
-};
-
-// Nothing when the foot doesn't fall strictly between the ends, or the line has no length.
-std::optional<LineFoot> FootOnLine(double ax, double ay, double bx, double by, double px, double py)
+// The squared distance of a point from a LineDef, measured along the perpendicular; nothing
+// when the foot of the perpendicular doesn't fall strictly between the ends, or the line has
+// no length.
+std::optional<double> PerpendicularSquared(double ax, double ay, double bx, double by, double px,
+                                           double py)
 {
     const double dx = bx - ax;
     const double dy = by - ay;
@@ -47,7 +41,7 @@ std::optional<LineFoot> FootOnLine(double ax, double ay, double bx, double by, d
         return std::nullopt;
     }
     const double cross = (px - ax) * dy - (py - ay) * dx;
-    return LineFoot{ax + t * dx, ay + t * dy, cross * cross / length};
+    return cross * cross / length;
 }
 
 // The candidate of the smallest distance offered so far; of equal ones the first, and none at
@@ -87,24 +81,51 @@ int NearestPoint(const std::vector<std::int32_t>& candidates, const Box& box, co
     return best.Index;
 }
 
+void OfferLine(const map::LevelData& level, std::int32_t index, double px, double py, Nearest& best)
+{
+    const map::LineDef& line = level.LineDefs[static_cast<std::size_t>(index)];
+    const std::size_t count = level.Vertexes.Array.size();
+    if (line.StartVertex >= count || line.EndVertex >= count)
+    {
+        return;
+    }
+    const map::Vertex& a = level.Vertexes[line.StartVertex];
+    const map::Vertex& b = level.Vertexes[line.EndVertex];
+    if (const std::optional<double> distance = PerpendicularSquared(a.X, a.Y, b.X, b.Y, px, py))
+    {
+        best.Offer(index, *distance);
+    }
+}
+
+// Every LineDef is a candidate, however far from the box: the box only places the point. The
+// nearest by perpendicular distance wins, the first of equal ones; a line whose foot falls
+// outside it (or that has no length) never does.
 int NearestLine(const map::LevelData& level, const Box& box)
 {
     const double px = box.MiddleX();
     const double py = box.MiddleY();
-    Nearest best;
-    for (const std::int32_t i :
-         map::IndexOf(level).LineDefsNear(box.MinX, box.MinY, box.MaxX, box.MaxY))
+    // A line that doesn't reach the square of half-size r round the point is farther than r,
+    // so a nearest one found within r in that square, ties included, is the nearest of all.
+    // The square doubles until that holds, or until it would take in every 16-bit coordinate
+    // and the walk over all lines is no dearer.
+    const double whole = std::max(std::abs(px), std::abs(py)) + 32768.0;
+    const map::SpatialIndex& index = map::IndexOf(level);
+    for (double r = 64.0; r < whole; r *= 2.0)
     {
-        const map::LineDef& line = level.LineDefs[static_cast<std::size_t>(i)];
-        const map::Vertex& a = level.Vertexes[line.StartVertex];
-        const map::Vertex& b = level.Vertexes[line.EndVertex];
-        const std::optional<LineFoot> foot = FootOnLine(a.X, a.Y, b.X, b.Y, px, py);
-        // The line's nearest point must lie in the box: the box is the search range.
-        if (foot && foot->X >= box.MinX && foot->X <= box.MaxX && foot->Y >= box.MinY &&
-            foot->Y <= box.MaxY)
+        Nearest best;
+        for (const std::int32_t i : index.LineDefsNear(px - r, py - r, px + r, py + r))
         {
-            best.Offer(i, foot->DistanceSquared);
+            OfferLine(level, i, px, py, best);
         }
+        if (best.Index >= 0 && best.Distance <= r * r)
+        {
+            return best.Index;
+        }
+    }
+    Nearest best;
+    for (std::int32_t i = 0; i < level.LineDefs.Count(); ++i)
+    {
+        OfferLine(level, i, px, py, best);
     }
     return best.Index;
 }
@@ -176,8 +197,7 @@ int SectorAtPoint(const map::LevelData& level, const Box& box)
 
 double LineDistanceSquared(double ax, double ay, double bx, double by, double px, double py)
 {
-    const std::optional<LineFoot> foot = FootOnLine(ax, ay, bx, by, px, py);
-    return foot ? foot->DistanceSquared : -1.0;
+    return PerpendicularSquared(ax, ay, bx, by, px, py).value_or(-1.0);
 }
 
 int FindObject(const map::LevelData& level, const MapViewport& viewport, bool inPixels, int kind,

@@ -12,13 +12,16 @@ namespace kelvar::view
 /// box (x1, y1)-(x2, y2), whose corners may come in any order; -1 for none, for another kind
 /// or an empty level. With `inPixels` the corners are window pixels, else map coordinates.
 /// Things and Vertexes must lie in the box, and one within half a unit of the middle is taken
-/// at once; a LineDef's nearest point must lie in the box; a Sector is the one whose side
-/// faces the middle across the nearest LineDef crossing its height.
+/// at once. A LineDef is the one nearest the middle along the perpendicular, however far
+/// outside the box: it counts whenever the foot of its perpendicular falls strictly between
+/// its ends, and of equal ones the lower number wins. A Sector is the one whose side faces
+/// the middle across the nearest LineDef crossing its height.
 int FindObject(const map::LevelData& level, const MapViewport& viewport, bool inPixels, int kind,
                double x1, double y1, double x2, double y2);
 
-/// The object of `kind` nearest the pointer, within `range` (taken in map units and as a
-/// number of pixels, whichever box is larger).
+/// The object of `kind` nearest the pointer, searched in a box of half-size `range` (taken in
+/// map units and as a number of pixels, whichever box is larger). Things and Vertexes must
+/// lie in it; LineDefs and Sectors are found as FindObject finds them, from its middle.
 int FindNearPointer(const map::LevelData& level, const MapViewport& viewport, int kind,
                     double range, int pointerX, int pointerY);
 

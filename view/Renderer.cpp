@@ -18,15 +18,53 @@ int GridFloor(int value, int grid)
     return value >= 0 ? value / grid * grid : -((-value + grid - 1) / grid * grid);
 }
 
+// The pixel columns of the grid's verticals in the window, each once: at a grid finer than a
+// pixel several of them fall on one column.
+std::vector<int> GridColumns(const MapViewport& viewport, int grid)
+{
+    std::vector<int> columns;
+    for (int x = GridFloor(ScreenToMapX(viewport, -1), grid);; x += grid)
+    {
+        const int column = MapToScreenX(viewport, x);
+        if (column >= viewport.WidthPx)
+        {
+            return columns;
+        }
+        if (column >= 0 && (columns.empty() || columns.back() != column))
+        {
+            columns.push_back(column);
+        }
+    }
+}
+
+// The pixel rows of the grid's horizontals, each once, from the bottom of the window up.
+std::vector<int> GridRows(const MapViewport& viewport, int grid)
+{
+    std::vector<int> rows;
+    for (int y = GridFloor(ScreenToMapY(viewport, viewport.HeightPx), grid);; y += grid)
+    {
+        const int row = MapToScreenY(viewport, y);
+        if (row < 0)
+        {
+            return rows;
+        }
+        if (row < viewport.HeightPx && (rows.empty() || rows.back() != row))
+        {
+            rows.push_back(row);
+        }
+    }
+}
+
 // The grid of the current size, as one picture of the window's size blitted at once: dots at
-// the crossings, or lines through them (dashed with the option). A grid finer than three
-// pixels would only fill the window, and is left out.
+// the crossings, or lines through them (dashed with the option). It is drawn however fine it
+// is: zoomed far out, a grid finer than the pixels fills the window with its colour, which is
+// the user's cue to coarsen it (G) or hide it (H).
 void DrawGrid(platform::Canvas& canvas, const ViewState& view)
 {
     const int grid = view.Settings.GridSize;
     const MapViewport& viewport = view.Viewport;
-    if ((view.Options.GridDisplay & GridShown) == 0 || grid <= 0 ||
-        grid * static_cast<double>(viewport.Scale) < 3.0)
+    if ((view.Options.GridDisplay & GridShown) == 0 || grid <= 0 || !(viewport.Scale > 0.0f) ||
+        viewport.WidthPx <= 0 || viewport.HeightPx <= 0)
     {
         return;
     }
@@ -37,23 +75,11 @@ void DrawGrid(platform::Canvas& canvas, const ViewState& view)
         static_cast<std::size_t>(picture.Width) * static_cast<std::size_t>(picture.Height), 0);
     const auto set = [&](int x, int y)
     {
-        if (x >= 0 && y >= 0 && x < picture.Width && y < picture.Height)
-        {
-            picture.Bits[static_cast<std::size_t>(y * picture.Width + x)] = 1;
-        }
+        picture.Bits[static_cast<std::size_t>(y) * static_cast<std::size_t>(picture.Width) +
+                     static_cast<std::size_t>(x)] = 1;
     };
-    std::vector<int> columns;
-    std::vector<int> rows;
-    for (int x = GridFloor(ScreenToMapX(viewport, -1), grid);
-         MapToScreenX(viewport, x) < picture.Width; x += grid)
-    {
-        columns.push_back(MapToScreenX(viewport, x));
-    }
-    for (int y = GridFloor(ScreenToMapY(viewport, picture.Height), grid);
-         MapToScreenY(viewport, y) >= 0; y += grid)
-    {
-        rows.push_back(MapToScreenY(viewport, y));
-    }
+    const std::vector<int> columns = GridColumns(viewport, grid);
+    const std::vector<int> rows = GridRows(viewport, grid);
     if (!view.Options.GridLines)
     {
         for (const int y : rows)

@@ -41,8 +41,11 @@ void SelectSpecialPen(platform::Canvas& canvas, std::uint32_t type, const ViewSt
 /// The colour a LineDef is drawn in, in LineDef mode; -1 for a line not drawn at all.
 int LineColor(const map::LineDef& line, const ViewState& view);
 
-/// The colour a LineDef is drawn in, in Sector mode.
-int SectorLineColor(const map::LevelData& level, const map::LineDef& line, const ViewState& view);
+/// The colour a LineDef takes from one of its Sectors in Sector mode: a tagged Sector's, else a
+/// typed Sector's, else the flag and side colours of LineDef mode (also for a side with no
+/// Sector); -1 for a line not drawn at all. Sector mode draws each line in the colour of its
+/// first Sector, then, if it has a second side, again in that of its second.
+int SectorSideColor(const map::Sector* sector, const map::LineDef& line, const ViewState& view);
 
 /// The rubber band of a box selection between two pixel corners, in XOR: drawing it again
 /// erases it.

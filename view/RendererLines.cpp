@@ -120,20 +120,17 @@ int LineColor(const map::LineDef& line, const ViewState& view)
     return FlagColor(line, view.Colors);
 }
 
-int SectorLineColor(const map::LevelData& level, const map::LineDef& line, const ViewState& view)
+int SectorSideColor(const map::Sector* sector, const map::LineDef& line, const ViewState& view)
 {
     if (IsHidden(line, view))
     {
         return -1;
     }
-    // A tag on either side outweighs a type, and a type the plain flag colours.
-    const map::Sector* front = SectorOf(level, line.SideDef1);
-    const map::Sector* back = SectorOf(level, line.SideDef2);
-    if ((front != nullptr && front->Tag != 0) || (back != nullptr && back->Tag != 0))
+    if (sector != nullptr && sector->Tag != 0)
     {
         return view.Colors.LineSpecial;
     }
-    if ((front != nullptr && front->Type != 0) || (back != nullptr && back->Type != 0))
+    if (sector != nullptr && sector->Type != 0)
     {
         return view.Colors.SectorTyped;
     }
@@ -194,14 +191,11 @@ void DrawLinesInMode(platform::Canvas& canvas, const map::LevelData& level, int 
                      const ViewState& view)
 {
     int pen = -2;
-    for (const map::LineDef& line : level.LineDefs)
+    const auto draw = [&](const map::LineDef& line, int color)
     {
-        const int color = mode == ModeThings    ? ThingModeLineColor(line, view)
-                          : mode == ModeSectors ? SectorLineColor(level, line, view)
-                                                : LineColor(line, view);
         if (color < 0)
         {
-            continue;
+            return;
         }
         if (color != pen)
         {
@@ -209,6 +203,21 @@ void DrawLinesInMode(platform::Canvas& canvas, const map::LevelData& level, int 
             pen = color;
         }
         DrawLevelLine(canvas, level, line, view);
+    };
+    for (const map::LineDef& line : level.LineDefs)
+    {
+        if (mode != ModeSectors)
+        {
+            draw(line, mode == ModeThings ? ThingModeLineColor(line, view) : LineColor(line, view));
+            continue;
+        }
+        // In the colour of its first Sector, then over that in the colour of its second, so a
+        // line between two Sectors shows the second's.
+        draw(line, SectorSideColor(SectorOf(level, line.SideDef1), line, view));
+        if (line.SideDef2 != map::NoSideDef)
+        {
+            draw(line, SectorSideColor(SectorOf(level, line.SideDef2), line, view));
+        }
     }
 }
 

@@ -157,6 +157,28 @@ TEST_F(ModesTest, AutoModeFollowsThePointer)
     EXPECT_TRUE(FollowPointer(400 + 128, 300 - 128));
     EXPECT_EQ(EditMode(), ModeVertexes);
     EXPECT_EQ(Highlighted(), 2);
+
+    // Beside the west wall: LineDef mode. Its marks don't become the lines' Vertexes, as a
+    // mode command would make them, when the pointer moves on to a Vertex.
+    EXPECT_TRUE(FollowPointer(400 + 10, 300 - 40));
+    EXPECT_EQ(EditMode(), ModeLineDefs);
+    EXPECT_EQ(Highlighted(), 0);
+    Mark({0, 1});
+    (void)TakeRequests();
+    EXPECT_TRUE(FollowPointer(400 + 128, 300 - 128));
+    EXPECT_EQ(EditMode(), ModeVertexes);
+    EXPECT_EQ(PreviousMode(), ModeLineDefs);
+    EXPECT_EQ(Highlighted(), 2);
+    EXPECT_TRUE(Marked().empty()) << "a change of mode drops the old mode's selection";
+    const CommandRequests requests = TakeRequests();
+    EXPECT_TRUE(requests.RefreshStatus);
+    EXPECT_TRUE(requests.RedrawMap);
+
+    Mark({2});
+    EXPECT_TRUE(FollowPointer(400 + 256, 300 - 128));
+    EXPECT_EQ(EditMode(), ModeVertexes);
+    EXPECT_EQ(Highlighted(), 4);
+    EXPECT_EQ(Marked(), (Objects{2})) << "another Vertex in the same mode keeps the selection";
 }
 
 TEST_F(ModesTest, TheUnsavedChangesQuestionOnlyComesWithChanges)

@@ -121,7 +121,7 @@ TEST(TypeTables, BlocksArePaddedToTheirSizeAndEndTheTable)
     }
 }
 
-TEST(TypeTables, HoldEveryPublishedRow)
+TEST(TypeTables, EachGameHoldsItsRowCountAndFullBlocksHaveNoSpareRows)
 {
     // Real rows by game: Things, LineDefs (with the Normal row), Sectors (with Normal).
     const std::map<TableSet, std::array<std::size_t, 3>> counts = {

@@ -51,7 +51,7 @@ TEST_F(HitTest, ThingsNearestTheMiddleWinWithADirectHitTakenAtOnce)
     EXPECT_EQ(At(level, 3, 10, 10), -1) << "SideDefs can't be pointed at";
 }
 
-TEST_F(HitTest, LinesAreFoundByTheirDistanceWhenTheFootFallsInside)
+TEST_F(HitTest, LinesAreFoundByTheirPerpendicularDistanceWhereverTheyLie)
 {
     LevelBuilder builder;
     builder.Sector().Side(0).Side(0).Side(0);
@@ -62,9 +62,41 @@ TEST_F(HitTest, LinesAreFoundByTheirDistanceWhenTheFootFallsInside)
     EXPECT_EQ(At(level, ModeLineDefs, 50, 7), 1);
     EXPECT_EQ(At(level, ModeLineDefs, 50, 5), 0) << "a tie keeps the first";
     EXPECT_EQ(At(level, ModeLineDefs, -3, 0), -1) << "beyond the ends";
-    EXPECT_EQ(At(level, ModeLineDefs, 50, 50, 2), -1) << "a line of no length is never found";
-    EXPECT_EQ(At(level, ModeLineDefs, 50, 30, 5), -1) << "too far for the box";
+    EXPECT_EQ(At(level, ModeLineDefs, 100, 5), -1) << "the foot on an end is not between them";
+    EXPECT_EQ(At(level, ModeLineDefs, 50, 50, 2), 1) << "a line of no length is never found";
+    EXPECT_EQ(At(level, ModeLineDefs, 50, 3000, 1), 1) << "far outside the box, still the nearest";
+    EXPECT_EQ(At(level, ModeLineDefs, 50, -3000, 1), 0);
     EXPECT_DOUBLE_EQ(LineDistanceSquared(0, 0, 100, 0, 50, 3), 9.0);
+    EXPECT_DOUBLE_EQ(LineDistanceSquared(0, 0, 30, 40, 55, 10), 1444.0);
+    EXPECT_LT(LineDistanceSquared(0, 0, 0, 0, 1, 1), 0.0);
+}
+
+TEST_F(HitTest, ALargeRoomHighlightsTheNearestWallFromAnyPointInsideIt)
+{
+    // Walls 0 west, 1 north, 2 east, 3 south; a 4096-unit room fitted to the window.
+    const map::LevelData level = LevelBuilder().Room(0, 0, 4096, 4096).Build();
+    BestFit(Viewport, level);
+    ASSERT_LT(Viewport.Scale, 0.2f);
+    const auto pointAt = [&](int x, int y)
+    {
+        return FindNearPointer(level, Viewport, ModeLineDefs, 10, MapToScreenX(Viewport, x),
+                               MapToScreenY(Viewport, y));
+    };
+    // The object select range is 10 pixels, some 60 units here; the walls lie much further.
+    EXPECT_EQ(pointAt(40, 1000), 0);
+    EXPECT_EQ(pointAt(900, 2000), 0);
+    EXPECT_EQ(pointAt(2000, 3000), 1);
+    EXPECT_EQ(pointAt(3500, 2100), 2);
+    EXPECT_EQ(pointAt(2100, 1900), 3);
+    EXPECT_EQ(FindObject(level, Viewport, false, ModeLineDefs, 2048, 2048, 2048, 2048), 0)
+        << "in the middle all four are as near: the first";
+    EXPECT_EQ(pointAt(4300, 1000), 2) << "outside, beside the east wall";
+    EXPECT_EQ(pointAt(4300, 4300), -1) << "off a corner no wall has the point between its ends";
+    // Zoomed in, so that the box is a few units wide, the answers stay.
+    Viewport.Scale = 8.0f;
+    CenterOn(Viewport, 1000, 1000);
+    EXPECT_EQ(pointAt(1000, 1030), 0);
+    EXPECT_EQ(pointAt(1030, 1000), 3);
 }
 
 TEST_F(HitTest, SectorsAreFoundByTheSideFacingThePoint)
@@ -142,14 +174,14 @@ TEST_F(HitTestFreedoom, Map01AgreesWithAWalkOverEveryObject)
     wad::ReadLevel(level, "MAP01", false);
     MapViewport viewport;
     std::mt19937 random(7);
-    std::uniform_real_distribution<double> x(level.MinX - 100, level.MaxX + 100);
-    std::uniform_real_distribution<double> y(level.MinY - 100, level.MaxY + 100);
-    for (int probe = 0; probe < 300; ++probe)
+    std::uniform_real_distribution<double> x(level.MinX - 3000, level.MaxX + 3000);
+    std::uniform_real_distribution<double> y(level.MinY - 3000, level.MaxY + 3000);
+    for (int probe = 0; probe < 1000; ++probe)
     {
         const double px = x(random);
         const double py = y(random);
         const double half = 48;
-        // Lines: the nearest whose foot lies in the box, the first on a tie.
+        // Lines: the nearest of them all, the first on a tie.
         int expected = -1;
         double best = 0;
         for (std::size_t i = 0; i < level.LineDefs.Array.size(); ++i)
@@ -158,16 +190,7 @@ TEST_F(HitTestFreedoom, Map01AgreesWithAWalkOverEveryObject)
             const map::Vertex& a = level.Vertexes[line.StartVertex];
             const map::Vertex& b = level.Vertexes[line.EndVertex];
             const double d = LineDistanceSquared(a.X, a.Y, b.X, b.Y, px, py);
-            if (d < 0)
-            {
-                continue;
-            }
-            const double t = ((px - a.X) * (b.X - a.X) + (py - a.Y) * (b.Y - a.Y)) /
-                             ((b.X - a.X) * double(b.X - a.X) + (b.Y - a.Y) * double(b.Y - a.Y));
-            const double fx = a.X + t * (b.X - a.X);
-            const double fy = a.Y + t * (b.Y - a.Y);
-            if (std::abs(fx - px) <= half && std::abs(fy - py) <= half &&
-                (expected < 0 || d < best))
+            if (d >= 0 && (expected < 0 || d < best))
             {
                 expected = static_cast<int>(i);
                 best = d;

@@ -133,6 +133,42 @@ TEST_F(Renderer, SectorModeMarksTaggedAndTypedSectors)
     EXPECT_EQ(canvas.SegmentsInColor(State.Colors.Line1Sided).size(), 4u);
 }
 
+TEST_F(Renderer, SectorModeDrawsALineByItsFirstSectorThenByItsSecond)
+{
+    testkit::LevelBuilder builder;
+    builder.Sector().Sector().Sector();
+    builder.Level().Sectors[0].Tag = 3;
+    builder.Level().Sectors[1].Type = 9;
+    builder.Side(0).Side(1).Side(1).Side(0).Side(2);
+    builder.Vertex(0, 0).Vertex(0, 64).Vertex(64, 0).Vertex(64, 64).Vertex(128, 0).Vertex(128, 64);
+    builder.Line(0, 1, 0, 1).Line(2, 3, 2, 3).Line(4, 5, 4);
+    const map::LevelData level = builder.Build();
+    RecordingCanvas canvas;
+    DrawMap(canvas, Picture(level, ModeSectors), State, DrawFull);
+    std::vector<int> pens;
+    std::vector<int> columns;
+    for (const RecordingCanvas::Segment& segment : canvas.Segments)
+    {
+        if (segment.Pen != State.Colors.Grid64) // the frame
+        {
+            pens.push_back(segment.Pen);
+            columns.push_back(segment.From.X);
+        }
+    }
+    const ColorRoles& c = State.Colors;
+    EXPECT_EQ(pens, (std::vector<int>{c.LineSpecial, c.SectorTyped, c.SectorTyped, c.LineSpecial,
+                                      c.Line1Sided}))
+        << "tagged then typed, typed then tagged, and a one-sided line once";
+    EXPECT_EQ(columns, (std::vector<int>{336, 336, 400, 400, 464}));
+
+    State.Options.ShowInvisibleLines = false;
+    builder.Level().LineDefs[0].Flags |= 128;
+    const map::LevelData hidden = builder.Build();
+    RecordingCanvas second;
+    DrawMap(second, Picture(hidden, ModeSectors), State, DrawFull);
+    EXPECT_EQ(second.SegmentsInColor(c.LineSpecial).size(), 1u) << "a hidden line not at all";
+}
+
 TEST_F(Renderer, ThingsAreAtLeastOnePixelAndTheirTextNeedsRoom)
 {
     testkit::LevelBuilder builder;
@@ -197,7 +233,7 @@ TEST_F(Renderer, ThingsAndLineTypesTakeTheirLookFromTheGamesRows)
     game::ResetGame();
 }
 
-TEST_F(Renderer, TheGridIsOneBlitAndOnlyWhenItsCrossingsAreApart)
+TEST_F(Renderer, TheGridIsOneBlitAtEverySize)
 {
     const map::LevelData level = testkit::LevelBuilder().Room(0, 0, 128, 128).Build();
     RecordingCanvas canvas;
@@ -208,11 +244,60 @@ TEST_F(Renderer, TheGridIsOneBlitAndOnlyWhenItsCrossingsAreApart)
     ASSERT_FALSE(blits.empty());
     EXPECT_EQ(blits[0].Args, (std::vector<int>{0, 0, 800, 600, State.Colors.Grid}));
 
-    RecordingCanvas coarse;
-    State.Viewport.Scale = 0.3f; // 8 units are 2.4 pixels
+    RecordingCanvas fine;
+    State.Viewport.Scale = 0.025f; // 8 units are a fifth of a pixel
     State.Options.GridDisplay = GridShown;
-    DrawMap(coarse, Picture(level), State, DrawFull);
-    EXPECT_TRUE(coarse.OpsNamed("BlitMask").empty());
+    DrawMap(fine, Picture(level), State, DrawFull);
+    ASSERT_EQ(fine.OpsNamed("BlitMask").size(), 1u);
+    EXPECT_EQ(fine.OpsNamed("BlitMask")[0].Args, blits[0].Args);
+
+    RecordingCanvas off;
+    State.Settings.GridSize = 0;
+    DrawMap(off, Picture(level), State, DrawFull);
+    EXPECT_TRUE(off.OpsNamed("BlitMask").empty()) << "grid 0 is no grid";
+}
+
+// The grid's pixels on a raster, in a window the level's lines stay out of.
+class GridPixels : public Renderer
+{
+protected:
+    int CountGridPixels(int gridSize, float scale, bool lines)
+    {
+        const map::LevelData level = testkit::LevelBuilder().Room(5000, 5000, 64, 64).Build();
+        SetWindowSize(State.Viewport, 200, 100);
+        State.Viewport.Scale = scale;
+        CenterOn(State.Viewport, 3, -5);
+        State.Settings.GridSize = gridSize;
+        State.Options.GridDisplay = GridShown;
+        State.Options.GridLines = lines;
+        State.Options.GridDashed = false;
+        platform::RasterCanvas canvas(200, 100, ColorTable());
+        DrawMap(canvas, Picture(level), State, DrawFull);
+        const std::uint32_t color = ColorTable()[static_cast<std::size_t>(State.Colors.Grid)];
+        int count = 0;
+        for (int y = 0; y < 100; ++y)
+        {
+            for (int x = 1; x < 199; ++x) // columns 0 and 199 hold the frame
+            {
+                count += canvas.Data()[static_cast<std::size_t>(y * 200 + x)] == color;
+            }
+        }
+        return count;
+    }
+};
+
+TEST_F(GridPixels, DotsSitAtEveryCrossingAndAFinerGridThanThePixelsFillsTheWindow)
+{
+    // Scale 1, grid 8: the crossings lie 8 pixels apart; (3, -5) is the window's centre
+    // (100, 50), so the verticals are at pixels 1, 9, ... 193 and the horizontals at 5, ... 93.
+    EXPECT_EQ(CountGridPixels(8, 1.0f, false), 25 * 12);
+    // Scale 0.5, grid 4: 2 pixels apart, columns 2 to 198 and rows 1 to 99, and row 0 as well:
+    // the crossing half a pixel above the window truncates to it.
+    EXPECT_EQ(CountGridPixels(4, 0.5f, false), 99 * 51);
+    // Scale 0.3, grid 8: 2.4 pixels apart, 82 columns and 42 rows of the window.
+    EXPECT_EQ(CountGridPixels(8, 0.3f, false), 82 * 42);
+    EXPECT_EQ(CountGridPixels(1, 0.025f, false), 198 * 100) << "all of it";
+    EXPECT_EQ(CountGridPixels(2, 0.2f, true), 198 * 100) << "and in lines too";
 }
 
 TEST_F(Renderer, AnEmptyLevelGetsOnlyItsBackground)
