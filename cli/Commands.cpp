@@ -10,6 +10,7 @@
 #include "cli/StatusCommands.h"
 #include "cli/WadCommands.h"
 #include "platform/ConsoleUi.h"
+#include "platform/Fatal.h"
 #include "platform/Paths.h"
 #include "wad/WadState.h"
 
@@ -70,6 +71,7 @@ int Run(int argc, char** argv)
 
     static platform::ConsoleUi console(stderr, 0);
     platform::InstallUi(&console);
+    platform::InstallOutOfMemoryHandler();
     wad::Wad().ProgramDir = platform::DefaultProgramDir();
 
     const std::string_view command = args[0];

@@ -15,6 +15,7 @@
 #include <cstring>
 #include <filesystem>
 #include <map>
+#include <new>
 #include <sstream>
 #include <system_error>
 #include <unistd.h>
@@ -392,7 +393,16 @@ int RunKelvarBsp(const std::vector<std::string>& arguments, const std::string& z
     {
         return Fail(log, BspBadCommandLine, reason);
     }
-    return Build(*command, zdbsp, log);
+    try
+    {
+        return Build(*command, zdbsp, log);
+    }
+    catch (const std::bad_alloc&)
+    {
+        // The input's lumps are held in memory; one too big for that is refused like an
+        // unreadable one, and the temporary file has gone with the unwinding.
+        return Fail(log, BspBadInput, "not enough memory to read the input");
+    }
 }
 
 } // namespace kelvar::kelvarbsp

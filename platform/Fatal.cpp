@@ -10,7 +10,9 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <new>
+#include <stdexcept>
 
 namespace kelvar::platform
 {
@@ -86,6 +88,37 @@ void OutOfMemory(int code, std::size_t size)
 void InstallOutOfMemoryHandler()
 {
     std::set_new_handler([] { OutOfMemory(1, 0); });
+    // The new-handler sees only exhausted memory. A request the allocator refuses without
+    // trying (more than an array can hold: std::bad_array_new_length, std::length_error) and
+    // a std::bad_alloc thrown by a library are exceptions instead; when no one catches them
+    // they end the same way rather than by an abort.
+    static const std::terminate_handler previous = std::set_terminate(
+        []
+        {
+            if (const std::exception_ptr failure = std::current_exception())
+            {
+                try
+                {
+                    std::rethrow_exception(failure);
+                }
+                catch (const std::bad_alloc&)
+                {
+                    OutOfMemory(1, 0);
+                }
+                catch (const std::length_error&)
+                {
+                    OutOfMemory(1, 0);
+                }
+                catch (...)
+                {
+                }
+            }
+            if (previous != nullptr)
+            {
+                previous();
+            }
+            std::abort();
+        });
 }
 
 } // namespace kelvar::platform

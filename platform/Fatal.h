@@ -28,7 +28,9 @@ void SetTextureLimitAdvice(bool limited);
 [[noreturn]] void OutOfMemory(int code, std::size_t size);
 
 /// Installs a new-handler that ends the program through OutOfMemory when an allocation of
-/// unknown size fails anywhere.
+/// unknown size fails anywhere, and a terminate handler that does the same for an allocation
+/// failure that was thrown and never caught (std::bad_alloc, std::length_error). Other
+/// uncaught exceptions go on to the handler that was there before.
 void InstallOutOfMemoryHandler();
 
 } // namespace kelvar::platform

@@ -66,9 +66,21 @@ std::vector<std::uint8_t> ReadLump(int entry)
     {
         return bytes;
     }
+    std::FILE* stream = file.Stream.get();
+    if (CheckedSeek(stream, lump.Offset) != 1)
+    {
+        return bytes;
+    }
+    // The scan checked the entry against the file, but the file may have shrunk since. No
+    // room is taken for bytes it no longer holds: that is a short read, reported as one.
+    const std::int64_t fileSize = FileSize(stream, 1);
+    if (static_cast<std::int64_t>(lump.Offset) + lump.Size > fileSize)
+    {
+        IoFailure("read", stream, 0, lump.Size);
+        return bytes;
+    }
     bytes.resize(static_cast<std::size_t>(lump.Size));
-    if (CheckedSeek(file.Stream.get(), lump.Offset) != 1 ||
-        CheckedRead(file.Stream.get(), bytes.data(), lump.Size) != 1)
+    if (CheckedRead(stream, bytes.data(), lump.Size) != 1)
     {
         bytes.clear();
     }

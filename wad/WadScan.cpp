@@ -451,11 +451,15 @@ std::vector<LumpEntry> ReadDirectoryQuietly(std::FILE* stream, std::string* magi
     {
         magic->assign(reinterpret_cast<const char*>(header), 4);
     }
-    const std::int32_t count = ReadLe32(header + 4);
     const std::int32_t offset = ReadLe32(header + 8);
-    if (count <= 0 || offset < 0 ||
-        static_cast<std::int64_t>(offset) + static_cast<std::int64_t>(count) * DirectoryEntrySize >
-            size)
+    if (offset < 0 || offset > size)
+    {
+        return entries;
+    }
+    // As in the scan, the header's count is believed only as far as the file holds entries.
+    const std::int64_t count =
+        std::min<std::int64_t>(ReadLe32(header + 4), (size - offset) / DirectoryEntrySize);
+    if (count <= 0)
     {
         return entries;
     }

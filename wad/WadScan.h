@@ -38,9 +38,10 @@ void EnsureSpareEntry();
 /// (damage is reported, reading stops at a bad entry). Nothing when the header is refused.
 std::optional<std::vector<LumpEntry>> ReadWadDirectory(std::FILE* stream, const std::string& path);
 
-/// The directory of an open WAD as it stands on disk, read without a word to the user: empty
-/// when the header or the directory doesn't fit the file. `magic`, when given, gets the
-/// header's first four bytes (empty for a file shorter than a header).
+/// The directory of an open WAD as it stands on disk, read without a word to the user: the
+/// entries that lie inside the file, however many the header claims; empty when the header
+/// or the directory offset doesn't fit the file. `magic`, when given, gets the header's first
+/// four bytes (empty for a file shorter than a header).
 std::vector<LumpEntry> ReadDirectoryQuietly(std::FILE* stream, std::string* magic);
 
 /// The magic of an open file, read from its start, when it is "PWAD" or "IWAD"; nothing for

@@ -7,11 +7,13 @@
 #include "wad/FileChecks.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 namespace kelvar::wad
 {
@@ -275,6 +277,37 @@ TEST_F(CheckedFile, FatalErrorAddsTheStartUpHintAndAFailingHookCannotLoop)
         fail(), ::testing::ExitedWithCode(platform::FatalExitCode),
         "FATAL ERROR: broken 7\n\nTo bypass all files at startup\n\nFrom Windows Start Menu\n\n"
         "Run \\*\\* C:.Kelvar.Kelvar -N\n\n\\(\\*\\*replace with your installation location\\)");
+}
+
+TEST_F(CheckedFile, AnAllocationThatFailsEndsWithTheMemoryMessage)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const std::string message =
+        "FATAL ERROR: \\(1\\) Kelvar requires 0 bytes more memory, close ALL "
+        "other PGMS, increase swapfile";
+    // Memory the system can't give: the new-handler.
+    const auto exhausted = []
+    {
+        platform::InstallOutOfMemoryHandler();
+        volatile std::size_t size = std::size_t{1} << 62;
+        std::vector<char> bytes;
+        bytes.reserve(size);
+        std::printf("%p\n", static_cast<void*>(bytes.data()));
+    };
+    EXPECT_EXIT(exhausted(), ::testing::ExitedWithCode(platform::FatalExitCode), message);
+    // More than an array can hold is thrown without asking the system; uncaught, it ends the
+    // same way and not by an abort.
+    const auto tooLong = []() noexcept
+    {
+        std::vector<int> numbers;
+        numbers.reserve(numbers.max_size() + 1);
+    };
+    const auto uncaught = [&]
+    {
+        platform::InstallOutOfMemoryHandler();
+        tooLong();
+    };
+    EXPECT_EXIT(uncaught(), ::testing::ExitedWithCode(platform::FatalExitCode), message);
 }
 
 } // namespace

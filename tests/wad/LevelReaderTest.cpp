@@ -6,7 +6,13 @@
 #include "tests/testkit/LevelBuilder.h"
 #include "tests/testkit/WadFixture.h"
 #include "wad/CheckedFile.h"
+#include "wad/FindLump.h"
 #include "wad/WadState.h"
+
+#include <filesystem>
+#include <fstream>
+#include <sys/resource.h>
+#include <unistd.h>
 
 namespace kelvar::wad
 {
@@ -342,6 +348,79 @@ TEST_F(LevelReader, AMissingLevelLumpIsFatal)
     EXPECT_EXIT(ReadLevel(level, "MAP01", false),
                 ::testing::ExitedWithCode(platform::FatalExitCode),
                 " Internal Damaged .*iwad.wad file SECTORS not found");
+}
+
+TEST_F(LevelReader, AHeaderClaimingBillionsOfEntriesIsBelievedOnlyForTheEntriesTheFileHolds)
+{
+    WadBuilder iwad("IWAD");
+    SmallRoom().WriteTo(iwad, "MAP01").Lump("SARGA1", "s");
+    ASSERT_EQ(OpenIwad(iwad.Write(Dir.Path() / "iwad.wad")), 1);
+    // A Hexen-layout level: read with the wrong layout, its lines would come out as garbage.
+    LevelBuilder builder;
+    builder.Room(0, 0, 256, 64).Thing(32, 32, 3004, 0);
+    WadBuilder pwad;
+    builder.WriteTo(pwad, "MAP01", LevelLayout::Hexen);
+    const std::string path = pwad.HeaderCount(2000000000).Write(Dir.Path() / "huge.wad");
+    Wad().Options.NoIwadWarningMsg = true;
+
+    ASSERT_EQ(OpenPwad(path), 1);
+    EXPECT_NE(Ui.Messages[0].Text().find("Directory of 2000000000 entries at offset="),
+              std::string::npos)
+        << Ui.Messages[0].Text();
+    map::LevelData level;
+    ASSERT_EQ(ReadLevel(level, "MAP01", false), 1);
+    EXPECT_EQ(level.LevelLayout, 2);
+    EXPECT_EQ(level.LineDefs, builder.Build().LineDefs);
+    EXPECT_EQ(level.Vertexes, builder.Build().Vertexes);
+    const StreamPtr stream(std::fopen(path.c_str(), "rb"));
+    EXPECT_EQ(LevelLayoutOf(stream.get(), "MAP01", -1), 2);
+    EXPECT_EQ(PeekPwadEntry(path, "BEHAVIOR", nullptr), 1);
+}
+
+TEST_F(LevelReader, NothingIsAllocatedForALumpTheFileNoLongerHolds)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    // THINGS claims 2 GB of a file that was that long when it was scanned and was cut short
+    // after. Reading it is a short read; under a limit far below 2 GB of address space the
+    // reader gets through, so it took no room for the bytes first.
+    constexpr std::int32_t Huge = 0x7FFF0000;
+    const LevelBuilder builder = SmallRoom();
+    WadBuilder iwad("IWAD");
+    iwad.Marker("MAP01")
+        .Entry(12, Huge, "THINGS")
+        .Lump("LINEDEFS", builder.LineDefsLump(LevelLayout::Doom))
+        .Lump("SIDEDEFS", builder.SideDefsLump())
+        .Lump("VERTEXES", builder.VertexesLump())
+        .Marker("SEGS")
+        .Marker("SSECTORS")
+        .Marker("NODES")
+        .Lump("SECTORS", builder.SectorsLump())
+        .Marker("REJECT")
+        .Marker("BLOCKMAP")
+        .Lump("SARGA1", "s");
+    const std::string path = iwad.Write(Dir.Path() / "iwad.wad");
+    const std::uintmax_t size = std::filesystem::file_size(path);
+    std::filesystem::resize_file(path, 12 + static_cast<std::uintmax_t>(Huge)); // sparse
+    ASSERT_EQ(OpenIwad(path), 1);
+    std::filesystem::resize_file(path, size);
+
+    const auto read = [&]
+    {
+        long pages = 0;
+        std::ifstream("/proc/self/statm") >> pages;
+        const rlim_t room =
+            static_cast<rlim_t>(pages) * static_cast<rlim_t>(getpagesize()) + (rlim_t{256} << 20);
+        const rlimit limit{room, room};
+        setrlimit(RLIMIT_AS, &limit);
+        Ui.Answer(0); // go on after the short read
+        map::LevelData level;
+        (void)ReadLevel(level, "MAP01", false);
+        const bool asked =
+            Ui.Messages[0].Title == "I/O error" &&
+            Ui.Messages[0].Lines[0] == " read error: 2147418112 bytes at location 12";
+        std::exit(asked && level.Things.Count() == 0 && level.LineDefs.Count() == 4 ? 0 : 1);
+    };
+    EXPECT_EXIT(read(), ::testing::ExitedWithCode(0), "");
 }
 
 } // namespace
