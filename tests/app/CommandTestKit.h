@@ -70,27 +70,6 @@ protected:
     platform::ScopedUi Guard{Ui};
 };
 
-/// Two rooms sharing the wall x = 128 (LineDef 4). The west room, Sector 0, is bordered by
-/// LineDefs 0, 1, 2 and 4; the east room, Sector 1, by 3, 4, 5 and 6.
-inline map::LevelData TwoRooms()
-{
-    testkit::LevelBuilder builder;
-    builder.Sector().Sector(0, 96);
-    builder.Vertex(0, 0).Vertex(0, 128).Vertex(128, 128).Vertex(128, 0).Vertex(256, 128).Vertex(256,
-                                                                                                0);
-    for (const std::uint32_t sector : {0u, 0u, 0u, 1u, 1u, 1u, 1u, 0u})
-    {
-        builder.Side(sector);
-    }
-    builder.Line(0, 1, 0)
-        .Line(1, 2, 1)
-        .Line(3, 0, 2)
-        .Line(2, 4, 3)
-        .Line(3, 2, 6, 7)
-        .Line(4, 5, 4)
-        .Line(5, 3, 5);
-    builder.Thing(64, 64, 1).Thing(200, 64, 3004).Thing(100, 100, 3004);
-    return builder.Build();
-}
+using testkit::TwoRooms;
 
 } // namespace kelvar::app

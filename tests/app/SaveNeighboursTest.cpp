@@ -7,6 +7,7 @@
 #include "app/Session.h"
 #include "app/ShellState.h"
 #include "map/MapState.h"
+#include "tests/testkit/Commands.h"
 #include "tests/testkit/LevelBuilder.h"
 #include "tests/testkit/WadFixture.h"
 #include "wad/Backup.h"
@@ -66,23 +67,8 @@ std::string FromHex(const std::string& hex)
 
 OmgifolView ReadWithOmgifol(const std::string& path)
 {
-    const std::string command = std::string("/usr/bin/python3 ") + KELVAR_SOURCE_DIR +
-                                "/tests/wad/omg_entries.py '" + path + "' 2>&1";
     OmgifolView view;
-    FILE* pipe = popen(command.c_str(), "r");
-    if (pipe == nullptr)
-    {
-        ADD_FAILURE() << "omgifol did not start";
-        return view;
-    }
-    std::string output;
-    char buffer[4096];
-    std::size_t got = 0;
-    while ((got = std::fread(buffer, 1, sizeof buffer, pipe)) > 0)
-    {
-        output.append(buffer, got);
-    }
-    EXPECT_EQ(pclose(pipe), 0) << "omgifol failed on " << path << ":\n" << output;
+    const std::string output = testkit::RunOmgifol("omg_entries.py", path).Text;
     std::istringstream lines(output);
     std::string kind;
     std::string name;

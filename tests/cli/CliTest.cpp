@@ -1,5 +1,6 @@
 // kelvar-cli over built PWADs: the merged directory it prints, and its exit status.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/testkit/Commands.h"
 #include "tests/testkit/TempDir.h"
 #include "tests/testkit/WadBuilder.h"
 
@@ -21,23 +22,8 @@ struct Output
 
 Output RunCli(const std::string& arguments, const testkit::TempDir& config)
 {
-    const std::string command =
-        "XDG_CONFIG_HOME=" + config.Path().string() + " " + KELVAR_CLI + " " + arguments + " 2>&1";
-    Output output;
-    FILE* pipe = popen(command.c_str(), "r");
-    char buffer[512];
-    while (pipe != nullptr && std::fgets(buffer, sizeof buffer, pipe) != nullptr)
-    {
-        std::string line(buffer);
-        if (!line.empty() && line.back() == '\n')
-        {
-            line.pop_back();
-        }
-        output.Lines.push_back(line);
-    }
-    const int status = pipe != nullptr ? pclose(pipe) : -1;
-    output.Status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return output;
+    const testkit::CommandOutput output = testkit::RunCli(arguments, config.Path());
+    return {output.Status, output.Lines()};
 }
 
 TEST(KelvarCli, LumpsShowsAPwadLevelInTheIwadsSlots)

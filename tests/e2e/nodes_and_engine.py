@@ -58,8 +58,8 @@ def engine_runs(iwad, pwad, name, work):
 def main():
     cli, work = sys.argv[1], sys.argv[2]
     if not os.path.exists(ENGINE):
-        print("dsda-doom is not installed")
-        return 77
+        print("dsda-doom is not installed: run scripts/setup")
+        return 1
     failures = 0
     levels = 0
     for iwad, source, name, out, run in saved_levels(cli, work, sys.argv[3:], "--nodes"):

@@ -25,22 +25,6 @@ protected:
 };
 
 // Two rooms side by side sharing the wall x = 128 as one two-sided LineDef (number 4).
-LevelBuilder TwoRooms()
-{
-    LevelBuilder builder;
-    builder.Sector().Sector();                                           // 0 west, 1 east
-    builder.Vertex(0, 0).Vertex(0, 128).Vertex(128, 128).Vertex(128, 0); // 0..3
-    builder.Vertex(256, 128).Vertex(256, 0);                             // 4, 5
-    for (std::uint32_t s : {0u, 0u, 0u, 1u, 1u, 1u, 0u, 1u})
-    {
-        builder.Side(s);
-    }
-    builder.Line(0, 1, 0).Line(1, 2, 1).Line(3, 0, 2); // west room's outer walls
-    builder.Line(2, 4, 3).Line(3, 2, 6, 7);            // 3: east top, 4: shared wall
-    builder.Line(4, 5, 4).Line(5, 3, 5);               // east room's other walls
-    return builder;
-}
-
 TEST_F(ObjectStore, GrowthFollowsTheStepsOfEachKind)
 {
     LevelData level;
@@ -64,14 +48,14 @@ TEST_F(ObjectStore, GrowthFollowsTheStepsOfEachKind)
 
 TEST_F(ObjectStore, InsertionFillsDefaultsOrCopiesATemplate)
 {
-    LevelData level = TwoRooms().Build();
+    LevelData level = testkit::TwoRoomsBuilder().Build();
     Map().Textures.Normal = TextureName::From("BROWN1");
     const int thing = InsertObject(level, KindThing, -1, 10, -20);
     EXPECT_EQ(level.Things[static_cast<std::size_t>(thing)].Type, 3004);
     EXPECT_EQ(level.Things[static_cast<std::size_t>(thing)].Flags, 7);
     EXPECT_EQ(level.ChangeCount, 1);
     EXPECT_EQ(level.GeometryChangeCount, 0) << "a Thing needs no new nodes";
-    level.Things[0].Angle = 90;
+    level.Things[static_cast<std::size_t>(thing)].Angle = 90;
     const int copy = InsertObject(level, KindThing, thing, 300, 400);
     EXPECT_EQ(level.Things[static_cast<std::size_t>(copy)].X, 300) << "the given position stays";
     EXPECT_EQ(level.Things[static_cast<std::size_t>(copy)].Angle, 90);
@@ -98,7 +82,7 @@ TEST_F(ObjectStore, InsertionFillsDefaultsOrCopiesATemplate)
 
 TEST_F(ObjectStore, DeletingAWallKeepsSharedSideDefsAndDropsLonelyVertexes)
 {
-    LevelBuilder builder = TwoRooms();
+    LevelBuilder builder = testkit::TwoRoomsBuilder();
     // The west room's top wall shares its SideDef with the shared wall's front.
     builder.Level().LineDefs[1].SideDef1 = 6;
     LevelData level = builder.Build();
@@ -122,18 +106,18 @@ TEST_F(ObjectStore, DeletingAWallKeepsSharedSideDefsAndDropsLonelyVertexes)
 
 TEST_F(ObjectStore, DeletingASectorTurnsOrRemovesItsLines)
 {
-    LevelData level = TwoRooms().Build();
-    DeleteObject(level, KindSector, 0); // the west room
-    // The shared wall had the west room in front: it turns round, keeps the east side only.
+    LevelData level = testkit::TwoRoomsBuilder().Build();
+    DeleteObject(level, KindSector, 1); // the east room
+    // The shared wall had the east room in front: it turns round, keeps the west side only.
     ASSERT_EQ(level.Sectors.Count(), 1);
-    const LineDef& wall = level.LineDefs[1]; // the three west walls went before it
+    const LineDef& wall = level.LineDefs[3]; // after the three west walls
     EXPECT_EQ(level.LineDefs.Count(), 4);
     EXPECT_EQ(level.Vertexes[wall.StartVertex], (Vertex{128, 128}));
     EXPECT_EQ(level.Vertexes[wall.EndVertex], (Vertex{128, 0}));
     EXPECT_EQ(wall.SideDef2, NoSideDef);
     EXPECT_EQ(wall.Flags & (FlagImpassable | FlagTwoSided), FlagImpassable);
     EXPECT_EQ(level.SideDefs[wall.SideDef1].Sector, 0u);
-    EXPECT_EQ(level.Vertexes.Count(), 4) << "the west corners went with their lines";
+    EXPECT_EQ(level.Vertexes.Count(), 4) << "the east corners went with their lines";
     for (const SideDef& side : level.SideDefs)
     {
         EXPECT_EQ(side.Sector, 0u);
@@ -184,7 +168,7 @@ TEST_F(ObjectStore, VertexDeletionTakesItsLinesAlong)
 
 TEST_F(ObjectStore, BoundsCopiesAndFreeing)
 {
-    LevelData level = TwoRooms().Build();
+    LevelData level = testkit::TwoRoomsBuilder().Build();
     EXPECT_EQ(level.MaxX, 256);
     EXPECT_EQ(level.MinY, 0);
     LevelData empty;

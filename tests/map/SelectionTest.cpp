@@ -29,26 +29,6 @@ protected:
 };
 
 // Two rooms sharing the wall x = 128 (LineDef 4), the east room also bordered by 3, 5, 6.
-LevelData TwoRooms()
-{
-    LevelBuilder builder;
-    builder.Sector().Sector();
-    builder.Vertex(0, 0).Vertex(0, 128).Vertex(128, 128).Vertex(128, 0).Vertex(256, 128).Vertex(256,
-                                                                                                0);
-    for (std::uint32_t s : {0u, 0u, 0u, 1u, 1u, 1u, 1u, 0u})
-    {
-        builder.Side(s);
-    }
-    builder.Line(0, 1, 0)
-        .Line(1, 2, 1)
-        .Line(3, 0, 2)
-        .Line(2, 4, 3)
-        .Line(3, 2, 6, 7)
-        .Line(4, 5, 4)
-        .Line(5, 3, 5);
-    return builder.Build();
-}
-
 TEST_F(SelectionTest, ClicksReplaceAddOrRemove)
 {
     SelectionState& state = Selected();
@@ -72,7 +52,7 @@ TEST_F(SelectionTest, ClicksReplaceAddOrRemove)
 
 TEST_F(SelectionTest, BoxesSelectWholeLinesAndTheSectorsOfAnyLineInside)
 {
-    const LevelData level = TwoRooms();
+    const LevelData level = testkit::TwoRooms();
     ObjectList lines = SelectInBox(level, ModeLineDefs, 127, -1, 300, 200);
     EXPECT_EQ(lines.Objects(), (Objects{6, 5, 4, 3})) << "ascending, so the highest is the head";
     EXPECT_TRUE(SelectInBox(level, ModeLineDefs, 129, -1, 300, 200).Objects() == (Objects{5}))
@@ -97,7 +77,7 @@ TEST_F(SelectionTest, BoxesSelectWholeLinesAndTheSectorsOfAnyLineInside)
 
 TEST_F(SelectionTest, ModeChangesTranslateTheSelection)
 {
-    const LevelData level = TwoRooms();
+    const LevelData level = testkit::TwoRooms();
     for (const std::int32_t line : {3, 4, 5, 6})
     {
         ObjectListPush(Selected().Selection, line);
@@ -120,7 +100,7 @@ TEST_F(SelectionTest, ModeChangesTranslateTheSelection)
 
 TEST_F(SelectionTest, TheHighlightOfAModeComesBackWithIt)
 {
-    const LevelData level = TwoRooms();
+    const LevelData level = testkit::TwoRooms();
     Selected().HighlightedObject = 4;
     TranslateSelection(level, ModeLineDefs, ModeSectors);
     Selected().HighlightedObject = 1;
@@ -131,13 +111,13 @@ TEST_F(SelectionTest, TheHighlightOfAModeComesBackWithIt)
 
 TEST_F(SelectionTest, NextAndPreviousWrap)
 {
-    const LevelData level = TwoRooms();
+    const LevelData level = testkit::TwoRooms();
     Selected().HighlightedObject = 6;
     EXPECT_EQ(NextObject(level, ModeLineDefs), 0);
     EXPECT_EQ(PreviousObject(level, ModeLineDefs), 6);
     Selected().HighlightedObject = -1;
     EXPECT_EQ(PreviousObject(level, ModeLineDefs), 6);
-    EXPECT_EQ(NextObject(level, ModeThings), -1) << "no Things";
+    EXPECT_EQ(NextObject(LevelData{}, ModeThings), -1) << "no Things";
 }
 
 TEST_F(SelectionTest, TheGuardCountsAndComplains)
@@ -161,13 +141,13 @@ TEST_F(SelectionTest, TheGuardCountsAndComplains)
 
 TEST_F(SelectionTest, SameThingsAndTagWalks)
 {
-    LevelData level = TwoRooms();
+    LevelData level = testkit::TwoRooms();
     level = LevelBuilder().Thing(0, 0, 3004).Thing(1, 1, 9).Thing(2, 2, 3004).Build();
     Selected().HighlightedObject = 2;
     MarkAllSameThings(level);
     EXPECT_EQ(Marked(), (Objects{2, 0}));
 
-    LevelData rooms = TwoRooms();
+    LevelData rooms = testkit::TwoRooms();
     rooms.Sectors[1].Tag = 7;
     rooms.LineDefs[2].Tag = 7;
     rooms.LineDefs[5].Tag = 7;
@@ -193,7 +173,7 @@ TEST_F(SelectionTest, SameThingsAndTagWalks)
 
 TEST_F(SelectionTest, BookmarksBelongToTheirLevel)
 {
-    LevelData level = TwoRooms();
+    LevelData level = testkit::TwoRooms();
     view::MapViewport viewport;
     viewport.Scale = 2.0f;
     view::CenterOn(viewport, 64, 64);

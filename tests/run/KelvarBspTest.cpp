@@ -8,6 +8,7 @@
 #include "platform/Format.h"
 #include "platform/PosixProcesses.h"
 #include "platform/test/RecordingUi.h"
+#include "tests/testkit/Commands.h"
 #include "tests/testkit/LevelBuilder.h"
 #include "tests/testkit/TempDir.h"
 #include "tests/testkit/WadBuilder.h"
@@ -121,19 +122,7 @@ std::vector<std::string> FilesIn(const std::filesystem::path& directory)
 
 std::string ReadCommandOutput(const std::string& command)
 {
-    std::string output;
-    std::FILE* pipe = popen(command.c_str(), "r");
-    EXPECT_NE(pipe, nullptr);
-    char buffer[512];
-    while (pipe != nullptr && std::fgets(buffer, sizeof buffer, pipe) != nullptr)
-    {
-        output += buffer;
-    }
-    if (pipe != nullptr)
-    {
-        pclose(pipe);
-    }
-    return output;
+    return testkit::RunCommand(command).Text;
 }
 
 TEST(BspCommandLine, ReadsTheEditorsWordsIntoZdbspOptions)

@@ -17,7 +17,8 @@ namespace
 {
 
 // A level of two rooms with a two-sided line between them, and two Things.
-map::LevelData TwoRooms()
+// Two rooms side by side with a two-sided LineDef of its own between their corners.
+map::LevelData RoomsWithALineBetween()
 {
     testkit::LevelBuilder level;
     level.Room(0, 0, 128, 128).Room(256, 0, 128, 128);
@@ -29,7 +30,7 @@ map::LevelData TwoRooms()
 
 TEST(ApplyEditLine, ChangesOnlyWhatDiffers)
 {
-    map::LevelData level = TwoRooms();
+    map::LevelData level = RoomsWithALineBetween();
     const map::LevelData before = level;
 
     // Rows that repeat what the level holds change nothing and count nothing.
@@ -60,7 +61,7 @@ TEST(ApplyEditLine, ChangesOnlyWhatDiffers)
 
 TEST(ApplyEditLine, LineRowsSetTexturesOffsetsAndPegging)
 {
-    map::LevelData level = TwoRooms();
+    map::LevelData level = RoomsWithALineBetween();
     ASSERT_TRUE(ApplyEditLine(level, "LINE 8 1 16 -24 BIGDOOR2 STEP1 - Upeg Lpeg"));
     const map::SideDef& back = level.SideDefs[9];
     EXPECT_EQ(back.XOffset, 16);
@@ -69,7 +70,7 @@ TEST(ApplyEditLine, LineRowsSetTexturesOffsetsAndPegging)
     EXPECT_EQ(back.LowerTexture, map::TextureName::From("STEP1"));
     EXPECT_EQ(back.NormalTexture, map::NoTexture);
     EXPECT_EQ(level.LineDefs[8].Flags & 24, 24);
-    EXPECT_EQ(level.SideDefs[8], TwoRooms().SideDefs[8]); // the front is untouched
+    EXPECT_EQ(level.SideDefs[8], RoomsWithALineBetween().SideDefs[8]); // the front is untouched
 
     const std::uint16_t changes = level.ChangeCount;
     ASSERT_TRUE(ApplyEditLine(level, "LINE 8 1 16 -24 BIGDOOR2 STEP1 - Lpeg"));
@@ -79,7 +80,7 @@ TEST(ApplyEditLine, LineRowsSetTexturesOffsetsAndPegging)
 
 TEST(ApplyEditLine, ThingsAreAddedAndDeleted)
 {
-    map::LevelData level = TwoRooms();
+    map::LevelData level = RoomsWithALineBetween();
     ASSERT_TRUE(ApplyEditLine(level, "THING 9 32 96 45 2001 7 args 1 2 3 4 5"));
     ASSERT_EQ(level.Things.Count(), 3);
     const map::Thing& added = level.Things[2];
@@ -94,7 +95,7 @@ TEST(ApplyEditLine, ThingsAreAddedAndDeleted)
 
 TEST(ApplyEditLine, PassesOverRowsOfOtherKindsAndRowsThatDoNotRead)
 {
-    map::LevelData level = TwoRooms();
+    map::LevelData level = RoomsWithALineBetween();
     const map::LevelData before = level;
     for (const char* other :
          {"", "\n", "# viewer notes", "THINGS 0 1 2 3 4 5", "THING 0 1 2", "THING x 1 2 3 4 5",
@@ -115,7 +116,7 @@ protected:
         Viewer = Dir.Path() / "viewer";
         std::filesystem::create_directories(Viewer);
         AddPwad("/maps/a.wad", true);
-        map::Map().Level = TwoRooms();
+        map::Map().Level = RoomsWithALineBetween();
         Viewer3DOptions& options = Options().Viewer;
         options.ViewerPath = "/opt/r3d/viewer";
         options.ViewerDirectory = Viewer.string();
@@ -246,7 +247,7 @@ TEST_F(Test3DTest, NothingComesBackWithoutEditOutOrWithPlayOnly)
 {
     EXPECT_EQ(TestIn3D(0, 0), 1);
     EXPECT_EQ(UndoSteps, 0);
-    EXPECT_EQ(map::Map().Level, TwoRooms());
+    EXPECT_EQ(map::Map().Level, RoomsWithALineBetween());
 
     Options().Viewer.Prompt = true;
     Options().Hooks.EditViewerOptions = [](Viewer3DOptions& options)
@@ -257,7 +258,7 @@ TEST_F(Test3DTest, NothingComesBackWithoutEditOutOrWithPlayOnly)
     ViewerWrites("FLAT_FLOOR 1 16 160 FLOOR4_8\n");
     EXPECT_EQ(TestIn3D(0, 0), 1);
     EXPECT_EQ(UndoSteps, 0);
-    EXPECT_EQ(map::Map().Level, TwoRooms());
+    EXPECT_EQ(map::Map().Level, RoomsWithALineBetween());
     EXPECT_TRUE(Options().Viewer.NoMonsters); // the dialog's values are kept
     EXPECT_EQ(Processes.Runs[1].CommandLine.find("-e"), std::string::npos);
 }

@@ -233,4 +233,26 @@ WadBuilder& LevelBuilder::WriteTo(WadBuilder& wad, std::string_view name, LevelL
     return wad;
 }
 
+LevelBuilder TwoRoomsBuilder()
+{
+    LevelBuilder builder;
+    builder.Sector().Sector(0, 96);
+    builder.Vertex(0, 0).Vertex(0, 128).Vertex(128, 128).Vertex(128, 0); // 0 to 3
+    builder.Vertex(256, 128).Vertex(256, 0);                             // 4, 5
+    for (const std::uint32_t sector : {0u, 0u, 0u, 1u, 1u, 1u, 1u, 0u})
+    {
+        builder.Side(sector);
+    }
+    builder.Line(0, 1, 0).Line(1, 2, 1).Line(3, 0, 2); // the west room's outer walls
+    builder.Line(2, 4, 3).Line(3, 2, 6, 7);            // 3: the east room's top, 4: shared
+    builder.Line(4, 5, 4).Line(5, 3, 5);               // the east room's other walls
+    builder.Thing(64, 64, 1).Thing(200, 64, 3004).Thing(100, 100, 3004);
+    return builder;
+}
+
+map::LevelData TwoRooms()
+{
+    return TwoRoomsBuilder().Build();
+}
+
 } // namespace kelvar::testkit

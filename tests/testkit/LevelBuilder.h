@@ -64,4 +64,14 @@ private:
     map::LevelData Data;
 };
 
+/// Two rooms sharing the wall x = 128 (LineDef 4, Vertexes 3 to 2). The west room, Sector 0
+/// (floor 0, ceiling 128), is bordered by LineDefs 0, 1, 2 and 4; the east room, Sector 1
+/// (floor 0, ceiling 96), by 3, 4, 5 and 6. LineDef 4 has SideDef 6 facing east (Sector 1) and
+/// SideDef 7 facing west (Sector 0). Three Things: a player start in the west room and two
+/// Things of type 3004, one in each room.
+LevelBuilder TwoRoomsBuilder();
+
+/// TwoRoomsBuilder's level, bounds measured.
+map::LevelData TwoRooms();
+
 } // namespace kelvar::testkit

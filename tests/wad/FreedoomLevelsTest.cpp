@@ -1,6 +1,7 @@
 // Every level of both Freedoom IWADs reads, and agrees with what omgifol reads, record by record.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "map/MapState.h"
+#include "tests/testkit/Commands.h"
 #include "tests/testkit/WadFixture.h"
 #include "wad/LevelList.h"
 #include "wad/LevelReader.h"
@@ -20,16 +21,10 @@ using Lines = std::vector<std::string>;
 // omgifol's records of every level, by level name, as lines of text.
 std::map<std::string, Lines> OmgifolLevels(const std::string& path)
 {
-    const std::string command = std::string("/usr/bin/python3 ") + KELVAR_SOURCE_DIR +
-                                "/tests/wad/omg_levels.py '" + path + "'";
     std::map<std::string, Lines> levels;
-    FILE* pipe = popen(command.c_str(), "r");
     std::string current;
-    char buffer[256];
-    while (pipe != nullptr && std::fgets(buffer, sizeof buffer, pipe) != nullptr)
+    for (const std::string& line : testkit::RunOmgifol("omg_levels.py", path).Lines())
     {
-        std::string line(buffer);
-        line.pop_back();
         if (line.rfind("LEVEL ", 0) == 0)
         {
             current = line.substr(6);
@@ -39,7 +34,6 @@ std::map<std::string, Lines> OmgifolLevels(const std::string& path)
             levels[current].push_back(line);
         }
     }
-    EXPECT_EQ(pipe != nullptr ? pclose(pipe) : -1, 0) << "omgifol failed: run scripts/setup";
     return levels;
 }
 

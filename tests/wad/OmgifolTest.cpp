@@ -1,5 +1,6 @@
 // The IWADs' directories as we read them agree with a second reader, omgifol.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/testkit/Commands.h"
 #include "tests/testkit/WadFixture.h"
 #include "wad/WadState.h"
 
@@ -11,26 +12,9 @@ namespace kelvar::wad
 namespace
 {
 
-// Runs omgifol (Debian's python3-omg, which only Debian's own python sees) over a WAD.
 std::vector<std::string> OmgifolDirectory(const std::string& path)
 {
-    const std::string command = std::string("/usr/bin/python3 ") + KELVAR_SOURCE_DIR +
-                                "/tests/wad/omg_directory.py '" + path + "' 2>&1";
-    std::vector<std::string> lines;
-    FILE* pipe = popen(command.c_str(), "r");
-    if (pipe == nullptr)
-    {
-        return lines;
-    }
-    char buffer[256];
-    while (std::fgets(buffer, sizeof buffer, pipe) != nullptr)
-    {
-        std::string line(buffer);
-        line.pop_back();
-        lines.push_back(line);
-    }
-    EXPECT_EQ(pclose(pipe), 0) << "omgifol failed; is python3-omg installed (scripts/setup)?";
-    return lines;
+    return testkit::RunOmgifol("omg_directory.py", path).Lines();
 }
 
 class Omgifol : public testkit::WadFixture, public ::testing::WithParamInterface<const char*>
