@@ -34,7 +34,7 @@ void ReadBenchmark(benchmark::State& state, const std::string& iwad, const std::
         const std::size_t before = bench::HeapInUse();
         (void)wad::ReadLevel(level, name, false);
         peak = bench::HeapPeak() - before;
-        benchmark::DoNotOptimize(level.LineDefs.Array.data());
+        benchmark::DoNotOptimize(&level.LineDefs);
         state.counters["linedefs"] = level.LineDefs.Count();
     }
     const double lumps = bench::LevelLumpBytes(name);

@@ -31,7 +31,7 @@ bool PollDue(std::size_t index)
 // Escape on the way.
 int NextZeroLength(const map::LevelData& level, std::size_t first, bool& escaped)
 {
-    const std::size_t count = level.LineDefs.Array.size();
+    const std::size_t count = level.LineDefs.size();
     for (std::size_t i = first; i < count; ++i)
     {
         if (PollDue(i) && platform::TheUi().PollEscape())
@@ -174,7 +174,7 @@ bool PlayerOneCheck(map::LevelData& level)
     std::int32_t maxX = 0;
     std::int32_t minY = 0;
     std::int32_t maxY = 0;
-    if (!level.Vertexes.Array.empty())
+    if (!level.Vertexes.empty())
     {
         const auto [left, right] = std::minmax_element(
             level.Vertexes.begin(), level.Vertexes.end(),

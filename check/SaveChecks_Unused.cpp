@@ -85,12 +85,12 @@ bool CheckUnused(LevelData& level)
     platform::Ui& ui = platform::TheUi();
     ui.ShowProgress("Checking for Unused objects (esc)", "");
     map::KeepMarks used;
-    used.Vertexes.assign(level.Vertexes.Array.size(), 0);
-    used.SideDefs.assign(level.SideDefs.Array.size(), 0);
-    used.Sectors.assign(level.Sectors.Array.size(), 0);
+    used.Vertexes.assign(level.Vertexes.size(), 0);
+    used.SideDefs.assign(level.SideDefs.size(), 0);
+    used.Sectors.assign(level.Sectors.size(), 0);
     bool repaired = false;
     bool escaped = false;
-    for (std::size_t i = 0; i < level.LineDefs.Array.size() && !escaped; ++i)
+    for (std::size_t i = 0; i < level.LineDefs.size() && !escaped; ++i)
     {
         escaped = PollDue(i) && ui.PollEscape();
         if (!escaped)
@@ -104,7 +104,7 @@ bool CheckUnused(LevelData& level)
         }
     }
     // A Sector is used when a SideDef that stays faces it.
-    for (std::size_t s = 0; s < level.SideDefs.Array.size() && !escaped; ++s)
+    for (std::size_t s = 0; s < level.SideDefs.size() && !escaped; ++s)
     {
         escaped = PollDue(s) && ui.PollEscape();
         if (!escaped && used.SideDefs[s] != 0)

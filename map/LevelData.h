@@ -14,6 +14,8 @@
 // - The same LevelData serves the current level, the internal clipboard and each undo step.
 #pragma once
 
+#include "map/ObjectArray.h"
+
 #include <array>
 #include <cstdint>
 #include <string>
@@ -137,31 +139,6 @@ struct Sector
     std::uint16_t Tag = 0;
 
     bool operator==(const Sector&) const = default;
-};
-
-/// One growable array of records. `Capacity` is the number of records allocated, and grows by
-/// the steps of the kind; `Array` holds the records in use (its size is the count).
-template <typename Record> struct ObjectArray
-{
-    std::int32_t Capacity = 0;
-    std::vector<Record> Array;
-
-    std::int32_t Count() const { return static_cast<std::int32_t>(Array.size()); }
-    /// Sets the capacity and allocates room for that many records.
-    void Reserve(std::int32_t capacity)
-    {
-        Capacity = capacity;
-        Array.reserve(static_cast<std::size_t>(capacity));
-    }
-    Record& operator[](std::size_t index) { return Array[index]; }
-    const Record& operator[](std::size_t index) const { return Array[index]; }
-    auto begin() { return Array.begin(); }
-    auto end() { return Array.end(); }
-    auto begin() const { return Array.begin(); }
-    auto end() const { return Array.end(); }
-
-    /// Records equal in count and content; the allocation doesn't count.
-    bool operator==(const ObjectArray& other) const { return Array == other.Array; }
 };
 
 /// The bounding box of a fresh level: empty, so that the first Vertex sets it.

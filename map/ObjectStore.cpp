@@ -36,9 +36,9 @@ template <typename Record> void Resize(ObjectArray<Record>& array, int kind, int
 {
     if (delta < 1)
     {
-        if (!array.Array.empty())
+        if (!array.empty())
         {
-            array.Array.pop_back();
+            array.pop_back();
         }
         return;
     }
@@ -53,12 +53,12 @@ template <typename Record> void Resize(ObjectArray<Record>& array, int kind, int
             platform::OutOfMemory(3, static_cast<std::size_t>(array.Capacity) * sizeof(Record));
         }
     }
-    array.Array.emplace_back();
+    array.emplace_back();
 }
 
 template <typename Record> void Erase(ObjectArray<Record>& array, std::uint32_t object)
 {
-    array.Array.erase(array.Array.begin() + static_cast<std::ptrdiff_t>(object));
+    array.erase(object);
 }
 
 std::uint32_t Highest(std::int32_t count)
@@ -77,7 +77,7 @@ void DeleteThing(LevelData& level, std::uint32_t object)
 int TwoSidedUsers(const LevelData& level, std::uint32_t line, std::uint32_t side)
 {
     int users = 0;
-    for (std::size_t i = 0; i < level.LineDefs.Array.size(); ++i)
+    for (std::size_t i = 0; i < level.LineDefs.size(); ++i)
     {
         const LineDef& other = level.LineDefs[i];
         if (i != line && other.SideDef1 != NoSideDef && other.SideDef2 != NoSideDef &&
@@ -141,7 +141,7 @@ void DeleteLineDef(LevelData& level, std::uint32_t object)
 void DeleteVertex(LevelData& level, std::uint32_t object)
 {
     ObjectList lines;
-    for (std::size_t i = level.LineDefs.Array.size(); i-- > 0;)
+    for (std::size_t i = level.LineDefs.size(); i-- > 0;)
     {
         const LineDef& line = level.LineDefs[i];
         if (line.StartVertex == object || line.EndVertex == object)
@@ -163,13 +163,13 @@ void DeleteSector(LevelData& level, std::uint32_t object)
 {
     ObjectList sides;
     std::vector<std::uint32_t> affected;
-    for (std::size_t i = 0; i < level.SideDefs.Array.size(); ++i)
+    for (std::size_t i = 0; i < level.SideDefs.size(); ++i)
     {
         SideDef& side = level.SideDefs[i];
         if (side.Sector == object)
         {
             ObjectListPush(sides, static_cast<std::int32_t>(i));
-            for (std::size_t l = 0; l < level.LineDefs.Array.size(); ++l)
+            for (std::size_t l = 0; l < level.LineDefs.size(); ++l)
             {
                 const LineDef& line = level.LineDefs[l];
                 if (line.SideDef1 == i || line.SideDef2 == i)
@@ -289,7 +289,7 @@ int InsertObject(LevelData& level, int kind, int templateObject, int x, int y)
     {
     case KindThing:
     {
-        Thing& thing = level.Things.Array.back();
+        Thing& thing = level.Things.back();
         if (copy)
         {
             thing = level.Things[from];
@@ -306,7 +306,7 @@ int InsertObject(LevelData& level, int kind, int templateObject, int x, int y)
     }
     case KindLineDef:
     {
-        LineDef& line = level.LineDefs.Array.back();
+        LineDef& line = level.LineDefs.back();
         if (copy)
         {
             line = level.LineDefs[from];
@@ -323,7 +323,7 @@ int InsertObject(LevelData& level, int kind, int templateObject, int x, int y)
     }
     case KindSideDef:
     {
-        SideDef& side = level.SideDefs.Array.back();
+        SideDef& side = level.SideDefs.back();
         if (copy)
         {
             side = level.SideDefs[from];
@@ -339,7 +339,7 @@ int InsertObject(LevelData& level, int kind, int templateObject, int x, int y)
     case KindVertex:
     {
         // Vertex coordinates are 16 bits: the position is cut to its low 16 bits.
-        Vertex& vertex = level.Vertexes.Array.back();
+        Vertex& vertex = level.Vertexes.back();
         vertex.X = static_cast<std::int16_t>(x);
         vertex.Y = static_cast<std::int16_t>(y);
         ExtendBounds(level, vertex);
@@ -347,7 +347,7 @@ int InsertObject(LevelData& level, int kind, int templateObject, int x, int y)
     }
     default:
     {
-        Sector& sector = level.Sectors.Array.back();
+        Sector& sector = level.Sectors.back();
         if (copy)
         {
             sector = level.Sectors[from];
@@ -505,12 +505,12 @@ void Compact(ObjectArray<Record>& array, const std::vector<std::uint32_t>& numbe
         {
             if (kept != i)
             {
-                array.Array[kept] = std::move(array.Array[i]);
+                array[kept] = std::as_const(array)[i];
             }
             ++kept;
         }
     }
-    array.Array.resize(kept);
+    array.resize(kept);
 }
 
 // A reference after the compaction. A number that named nothing before (out of range, or
@@ -529,9 +529,9 @@ std::uint32_t Renumbered(std::uint32_t reference, const std::vector<std::uint32_
 
 void RemoveUnmarked(LevelData& level, const KeepMarks& marks)
 {
-    KELVAR_ASSERT(marks.Vertexes.size() == level.Vertexes.Array.size() &&
-                  marks.SideDefs.size() == level.SideDefs.Array.size() &&
-                  marks.Sectors.size() == level.Sectors.Array.size());
+    KELVAR_ASSERT(marks.Vertexes.size() == level.Vertexes.size() &&
+                  marks.SideDefs.size() == level.SideDefs.size() &&
+                  marks.Sectors.size() == level.Sectors.size());
     std::size_t vertexesGone = 0;
     std::size_t othersGone = 0;
     const std::vector<std::uint32_t> vertexNumbers = NewNumbers(marks.Vertexes, vertexesGone);
@@ -574,7 +574,7 @@ void ExtendBounds(LevelData& level, const Vertex& vertex)
 
 void MeasureLevel(LevelData& level)
 {
-    if (level.Vertexes.Array.empty())
+    if (level.Vertexes.empty())
     {
         level.MaxX = 100;
         level.MinX = -100;
@@ -597,13 +597,13 @@ namespace
 
 template <typename Record> void InitArray(ObjectArray<Record>& array, std::int32_t capacity)
 {
-    array.Array.clear();
+    array.clear();
     array.Reserve(array.Capacity == 0 ? capacity : array.Capacity);
 }
 
 template <typename Record> void FreeArray(ObjectArray<Record>& array)
 {
-    array.Array = std::vector<Record>();
+    array.clear();
     array.Capacity = 0;
 }
 
@@ -643,13 +643,6 @@ void LevelCopy(LevelData& destination, const LevelData& source)
 {
     LevelChanged();
     destination = source;
-    // The copy owns an allocation as large as the source's: an undo step costs the level's
-    // capacity, and editing the copy grows it no sooner than the source would grow.
-    destination.Things.Array.reserve(static_cast<std::size_t>(source.Things.Capacity));
-    destination.LineDefs.Array.reserve(static_cast<std::size_t>(source.LineDefs.Capacity));
-    destination.SideDefs.Array.reserve(static_cast<std::size_t>(source.SideDefs.Capacity));
-    destination.Vertexes.Array.reserve(static_cast<std::size_t>(source.Vertexes.Capacity));
-    destination.Sectors.Array.reserve(static_cast<std::size_t>(source.Sectors.Capacity));
 }
 
 void SetSideFlags(LineDef& line)

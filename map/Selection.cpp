@@ -35,8 +35,8 @@ int ModeSlot(int mode)
 
 std::uint32_t SectorOfSide(const LevelData& level, std::uint32_t side)
 {
-    return side != NoSideDef && side < level.SideDefs.Array.size() ? level.SideDefs[side].Sector
-                                                                   : NoSector;
+    return side != NoSideDef && side < level.SideDefs.size() ? level.SideDefs[side].Sector
+                                                             : NoSector;
 }
 
 bool InBox(double x, double y, double minX, double minY, double maxX, double maxY)
@@ -156,8 +156,8 @@ ObjectList SelectInBox(const LevelData& level, int kind, double x1, double y1, d
     {
         return list;
     }
-    std::vector<bool> flags(
-        kind == ModeLineDefs ? level.LineDefs.Array.size() : level.Sectors.Array.size(), false);
+    std::vector<bool> flags(kind == ModeLineDefs ? level.LineDefs.size() : level.Sectors.size(),
+                            false);
     for (const std::int32_t i : index.LineDefsNear(minX, minY, maxX, maxY))
     {
         const LineDef& line = level.LineDefs[static_cast<std::size_t>(i)];
@@ -237,9 +237,9 @@ void TranslateSelection(const LevelData& level, int oldMode, int newMode)
     std::vector<bool> result;
     if (oldMode == ModeSectors && newMode == ModeLineDefs)
     {
-        const std::vector<bool> sectors = isMarked(level.Sectors.Array.size());
-        result.assign(level.LineDefs.Array.size(), false);
-        for (std::size_t l = 0; l < level.LineDefs.Array.size(); ++l)
+        const std::vector<bool> sectors = isMarked(level.Sectors.size());
+        result.assign(level.LineDefs.size(), false);
+        for (std::size_t l = 0; l < level.LineDefs.size(); ++l)
         {
             const LineDef& line = level.LineDefs[l];
             for (const std::uint32_t side : {line.SideDef1, line.SideDef2})
@@ -251,8 +251,8 @@ void TranslateSelection(const LevelData& level, int oldMode, int newMode)
     }
     else if (oldMode == ModeLineDefs && newMode == ModeVertexes)
     {
-        const std::vector<bool> lines = isMarked(level.LineDefs.Array.size());
-        result.assign(level.Vertexes.Array.size(), false);
+        const std::vector<bool> lines = isMarked(level.LineDefs.size());
+        result.assign(level.Vertexes.size(), false);
         for (std::size_t l = 0; l < lines.size(); ++l)
         {
             for (const std::uint32_t vertex :
@@ -267,9 +267,9 @@ void TranslateSelection(const LevelData& level, int oldMode, int newMode)
     }
     else if (oldMode == ModeLineDefs && newMode == ModeSectors)
     {
-        const std::vector<bool> lines = isMarked(level.LineDefs.Array.size());
-        result.assign(level.Sectors.Array.size(), false);
-        std::vector<bool> spoiled(level.Sectors.Array.size(), false);
+        const std::vector<bool> lines = isMarked(level.LineDefs.size());
+        result.assign(level.Sectors.size(), false);
+        std::vector<bool> spoiled(level.Sectors.size(), false);
         for (std::size_t l = 0; l < lines.size(); ++l)
         {
             for (const std::uint32_t side :
@@ -290,8 +290,8 @@ void TranslateSelection(const LevelData& level, int oldMode, int newMode)
     }
     else if (oldMode == ModeVertexes && newMode == ModeLineDefs)
     {
-        const std::vector<bool> vertexes = isMarked(level.Vertexes.Array.size());
-        result.assign(level.LineDefs.Array.size(), false);
+        const std::vector<bool> vertexes = isMarked(level.Vertexes.size());
+        result.assign(level.LineDefs.size(), false);
         for (std::size_t l = 0; l < result.size(); ++l)
         {
             const LineDef& line = level.LineDefs[l];
@@ -351,7 +351,7 @@ void MarkAllSameThings(const LevelData& level)
     }
     const std::uint16_t type = level.Things[static_cast<std::size_t>(from)].Type;
     ObjectListClear(state.Selection);
-    for (std::size_t i = 0; i < level.Things.Array.size(); ++i)
+    for (std::size_t i = 0; i < level.Things.size(); ++i)
     {
         if (level.Things[i].Type == type)
         {

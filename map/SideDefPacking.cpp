@@ -11,7 +11,7 @@ namespace kelvar::map
 
 bool SideDefsShared(const LevelData& level)
 {
-    std::vector<bool> used(level.SideDefs.Array.size(), false);
+    std::vector<bool> used(level.SideDefs.size(), false);
     for (const LineDef& line : level.LineDefs)
     {
         for (const std::uint32_t side : {line.SideDef1, line.SideDef2})
@@ -33,8 +33,8 @@ bool SideDefsShared(const LevelData& level)
 UnpackResult UnpackSideDefsOf(LevelData& level)
 {
     UnpackResult result;
-    std::vector<bool> used(level.SideDefs.Array.size(), false);
-    for (std::size_t l = 0; l < level.LineDefs.Array.size(); ++l)
+    std::vector<bool> used(level.SideDefs.size(), false);
+    for (std::size_t l = 0; l < level.LineDefs.size(); ++l)
     {
         if (l % 100 == 99 && platform::TheUi().PollEscape())
         {

@@ -102,8 +102,7 @@ void SpatialIndex::Build(const LevelData& level)
     }
     // About two objects a cell, never cells smaller than 32 map units.
     const double objects =
-        static_cast<double>(level.Things.Array.size() + level.Vertexes.Array.size() +
-                            level.LineDefs.Array.size()) +
+        static_cast<double>(level.Things.size() + level.Vertexes.size() + level.LineDefs.size()) +
         1.0;
     const double area = std::max((maxX - minX + 1) * (maxY - minY + 1), 1.0);
     Cell = std::max(32.0, std::sqrt(area * 2.0 / objects));
@@ -113,8 +112,7 @@ void SpatialIndex::Build(const LevelData& level)
     Rows = std::max(1, static_cast<int>((maxY - minY) / Cell) + 1);
 
     std::vector<std::array<int, 4>> boxes;
-    boxes.reserve(std::max(
-        {level.Things.Array.size(), level.Vertexes.Array.size(), level.LineDefs.Array.size()}));
+    boxes.reserve(std::max({level.Things.size(), level.Vertexes.size(), level.LineDefs.size()}));
     const auto fillPoints = [&](Buckets& buckets, const auto& records)
     {
         boxes.clear();
@@ -129,7 +127,7 @@ void SpatialIndex::Build(const LevelData& level)
     fillPoints(Things, level.Things);
     fillPoints(Vertexes, level.Vertexes);
     boxes.clear();
-    const std::size_t vertexCount = level.Vertexes.Array.size();
+    const std::size_t vertexCount = level.Vertexes.size();
     for (const LineDef& line : level.LineDefs)
     {
         if (line.StartVertex >= vertexCount || line.EndVertex >= vertexCount)

@@ -84,7 +84,7 @@ int NearestPoint(const std::vector<std::int32_t>& candidates, const Box& box, co
 void OfferLine(const map::LevelData& level, std::int32_t index, double px, double py, Nearest& best)
 {
     const map::LineDef& line = level.LineDefs[static_cast<std::size_t>(index)];
-    const std::size_t count = level.Vertexes.Array.size();
+    const std::size_t count = level.Vertexes.size();
     if (line.StartVertex >= count || line.EndVertex >= count)
     {
         return;
@@ -142,7 +142,7 @@ int SectorAtPoint(const map::LevelData& level, const Box& box)
     for (const std::int32_t i : map::IndexOf(level).LineDefsNear(-1.0e9, py, 1.0e9, py))
     {
         const map::LineDef& line = level.LineDefs[static_cast<std::size_t>(i)];
-        const std::size_t count = level.Vertexes.Array.size();
+        const std::size_t count = level.Vertexes.size();
         if (line.StartVertex >= count || line.EndVertex >= count)
         {
             continue;
@@ -185,12 +185,12 @@ int SectorAtPoint(const map::LevelData& level, const Box& box)
     const bool up = a.Y < b.Y || (a.Y == b.Y && a.X > b.X);
     const bool pointEast = px > bestX;
     const std::uint32_t side = up == pointEast ? hit->SideDef1 : hit->SideDef2;
-    if (side == map::NoSideDef || side >= level.SideDefs.Array.size())
+    if (side == map::NoSideDef || side >= level.SideDefs.size())
     {
         return -1;
     }
     const std::uint32_t sector = level.SideDefs[side].Sector;
-    return sector < level.Sectors.Array.size() ? static_cast<int>(sector) : -1;
+    return sector < level.Sectors.size() ? static_cast<int>(sector) : -1;
 }
 
 } // namespace
@@ -211,7 +211,7 @@ int FindObject(const map::LevelData& level, const MapViewport& viewport, bool in
         y2 = ScreenToMapYExact(viewport, y2);
     }
     const Box box{std::min(x1, x2), std::min(y1, y2), std::max(x1, x2), std::max(y1, y2)};
-    if (level.LineDefs.Array.empty() && level.Things.Array.empty() && level.Vertexes.Array.empty())
+    if (level.LineDefs.empty() && level.Things.empty() && level.Vertexes.empty())
     {
         return -1;
     }

@@ -61,17 +61,17 @@ const char* AngleWord(unsigned angle)
 
 const map::Sector* SectorOfSide(const map::LevelData& level, std::uint32_t side)
 {
-    if (side == map::NoSideDef || side >= level.SideDefs.Array.size())
+    if (side == map::NoSideDef || side >= level.SideDefs.size())
     {
         return nullptr;
     }
     const std::uint32_t sector = level.SideDefs[side].Sector;
-    return sector < level.Sectors.Array.size() ? &level.Sectors[sector] : nullptr;
+    return sector < level.Sectors.size() ? &level.Sectors[sector] : nullptr;
 }
 
 int FirstSectorTagged(const map::LevelData& level, std::uint16_t tag)
 {
-    for (std::size_t i = 0; i < level.Sectors.Array.size(); ++i)
+    for (std::size_t i = 0; i < level.Sectors.size(); ++i)
     {
         if (level.Sectors[i].Tag == tag)
         {
@@ -83,7 +83,7 @@ int FirstSectorTagged(const map::LevelData& level, std::uint16_t tag)
 
 int FirstLineTagged(const map::LevelData& level, std::uint16_t tag, int except)
 {
-    for (std::size_t i = 0; i < level.LineDefs.Array.size(); ++i)
+    for (std::size_t i = 0; i < level.LineDefs.size(); ++i)
     {
         if (level.LineDefs[i].Tag == tag && static_cast<int>(i) != except)
         {
@@ -166,7 +166,7 @@ std::string BoxText(const map::TextureName& name, bool needed)
 void AddSide(InfoPane& pane, const map::LevelData& level, std::uint32_t side, std::uint32_t other,
              int number)
 {
-    if (side == map::NoSideDef || side >= level.SideDefs.Array.size())
+    if (side == map::NoSideDef || side >= level.SideDefs.size())
     {
         return;
     }
@@ -226,7 +226,7 @@ struct LineVector
 
 std::optional<LineVector> LineVectorOf(const map::LevelData& level, const map::LineDef& line)
 {
-    const std::size_t count = level.Vertexes.Array.size();
+    const std::size_t count = level.Vertexes.size();
     if (line.StartVertex >= count || line.EndVertex >= count)
     {
         return std::nullopt;

@@ -14,7 +14,7 @@ namespace
 
 MapPoint LineMiddle(const map::LevelData& level, const map::LineDef& line)
 {
-    const std::size_t count = level.Vertexes.Array.size();
+    const std::size_t count = level.Vertexes.size();
     if (line.StartVertex >= count || line.EndVertex >= count)
     {
         return {(level.MinX + level.MaxX) / 2.0, (level.MinY + level.MaxY) / 2.0};
@@ -29,7 +29,7 @@ bool FacesSector(const map::LevelData& level, const map::LineDef& line, int sect
 {
     for (const std::uint32_t side : {line.SideDef1, line.SideDef2})
     {
-        if (side != map::NoSideDef && side < level.SideDefs.Array.size() &&
+        if (side != map::NoSideDef && side < level.SideDefs.size() &&
             level.SideDefs[side].Sector == static_cast<std::uint32_t>(sector))
         {
             return true;
@@ -57,17 +57,16 @@ MapPoint ObjectCentre(const map::LevelData& level, int kind, int object)
     switch (kind)
     {
     case map::KindThing:
-        return index < level.Things.Array.size()
-                   ? MapPoint{static_cast<double>(level.Things[index].X),
-                              static_cast<double>(level.Things[index].Y)}
-                   : box;
+        return index < level.Things.size() ? MapPoint{static_cast<double>(level.Things[index].X),
+                                                      static_cast<double>(level.Things[index].Y)}
+                                           : box;
     case map::KindVertex:
-        return index < level.Vertexes.Array.size()
+        return index < level.Vertexes.size()
                    ? MapPoint{static_cast<double>(level.Vertexes[index].X),
                               static_cast<double>(level.Vertexes[index].Y)}
                    : box;
     case map::KindLineDef:
-        return index < level.LineDefs.Array.size() ? LineMiddle(level, level.LineDefs[index]) : box;
+        return index < level.LineDefs.size() ? LineMiddle(level, level.LineDefs[index]) : box;
     case map::KindSideDef:
         for (const map::LineDef& line : level.LineDefs)
         {
@@ -84,9 +83,8 @@ MapPoint ObjectCentre(const map::LevelData& level, int kind, int object)
         int points = 0;
         for (const map::LineDef& line : level.LineDefs)
         {
-            if (!FacesSector(level, line, object) ||
-                line.StartVertex >= level.Vertexes.Array.size() ||
-                line.EndVertex >= level.Vertexes.Array.size())
+            if (!FacesSector(level, line, object) || line.StartVertex >= level.Vertexes.size() ||
+                line.EndVertex >= level.Vertexes.size())
             {
                 continue;
             }

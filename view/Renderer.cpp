@@ -169,7 +169,7 @@ void DrawMarked(platform::Canvas& canvas, const MapPicture& picture, const ViewS
     switch (picture.EditMode)
     {
     case ModeThings:
-        if (index < level.Things.Array.size())
+        if (index < level.Things.size())
         {
             const map::Thing& thing = level.Things[index];
             const int x = MapToScreenX(view.Viewport, thing.X);
@@ -179,7 +179,7 @@ void DrawMarked(platform::Canvas& canvas, const MapPicture& picture, const ViewS
         }
         break;
     case ModeVertexes:
-        if (index < level.Vertexes.Array.size())
+        if (index < level.Vertexes.size())
         {
             const map::Vertex& vertex = level.Vertexes[index];
             const int x = MapToScreenX(view.Viewport, vertex.X);
@@ -189,7 +189,7 @@ void DrawMarked(platform::Canvas& canvas, const MapPicture& picture, const ViewS
         }
         break;
     case ModeLineDefs:
-        if (index < level.LineDefs.Array.size())
+        if (index < level.LineDefs.size())
         {
             DrawLevelLine(canvas, level, level.LineDefs[index], view);
             DrawLineTick(canvas, level, level.LineDefs[index], view);
@@ -200,7 +200,7 @@ void DrawMarked(platform::Canvas& canvas, const MapPicture& picture, const ViewS
         {
             for (const std::uint32_t side : {line.SideDef1, line.SideDef2})
             {
-                if (side != map::NoSideDef && side < level.SideDefs.Array.size() &&
+                if (side != map::NoSideDef && side < level.SideDefs.size() &&
                     level.SideDefs[side].Sector == static_cast<std::uint32_t>(object))
                 {
                     DrawLevelLine(canvas, level, line, view);
@@ -252,7 +252,7 @@ void DrawMap(platform::Canvas& canvas, const MapPicture& picture, const ViewStat
         canvas.FillRect({-1, -1, view.Viewport.WidthPx + 1, view.Viewport.HeightPx + 1},
                         background);
     }
-    if (level.LineDefs.Array.empty() && level.Things.Array.empty() && level.Vertexes.Array.empty())
+    if (level.LineDefs.empty() && level.Things.empty() && level.Vertexes.empty())
     {
         canvas.Flush();
         return; // an empty level has nothing more to show

@@ -86,12 +86,12 @@ int ThingModeLineColor(const map::LineDef& line, const ViewState& view)
 
 const map::Sector* SectorOf(const map::LevelData& level, std::uint32_t side)
 {
-    if (side == map::NoSideDef || side >= level.SideDefs.Array.size())
+    if (side == map::NoSideDef || side >= level.SideDefs.size())
     {
         return nullptr;
     }
     const std::uint32_t sector = level.SideDefs[side].Sector;
-    return sector < level.Sectors.Array.size() ? &level.Sectors[sector] : nullptr;
+    return sector < level.Sectors.size() ? &level.Sectors[sector] : nullptr;
 }
 
 } // namespace
@@ -177,7 +177,7 @@ bool DrawClippedLine(platform::Canvas& canvas, const ViewState& view, double x1,
 bool DrawLevelLine(platform::Canvas& canvas, const map::LevelData& level, const map::LineDef& line,
                    const ViewState& view)
 {
-    const std::size_t count = level.Vertexes.Array.size();
+    const std::size_t count = level.Vertexes.size();
     if (line.StartVertex >= count || line.EndVertex >= count)
     {
         return false; // a stale reference of a damaged level has no place to be drawn
@@ -243,7 +243,7 @@ void DrawVertexMarks(platform::Canvas& canvas, const map::LevelData& level, cons
 void DrawLineTick(platform::Canvas& canvas, const map::LevelData& level, const map::LineDef& line,
                   const ViewState& view)
 {
-    const std::size_t count = level.Vertexes.Array.size();
+    const std::size_t count = level.Vertexes.size();
     if (line.StartVertex >= count || line.EndVertex >= count)
     {
         return;

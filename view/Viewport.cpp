@@ -77,7 +77,7 @@ void CenterOn(MapViewport& view, double x, double y)
 
 void BestFit(MapViewport& view, const map::LevelData& level)
 {
-    if (level.Vertexes.Array.empty())
+    if (level.Vertexes.empty())
     {
         view.Scale = 0.5f;
         view.OriginX = (static_cast<double>(level.MaxX) + level.MinX) / 2;

@@ -103,7 +103,7 @@ void ReadThings(LevelData& level, int layout)
     const std::size_t size = layout == 2 ? HexenThingSize : DoomThingSize;
     const std::size_t count = bytes.size() / size;
     level.Things.Reserve(Capacity(count, 200));
-    level.Things.Array.resize(count);
+    level.Things.resize(count);
     for (std::size_t i = 0; i < count; ++i)
     {
         const std::uint8_t* raw = bytes.data() + i * size;
@@ -138,7 +138,7 @@ void ReadLineDefs(LevelData& level, const std::vector<std::uint8_t>& bytes, int 
                                       : (layout == 2 ? HexenLineSize : DoomLineSize);
     const std::size_t count = bytes.size() / size;
     level.LineDefs.Reserve(2 * count < 100 ? 1000 : static_cast<std::int32_t>(2 * count));
-    level.LineDefs.Array.resize(count);
+    level.LineDefs.resize(count);
     for (std::size_t i = 0; i < count; ++i)
     {
         const std::uint8_t* raw = bytes.data() + i * size;
@@ -183,7 +183,7 @@ void ReadSectors(LevelData& level)
     const std::vector<std::uint8_t> bytes = ReadLump(FindLevelLump("SECTORS", true));
     const std::size_t count = bytes.size() / SectorSize;
     level.Sectors.Reserve(Capacity(count, 500));
-    level.Sectors.Array.resize(count);
+    level.Sectors.resize(count);
     for (std::size_t i = 0; i < count; ++i)
     {
         const std::uint8_t* raw = bytes.data() + i * SectorSize;
@@ -256,7 +256,7 @@ void MakeEmpty(LevelData& level)
 } // namespace
 
 void ConvertSideDefsIn(std::span<const std::uint8_t> source, std::size_t count,
-                       std::vector<map::SideDef>& sides)
+                       map::ObjectArray<map::SideDef>& sides)
 {
     count = std::min(count, source.size() / SideDefSize);
     sides.resize(count);
@@ -333,7 +333,7 @@ int ReadLevel(LevelData& level, std::string_view levelName, bool newLevel)
             const std::vector<std::uint8_t> sides = ReadLump(FindLevelLump("SIDEDEFS", true));
             sideCount = sides.size() / SideDefSize;
             level.SideDefs.Reserve(Capacity(sideCount, 2000));
-            ConvertSideDefsIn(sides, sideCount, level.SideDefs.Array);
+            ConvertSideDefsIn(sides, sideCount, level.SideDefs);
         }
         {
             const std::vector<std::uint8_t> lines = ReadLump(FindLevelLump("LINEDEFS", true));

@@ -46,8 +46,8 @@ int ReadLevel(map::LevelData& level, std::string_view levelName, bool newLevel);
 int LevelLayoutOf(std::FILE* stream, std::string_view levelName, int directoryIndex);
 
 /// 30-byte SIDEDEFS records into memory records (the Sector as an unsigned 16-bit number),
-/// into `sides`, whose allocation is kept.
+/// into `sides`.
 void ConvertSideDefsIn(std::span<const std::uint8_t> source, std::size_t count,
-                       std::vector<map::SideDef>& sides);
+                       map::ObjectArray<map::SideDef>& sides);
 
 } // namespace kelvar::wad

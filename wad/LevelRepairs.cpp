@@ -38,7 +38,7 @@ void AskQuit(const std::string& question, const std::string& fatalText)
 void CheckVertexNumbers(LevelData& level, std::uint32_t vertexCount)
 {
     bool asked = false;
-    for (std::size_t i = 0; i < level.LineDefs.Array.size(); ++i)
+    for (std::size_t i = 0; i < level.LineDefs.size(); ++i)
     {
         map::LineDef& line = level.LineDefs[i];
         if (line.StartVertex < vertexCount && line.EndVertex < vertexCount)
@@ -89,12 +89,12 @@ void ReadUsedVertexes(LevelData& level, const std::vector<std::uint8_t>& vertexe
         if (table[i] != 0)
         {
             const std::uint8_t* raw = vertexes.data() + static_cast<std::size_t>(i) * VertexSize;
-            table[i] = static_cast<std::uint32_t>(level.Vertexes.Array.size());
-            level.Vertexes.Array.push_back({static_cast<std::int16_t>(ReadLe16(raw)),
-                                            static_cast<std::int16_t>(ReadLe16(raw + 2))});
+            table[i] = static_cast<std::uint32_t>(level.Vertexes.size());
+            level.Vertexes.push_back({static_cast<std::int16_t>(ReadLe16(raw)),
+                                      static_cast<std::int16_t>(ReadLe16(raw + 2))});
         }
     }
-    const auto stored = static_cast<std::uint32_t>(level.Vertexes.Array.size());
+    const auto stored = static_cast<std::uint32_t>(level.Vertexes.size());
     if (stored != marked &&
         platform::AskYesNo("Vertex Count Error Active Vertex Count=%d\n\ndiffers from Read Vertex "
                            "Count=%d\n\nExit?",
@@ -113,8 +113,8 @@ void ReadUsedVertexes(LevelData& level, const std::vector<std::uint8_t>& vertexe
 void RepairSideDefSectors(LevelData& level)
 {
     const auto sectorCount = static_cast<std::uint32_t>(level.Sectors.Count());
-    std::vector<std::int32_t> user(level.SideDefs.Array.size(), -1);
-    for (std::size_t l = level.LineDefs.Array.size(); l-- > 0;)
+    std::vector<std::int32_t> user(level.SideDefs.size(), -1);
+    for (std::size_t l = level.LineDefs.size(); l-- > 0;)
     {
         for (const std::uint32_t side : {level.LineDefs[l].SideDef1, level.LineDefs[l].SideDef2})
         {
@@ -125,7 +125,7 @@ void RepairSideDefSectors(LevelData& level)
         }
     }
     std::map<std::uint32_t, std::uint32_t> recreated; // bad number -> its new Sector
-    for (std::size_t s = 0; s < level.SideDefs.Array.size(); ++s)
+    for (std::size_t s = 0; s < level.SideDefs.size(); ++s)
     {
         const std::uint32_t bad = level.SideDefs[s].Sector;
         if (bad < sectorCount || user[s] < 0)
@@ -167,7 +167,7 @@ void RepairLineSides(LevelData& level)
     const auto sideCount = static_cast<std::uint32_t>(level.SideDefs.Count());
     const auto outOfRange = [&](std::uint32_t side)
     { return side != NoSideDef && side >= sideCount; };
-    for (std::size_t i = 0; i < level.LineDefs.Array.size(); ++i)
+    for (std::size_t i = 0; i < level.LineDefs.size(); ++i)
     {
         const map::LineDef& line = level.LineDefs[i];
         const bool missing = line.SideDef1 == NoSideDef;

@@ -139,13 +139,13 @@ bool WriteRows(std::FILE* stream, const Records& records, std::size_t size, Put 
                std::int64_t& counter)
 {
     const std::size_t perBlock = std::max<std::size_t>(BlockBytes / size, 1);
-    std::vector<std::uint8_t> block(std::min(perBlock, records.Array.size()) * size);
-    for (std::size_t first = 0; first < records.Array.size(); first += perBlock)
+    std::vector<std::uint8_t> block(std::min(perBlock, records.size()) * size);
+    for (std::size_t first = 0; first < records.size(); first += perBlock)
     {
-        const std::size_t count = std::min(perBlock, records.Array.size() - first);
+        const std::size_t count = std::min(perBlock, records.size() - first);
         for (std::size_t i = 0; i < count; ++i)
         {
-            put(block.data() + i * size, records.Array[first + i]);
+            put(block.data() + i * size, records[first + i]);
         }
         const auto bytes = static_cast<std::int64_t>(count * size);
         if (CheckedWrite(stream, block.data(), bytes) != 1)
@@ -223,8 +223,8 @@ RowLayout ProjectRowLayout(const map::LevelData& level, bool writerSettings)
 std::vector<std::uint8_t> ThingRows(const map::LevelData& level, const RowLayout& layout)
 {
     const std::size_t size = ThingSize(layout);
-    std::vector<std::uint8_t> bytes(level.Things.Array.size() * size);
-    for (std::size_t i = 0; i < level.Things.Array.size(); ++i)
+    std::vector<std::uint8_t> bytes(level.Things.size() * size);
+    for (std::size_t i = 0; i < level.Things.size(); ++i)
     {
         PutThing(bytes.data() + i * size, level.Things[i], layout);
     }

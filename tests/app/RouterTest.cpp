@@ -314,7 +314,7 @@ TEST_F(RouterTest, BookmarksComeBackToTheirModeAndObject)
 
     RunCommand(CmdGotoBookmark4);
     EXPECT_EQ(Ui.Beeps, 1) << "an unused slot";
-    map::Map().Level.Things.Array.resize(1);
+    map::Map().Level.Things.resize(1);
     RunCommand(CmdGotoBookmark3);
     EXPECT_EQ(Ui.Beeps, 2) << "its object is gone";
 }

@@ -279,7 +279,7 @@ TEST_F(SaveTest, RejectTablesFollowTheChoices)
     // A third Sector grows the table to 2 bytes; "NO Attacks" fills it with 255.
     Load(pwad, "MAP01");
     map::LevelData& level = map::Map().Level;
-    level.Sectors.Array.push_back(level.Sectors[0]);
+    level.Sectors.push_back(level.Sectors[0]);
     level.ChangeCount = 1;
     choices.AllAttacks = false;
     choices.AttackStep = 0;
@@ -293,7 +293,7 @@ TEST_F(SaveTest, RejectTablesFollowTheChoices)
     Load(pwad, "MAP01");
     Wad().SaveChoices.CopyReject = false;
     Wad().SaveChoices.AttackStep = 2;
-    map::Map().Level.Sectors.Array.resize(5);
+    map::Map().Level.Sectors.resize(5);
     map::Map().Level.ChangeCount = 1;
     ASSERT_EQ(Save("MAP01"), 0);
     EXPECT_EQ(LumpBytes(pwad, "REJECT"), std::string("\0\0\xff\0", 4));
@@ -303,7 +303,7 @@ TEST_F(SaveTest, RejectTablesFollowTheChoices)
     Wad().ProgramDir = Dir.Path();
     Load(pwad, "MAP01");
     Wad().SaveChoices.CopyReject = true;
-    map::Map().Level.Sectors.Array.resize(6);
+    map::Map().Level.Sectors.resize(6);
     map::Map().Level.ChangeCount = 1;
     ASSERT_EQ(Save("MAP01"), 0);
     EXPECT_EQ(LumpBytes(pwad, "REJECT"), std::string("\0\0\xff\0\0", 5));
@@ -411,7 +411,7 @@ TEST_F(SaveTest, NothingMadeSavesNothing)
     const std::string pwad = builder.Write(Dir.Path() / "empty.wad");
     const std::string before = testkit::ReadFile(pwad);
     Load(pwad, "MAP01");
-    map::Map().Level.Sectors.Array.clear();
+    map::Map().Level.Sectors.clear();
     EXPECT_EQ(Save("MAP01"), -1);
     EXPECT_EQ(Ui.Last().Lines,
               (std::vector<std::string>{"!! Please MAKE something first !!", "Nothing saved"}));

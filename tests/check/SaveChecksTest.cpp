@@ -22,9 +22,9 @@ TEST_F(SaveChecks, PortLimitCautionAsksFromTheLimitsOnUnlessExpert)
 {
     map::LevelData level;
     const CheckOptions normal;
-    level.LineDefs.Array.resize(32674);
-    level.SideDefs.Array.resize(32674);
-    level.Vertexes.Array.resize(32764);
+    level.LineDefs.resize(32674);
+    level.SideDefs.resize(32674);
+    level.Vertexes.resize(32764);
     EXPECT_TRUE(PortLimitCaution(level, normal));
     EXPECT_TRUE(Ui.Messages.empty()) << "one below each limit passes without a question";
 
@@ -36,9 +36,9 @@ TEST_F(SaveChecks, PortLimitCautionAsksFromTheLimitsOnUnlessExpert)
         EXPECT_TRUE(PortLimitCaution(level, normal));
         array.resize(32674);
     };
-    askedAt(level.LineDefs.Array);
-    askedAt(level.SideDefs.Array);
-    level.Vertexes.Array.resize(32765);
+    askedAt(level.LineDefs);
+    askedAt(level.SideDefs);
+    level.Vertexes.resize(32765);
     Ui.Answer(0);
     EXPECT_FALSE(PortLimitCaution(level, normal));
     ASSERT_EQ(Ui.Messages.size(), 5u);
@@ -46,7 +46,7 @@ TEST_F(SaveChecks, PortLimitCautionAsksFromTheLimitsOnUnlessExpert)
     EXPECT_EQ(Ui.Last().Text(), CautionText);
 
     Ui.Clear();
-    level.LineDefs.Array.resize(70000);
+    level.LineDefs.resize(70000);
     CheckOptions expert;
     expert.ExpertMode = true;
     EXPECT_TRUE(PortLimitCaution(level, expert));

@@ -155,8 +155,8 @@ std::vector<std::string> Resolved(const map::LevelData& level)
     for (const map::LineDef& line : level.LineDefs)
     {
         std::ostringstream out;
-        const map::Vertex& from = level.Vertexes.Array.at(line.StartVertex);
-        const map::Vertex& to = level.Vertexes.Array.at(line.EndVertex);
+        const map::Vertex& from = level.Vertexes[line.StartVertex];
+        const map::Vertex& to = level.Vertexes[line.EndVertex];
         out << from.X << ',' << from.Y << ' ' << to.X << ',' << to.Y << ' ' << line.Flags << ' '
             << line.Type << ' ' << line.Tag;
         for (const std::uint32_t s : {line.SideDef1, line.SideDef2})
@@ -166,8 +166,8 @@ std::vector<std::string> Resolved(const map::LevelData& level)
                 out << " -";
                 continue;
             }
-            const map::SideDef& side = level.SideDefs.Array.at(s);
-            const map::Sector& sector = level.Sectors.Array.at(side.Sector);
+            const map::SideDef& side = level.SideDefs[s];
+            const map::Sector& sector = level.Sectors[side.Sector];
             out << ' ' << side.XOffset << ',' << side.YOffset << side.UpperTexture.Text()
                 << side.LowerTexture.Text() << side.NormalTexture.Text() << ' '
                 << sector.FloorHeight << ',' << sector.CeilingHeight << sector.FloorTexture.Text()
@@ -230,7 +230,7 @@ TEST_P(FreedoomCleanup, LevelsWithLostLinesKeepTheirGeometryAndOnlyUsedObjects)
         map::ResetMap();
         map::LevelData level;
         ASSERT_EQ(wad::ReadLevel(level, name, false), 1);
-        std::vector<map::LineDef>& lines = level.LineDefs.Array;
+        std::vector<map::LineDef> lines = level.LineDefs.ToVector();
         for (std::size_t i = lines.size(); i-- > 0;)
         {
             if (i % 5 == 2)
@@ -238,15 +238,16 @@ TEST_P(FreedoomCleanup, LevelsWithLostLinesKeepTheirGeometryAndOnlyUsedObjects)
                 lines.erase(lines.begin() + static_cast<std::ptrdiff_t>(i));
             }
         }
+        level.LineDefs.Assign(lines);
         const std::vector<std::string> before = Resolved(level);
         const UsedCounts used = CountUsed(level);
         const int unusedSides = level.SideDefs.Count() - static_cast<int>(used.SideDefs);
         Ui.Clear();
         ASSERT_TRUE(CheckUnused(level)) << name;
         EXPECT_EQ(Resolved(level), before) << name;
-        EXPECT_EQ(level.Vertexes.Array.size(), used.Vertexes) << name;
-        EXPECT_EQ(level.SideDefs.Array.size(), used.SideDefs) << name;
-        EXPECT_EQ(level.Sectors.Array.size(), used.Sectors) << name;
+        EXPECT_EQ(level.Vertexes.size(), used.Vertexes) << name;
+        EXPECT_EQ(level.SideDefs.size(), used.SideDefs) << name;
+        EXPECT_EQ(level.Sectors.size(), used.Sectors) << name;
         EXPECT_EQ(MessageTexts(Ui),
                   std::vector<std::string>{platform::Format(
                       "Please Wait while %d unused sidedefs are removed\n\nPress OK to "

@@ -187,7 +187,7 @@ TEST_F(SelectionTest, BookmarksBelongToTheirLevel)
     EXPECT_FLOAT_EQ(viewport.Scale, 2.0f);
     EXPECT_DOUBLE_EQ(viewport.OriginX, 64.0);
     EXPECT_EQ(Selected().HighlightedObject, 4);
-    level.LineDefs.Array.resize(2); // the object is gone
+    level.LineDefs.resize(2); // the object is gone
     EXPECT_EQ(view::GotoBookmark(level, viewport, 3), 0);
     EXPECT_EQ(Ui.Beeps, 1);
 }

@@ -40,7 +40,7 @@ LevelBuilder::LevelBuilder()
 
 LevelBuilder& LevelBuilder::Vertex(int x, int y)
 {
-    Data.Vertexes.Array.push_back({static_cast<std::int16_t>(x), static_cast<std::int16_t>(y)});
+    Data.Vertexes.push_back({static_cast<std::int16_t>(x), static_cast<std::int16_t>(y)});
     return *this;
 }
 
@@ -52,7 +52,7 @@ LevelBuilder& LevelBuilder::Sector(int floor, int ceiling)
     sector.FloorTexture = map::TextureName::From("FLOOR4_8");
     sector.CeilingTexture = map::TextureName::From("CEIL3_5");
     sector.Light = 160;
-    Data.Sectors.Array.push_back(sector);
+    Data.Sectors.push_back(sector);
     return *this;
 }
 
@@ -61,7 +61,7 @@ LevelBuilder& LevelBuilder::Side(std::uint32_t sector, std::string_view normal)
     map::SideDef side;
     side.NormalTexture = map::TextureName::From(normal);
     side.Sector = sector;
-    Data.SideDefs.Array.push_back(side);
+    Data.SideDefs.push_back(side);
     return *this;
 }
 
@@ -74,7 +74,7 @@ LevelBuilder& LevelBuilder::Line(std::uint32_t start, std::uint32_t end, std::ui
     line.SideDef1 = side1;
     line.SideDef2 = side2;
     map::SetSideFlags(line);
-    Data.LineDefs.Array.push_back(line);
+    Data.LineDefs.push_back(line);
     return *this;
 }
 
@@ -102,7 +102,7 @@ LevelBuilder& LevelBuilder::Thing(int x, int y, std::uint16_t type, std::uint16_
     thing.Type = type;
     thing.Angle = angle;
     thing.Flags = flags;
-    Data.Things.Array.push_back(thing);
+    Data.Things.push_back(thing);
     return *this;
 }
 

@@ -184,7 +184,7 @@ TEST_F(HitTestFreedoom, Map01AgreesWithAWalkOverEveryObject)
         // Lines: the nearest of them all, the first on a tie.
         int expected = -1;
         double best = 0;
-        for (std::size_t i = 0; i < level.LineDefs.Array.size(); ++i)
+        for (std::size_t i = 0; i < level.LineDefs.size(); ++i)
         {
             const map::LineDef& line = level.LineDefs[i];
             const map::Vertex& a = level.Vertexes[line.StartVertex];
@@ -203,7 +203,7 @@ TEST_F(HitTestFreedoom, Map01AgreesWithAWalkOverEveryObject)
         // Things: the nearest in the box.
         int thing = -1;
         double nearest = 0;
-        for (std::size_t i = 0; i < level.Things.Array.size(); ++i)
+        for (std::size_t i = 0; i < level.Things.size(); ++i)
         {
             const double dx = level.Things[i].X - px;
             const double dy = level.Things[i].Y - py;
@@ -219,7 +219,7 @@ TEST_F(HitTestFreedoom, Map01AgreesWithAWalkOverEveryObject)
                   thing);
     }
     // The player's start is found where it stands.
-    for (std::size_t i = 0; i < level.Things.Array.size(); ++i)
+    for (std::size_t i = 0; i < level.Things.size(); ++i)
     {
         if (level.Things[i].Type == 1)
         {

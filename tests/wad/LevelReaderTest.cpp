@@ -119,8 +119,10 @@ TEST_F(LevelReader, TheExtendedFormatHoldsMoreThan65535LineDefs)
 TEST_F(LevelReader, TheLineCountDecidesTheLayoutAt65535)
 {
     LevelBuilder builder = SmallRoom();
-    std::vector<map::LineDef>& lines = builder.Level().LineDefs.Array;
-    lines.resize(65534, lines[0]);
+    map::ObjectArray<map::LineDef>& lines = builder.Level().LineDefs;
+    const map::LineDef first = lines[0];
+    lines.resize(65534);
+    std::fill(lines.begin(), lines.end(), first);
     EXPECT_EQ(Read(builder).LineDefs.Count(), 65534);
     lines.push_back(lines[0]);
     // 65,535 records of 14 bytes are taken as the wider rows of the Extended Format, which
