@@ -6,6 +6,7 @@
 #include "map/LevelData.h"
 #include "map/Selection.h"
 #include "map/SpatialIndex.h"
+#include "map/Undo.h"
 
 #include <functional>
 
@@ -26,6 +27,7 @@ struct MapState
     int SelectedCount = 0;     // live nodes of the general lists: the selection's size
     int DrawingCount = 0;      // live nodes of the drawing lists
     SelectionState Select;     // what is marked and highlighted
+    UndoTable Undo;            // the steps of undo and redo
     /// Goes up with every change to any level's objects; caches built from a level (the
     /// spatial index) compare it to know they are stale.
     std::uint64_t Serial = 1;

@@ -111,4 +111,30 @@ void UndoReset(UndoTable& table)
     table = UndoTable{};
 }
 
+int SaveUndoStep(bool force)
+{
+    MapState& map = Map();
+    return SaveUndoStep(map.Undo, map.Level, map.Options.UndoLimit, map.Options.UndoEnabled, force);
+}
+
+int DropLastUndoStep()
+{
+    return DropLastUndoStep(Map().Undo);
+}
+
+int UndoStep()
+{
+    return UndoStep(Map().Undo, Map().Level);
+}
+
+int RedoStep()
+{
+    return RedoStep(Map().Undo, Map().Level, Map().Options.UndoEnabled);
+}
+
+void UndoReset()
+{
+    UndoReset(Map().Undo);
+}
+
 } // namespace kelvar::map

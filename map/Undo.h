@@ -53,4 +53,12 @@ int RedoStep(UndoTable& table, LevelData& level, bool enabled);
 /// Frees every step: the table as after start.
 void UndoReset(UndoTable& table);
 
+/// The forms commands call, on the map model's level and table, with the editing options'
+/// UndoEnabled and UndoLimit. Every command calls SaveUndoStep once before its first change.
+int SaveUndoStep(bool force = false);
+int DropLastUndoStep();
+int UndoStep();
+int RedoStep();
+void UndoReset();
+
 } // namespace kelvar::map
