@@ -13,6 +13,7 @@
 #include "view/HitTest.h"
 #include "view/ViewState.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace kelvar::app
@@ -199,6 +200,34 @@ bool RubberBand(const MapMouseState& state, int& x1, int& y1, int& x2, int& y2)
     }
     view::BoxSelectPixels(state.Box, view::View().Viewport, x1, y1, x2, y2);
     return true;
+}
+
+void MapWindowResized(MapMouseState& state, int width, int height, int pointerX, int pointerY)
+{
+    view::ViewState& view = view::View();
+    view::MapViewport& viewport = view.Viewport;
+    const bool over = pointerX >= 0 && pointerY >= 0 &&
+                      pointerX < std::max(width, viewport.WidthPx) &&
+                      pointerY < std::max(height, viewport.HeightPx);
+    if (!over || !Session().LevelLoaded)
+    {
+        view::SetWindowSize(viewport, width, height);
+        return;
+    }
+    const double mapX = view::ScreenToMapXExact(viewport, pointerX);
+    const double mapY = view::ScreenToMapYExact(viewport, pointerY);
+    view::SetWindowSize(viewport, width, height);
+    // The scale stays, so moving the origin by the shift of the map point under the pointer
+    // keeps every map point where it was.
+    viewport.OriginX += mapX - view::ScreenToMapXExact(viewport, pointerX);
+    viewport.OriginY += mapY - view::ScreenToMapYExact(viewport, pointerY);
+    const bool onMap = pointerX < width && pointerY < height;
+    if (onMap && Editing() && !state.LeftDown && !state.Box.Active)
+    {
+        view.Pointer.X = pointerX;
+        view.Pointer.Y = pointerY;
+        TrackPointer(pointerX, pointerY, 0);
+    }
 }
 
 EdgeScroll EdgeScrollDirection(int x, int y, int width, int height, int border)

@@ -36,6 +36,13 @@ bool MapMouseKey(MapMouseState& state, int key);
 /// True while the rubber band is out; its corners in window pixels.
 bool RubberBand(const MapMouseState& state, int& x1, int& y1, int& x2, int& y2);
 
+/// The map window took a new size of `width` by `height` pixels, with the pointer at
+/// (pointerX, pointerY) in it. When the pointer is over the window, before or after, the map
+/// point under it stays where it is on screen: the info pane coming, going or changing height
+/// below the map doesn't move the map. Otherwise the map point at the window's centre stays
+/// there. The object under the pointer is then found again, if the pointer is over the map.
+void MapWindowResized(MapMouseState& state, int width, int height, int pointerX, int pointerY);
+
 /// The scroll direction of a pointer at (x, y) in a map window of `width` by `height`: -1, 0
 /// or 1 each way (dy 1 is up the map) when it rests on an edge of the window (its outermost
 /// two pixels) or beyond it, within `border` pixels outside. {0, 0} elsewhere.

@@ -99,8 +99,10 @@ public:
     /// Closes the progress panel.
     virtual void EndProgress() = 0;
 
-    /// True when the user has pressed Escape since the last poll. Long loops call it and keep
-    /// the window alive meanwhile.
+    /// True when the user has pressed Escape since the last poll, while the long operation
+    /// that polls was running. Long loops call it and keep the window alive meanwhile. An
+    /// Escape pressed before the operation started (one that closed a menu or cancelled a
+    /// dialog, say) never counts, nor one that answers a question the operation put.
     virtual bool PollEscape() = 0;
 
     /// Sounds the error signal: a refused key or a command that can't apply here.

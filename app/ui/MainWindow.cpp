@@ -27,6 +27,7 @@
 #include <QScreen>
 #include <QStandardPaths>
 #include <QStatusBar>
+#include <QTimer>
 #include <QVBoxLayout>
 
 namespace kelvar::app
@@ -171,6 +172,10 @@ void MainWindow::BuildMenus()
         {
             QMenu* menu = bar->addMenu(Text(row.Text));
             connect(menu, &QMenu::aboutToShow, this, [this, menu] { RefreshEnabledStates(menu); });
+            // Escape leaves the menu bar holding the keys once the menu has gone; the map
+            // takes them back after that.
+            connect(menu, &QMenu::aboutToHide, this,
+                    [this] { QTimer::singleShot(0, this, &MainWindow::TakeKeyboardBack); });
             open.push_back(menu);
             continue;
         }
@@ -257,6 +262,19 @@ void MainWindow::ShowMiscPopup(QPoint position)
         }
     }
     popup.exec(MapView->mapToGlobal(position));
+    TakeKeyboardBack();
+}
+
+void MainWindow::TakeKeyboardBack()
+{
+    // The map's keys are the window's keys: whatever a menu or dialog left the keyboard with,
+    // it goes back to the map once no menu or dialog is up.
+    if (QApplication::activePopupWidget() != nullptr ||
+        QApplication::activeModalWidget() != nullptr)
+    {
+        return;
+    }
+    MapView->setFocus(Qt::OtherFocusReason);
 }
 
 // --- Commands and requests -----------------------------------------------------------------
@@ -271,6 +289,8 @@ void MainWindow::Run(int command, bool fromKey)
         QApplication::beep();
     }
     ActOnRequests();
+    // A command's dialogs have closed by now.
+    TakeKeyboardBack();
 }
 
 void MainWindow::ActOnRequests()
@@ -377,6 +397,16 @@ void MainWindow::NoteWindowRect()
     const QRect frame = frameGeometry();
     Shell().Chk.WindowRect =
         StatusRect{frame.left(), frame.top(), frame.right() + 1, frame.bottom() + 1};
+}
+
+bool MainWindow::event(QEvent* event)
+{
+    // The window is active again: a dialog closed, or the user came back from another window.
+    if (event->type() == QEvent::WindowActivate)
+    {
+        TakeKeyboardBack();
+    }
+    return QMainWindow::event(event);
 }
 
 void MainWindow::moveEvent(QMoveEvent* event)

@@ -40,6 +40,7 @@ public:
     bool InfoPaneVisible() const;
 
 protected:
+    bool event(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -53,6 +54,7 @@ private:
     void InstallSessionHooks();
     void NoteWindowRect();
     void ShowMiscPopup(QPoint position);
+    void TakeKeyboardBack();
 
     MapWidget* MapView = nullptr;
     QWidget* InfoPane = nullptr;

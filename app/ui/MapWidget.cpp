@@ -13,6 +13,7 @@
 #include "view/Renderer.h"
 #include "view/ViewState.h"
 
+#include <QCursor>
 #include <QPainter>
 
 namespace kelvar::app
@@ -93,8 +94,10 @@ void MapWidget::paintEvent(QPaintEvent*)
 
 void MapWidget::resizeEvent(QResizeEvent*)
 {
-    view::SetWindowSize(view::View().Viewport, width(), height());
+    const QPoint pointer = mapFromGlobal(QCursor::pos());
+    MapWindowResized(MouseState, width(), height(), pointer.x(), pointer.y());
     Redraw();
+    emit RequestsLeft();
 }
 
 void MapWidget::Mouse(const view::MouseInput& input)

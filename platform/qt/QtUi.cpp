@@ -4,6 +4,7 @@
 
 #include <array>
 
+#include <QAbstractEventDispatcher>
 #include <QApplication>
 #include <QDialog>
 #include <QDialogButtonBox>
@@ -19,6 +20,7 @@
 #include <QPushButton>
 #include <QStringList>
 #include <QTextStream>
+#include <QThread>
 #include <QVBoxLayout>
 
 namespace kelvar::platform
@@ -57,6 +59,12 @@ QMessageBox::Icon IconOf(MessageIcon icon)
 QtUi::QtUi(QWidget* owner) : Owner(owner)
 {
     qApp->installEventFilter(this);
+    // A long operation never waits for input; when the application does, none is running.
+    if (QAbstractEventDispatcher* dispatcher = QAbstractEventDispatcher::instance())
+    {
+        connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this,
+                [this] { EscapePressed = false; });
+    }
 }
 
 QtUi::~QtUi()
@@ -285,19 +293,31 @@ void QtUi::ShowProgress(const std::string& caption, const std::string& detail)
     Progress->setWindowTitle(Text(caption));
     Progress->setLabelText(Text(caption) + "\n" + Text(detail));
     Progress->show();
-    QApplication::processEvents();
+    Pump();
 }
 
 void QtUi::EndProgress()
 {
     delete Progress;
     Progress = nullptr;
+    // The operation is over: an Escape it did not poll for is not the next one's.
+    EscapePressed = false;
+}
+
+void QtUi::Pump()
+{
+    if (Pumping++ == 0)
+    {
+        PumpLoopLevel = QThread::currentThread()->loopLevel();
+    }
+    QApplication::processEvents();
+    --Pumping;
 }
 
 bool QtUi::PollEscape()
 {
     // The window stays alive while a long loop runs: events are handled here.
-    QApplication::processEvents();
+    Pump();
     const bool pressed = EscapePressed;
     EscapePressed = false;
     return pressed;
@@ -310,12 +330,24 @@ void QtUi::Beep()
 
 bool QtUi::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() == QEvent::KeyPress &&
-        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape)
+    if (event->type() != QEvent::KeyPress ||
+        static_cast<QKeyEvent*>(event)->key() != Qt::Key_Escape)
     {
-        EscapePressed = true;
+        return QObject::eventFilter(watched, event);
     }
-    return QObject::eventFilter(watched, event);
+    // Outside a pump the Escape belongs to whatever has the keys: a menu, a dialog, the map.
+    // A dialog or menu opened during the pump runs a loop of its own, a level deeper, and a
+    // menu bar's menu is a popup: their Escapes close them and stop nothing.
+    const bool forOperation = Pumping > 0 &&
+                              QThread::currentThread()->loopLevel() == PumpLoopLevel &&
+                              QApplication::activePopupWidget() == nullptr;
+    if (!forOperation)
+    {
+        return QObject::eventFilter(watched, event);
+    }
+    // Taken here, so it doesn't also close the progress panel or reach the map's keys.
+    EscapePressed = true;
+    return true;
 }
 
 } // namespace kelvar::platform

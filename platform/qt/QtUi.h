@@ -15,7 +15,14 @@ namespace kelvar::platform
 {
 
 /// Shows the system's messages in Qt dialogs owned by the main window. Status texts go to
-/// whatever the window installs; Escape is noticed by an event filter on the application.
+/// whatever the window installs.
+///
+/// Escape is noticed by an event filter on the application, and counts for PollEscape only when
+/// it reaches the application while a long operation pumps events through this Ui (in
+/// PollEscape or ShowProgress), outside any menu and any dialog opened meanwhile. An Escape that
+/// closes a menu or cancels a dialog is handled by that menu's or dialog's own loop, so it never
+/// counts. One that counted and was not polled is forgotten when the progress panel closes or
+/// the application next waits for input: then no operation is running.
 class QtUi final : public QObject, public Ui
 {
     Q_OBJECT
@@ -51,10 +58,15 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    /// Handles the pending events for a long operation; an Escape among them counts.
+    void Pump();
+
     QPointer<QWidget> Owner;
     std::function<void(const std::string&)> StatusSink;
     QProgressDialog* Progress = nullptr;
     bool EscapePressed = false;
+    int Pumping = 0;       // nesting of Pump
+    int PumpLoopLevel = 0; // the event loop level the outermost Pump runs at
 };
 
 } // namespace kelvar::platform

@@ -134,5 +134,37 @@ TEST(EdgeScrollTest, TheEdgePixelsAndTheBorderBeyondScroll)
     EXPECT_EQ(corner.Dy, 1);
 }
 
+TEST_F(MapMouseTest, ResizeKeepsTheMapUnderThePointerAndTracksItAgain)
+{
+    // The pointer rests on the first room's east wall; its highlight is stale.
+    const auto [x, y] = Pixel(128, 64);
+    map::Selected().HighlightedObject = -1;
+    const view::MapViewport& viewport = view::View().Viewport;
+
+    // A pane of 140 pixels comes below the map: nothing moves on screen.
+    MapWindowResized(State, 800, 460, x, y);
+    EXPECT_EQ(viewport.HeightPx, 460);
+    EXPECT_EQ(Pixel(128, 64), std::make_pair(x, y));
+    EXPECT_EQ(Pixel(256, 128), std::make_pair(x + 128, y - 64));
+    const int wall = Highlighted();
+    EXPECT_GE(wall, 0) << "the line under the pointer is found again";
+    (void)MapMouseEvent(State, At(view::MouseEventKind::Move, x, y));
+    EXPECT_EQ(Highlighted(), wall) << "as a move there finds it";
+
+    // The pane goes while the pointer is over it: the map stays too, and the pointer, now
+    // over the map, is on no object.
+    MapWindowResized(State, 800, 600, x, 500);
+    EXPECT_EQ(Pixel(128, 64), std::make_pair(x, y));
+    EXPECT_EQ(Highlighted(), -1);
+
+    // The pointer off the map window (the window's frame is dragged): the centre stays.
+    const double originX = viewport.OriginX;
+    const double originY = viewport.OriginY;
+    MapWindowResized(State, 1000, 700, -5, 650);
+    EXPECT_EQ(viewport.OriginX, originX);
+    EXPECT_EQ(viewport.OriginY, originY);
+    EXPECT_EQ(viewport.CenterXPx, 500.0);
+}
+
 } // namespace
 } // namespace kelvar::app

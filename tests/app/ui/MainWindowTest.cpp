@@ -1,124 +1,17 @@
 // Tests of the editor's window on Freedoom 2: start-up to MAP01, modes, picking, the rubber
 // band, zoom, the level list, the info pane and the exit.
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "app/ui/MainWindow.h"
+#include "tests/app/ui/MainWindowFixture.h"
 
-#include "app/Modes.h"
-#include "app/Session.h"
-#include "app/ShellState.h"
 #include "app/StatusFiles.h"
-#include "game/GameState.h"
-#include "map/MapState.h"
-#include "map/Selection.h"
 #include "platform/test/RecordingProcesses.h"
 #include "run/RunState.h"
-#include "tests/app/StatusTestKit.h"
-#include "view/HitTest.h"
-#include "view/ViewState.h"
 #include "wad/WadState.h"
-
-#include <algorithm>
-
-#include <QTest>
-#include <memory>
 
 namespace kelvar::app
 {
 namespace
 {
-
-class MainWindowTest : public StatusFixture
-{
-protected:
-    void SetUp() override
-    {
-        StatusFixture::SetUp();
-        ResetSession();
-        map::ResetMap();
-        view::ResetView();
-        game::ResetGame();
-
-        ProcessStart({}, Dir.Path() / "");
-        ASSERT_TRUE(CheckSecondCopy());
-        Window = std::make_unique<MainWindow>();
-        ASSERT_EQ(CreateSession(nullptr), CommandFirstStartup);
-        // The offscreen screen is 800 by 600: the start-up checks would ask about it.
-        Shell().Chk.SkipEnvironmentChecks = 1;
-        Window->resize(1000, 760);
-        Window->show();
-        Ui.AnswerFile(Dir.Path() / "DOOM2.PRJ").Answer(1).AnswerList(0);
-        Window->Run(CommandFirstStartup);
-        ASSERT_TRUE(Session().LevelLoaded);
-        QApplication::processEvents();
-        Ui.Clear();
-    }
-
-    void TearDown() override
-    {
-        Window.reset();
-        ResetSession();
-        StatusFixture::TearDown();
-    }
-
-    QWidget* Map() const { return Window->Map(); }
-
-    /// L: LineDef mode.
-    void UseLineDefMode()
-    {
-        QTest::keyClick(Map(), Qt::Key_L);
-        ASSERT_EQ(EditMode(), ModeLineDefs);
-    }
-
-    /// The window position of a map point.
-    QPoint Pixel(double x, double y) const
-    {
-        const view::MapViewport& viewport = view::View().Viewport;
-        return {view::MapToScreenX(viewport, x), view::MapToScreenY(viewport, y)};
-    }
-
-    /// The middle of a LineDef, in the window.
-    QPoint LineMiddle(int line) const
-    {
-        const map::LevelData& level = map::Map().Level;
-        const map::LineDef& lineDef = level.LineDefs[static_cast<std::size_t>(line)];
-        const map::Vertex& a = level.Vertexes[lineDef.StartVertex];
-        const map::Vertex& b = level.Vertexes[lineDef.EndVertex];
-        return Pixel((a.X + b.X) / 2.0, (a.Y + b.Y) / 2.0);
-    }
-
-    /// A LineDef whose middle is well inside the window and near no other line's middle.
-    int VisibleLine() const
-    {
-        const map::LevelData& level = map::Map().Level;
-        for (int i = 0; i < level.LineDefs.Count(); ++i)
-        {
-            const QPoint middle = LineMiddle(i);
-            if (Map()->rect().adjusted(40, 40, -40, -40).contains(middle) &&
-                view::FindNearPointer(level, view::View().Viewport, ModeLineDefs, 10.0, middle.x(),
-                                      middle.y()) == i)
-            {
-                return i;
-            }
-        }
-        return -1;
-    }
-
-    void Click(QPoint at)
-    {
-        QTest::mouseMove(Map(), at);
-        QTest::mouseClick(Map(), Qt::LeftButton, Qt::NoModifier, at);
-        QTest::qWait(350); // past the double click time
-    }
-
-    std::vector<int> SelectedObjects() const
-    {
-        std::vector<int> objects = map::Selected().Selection.Objects();
-        std::sort(objects.begin(), objects.end());
-        return objects;
-    }
-
-    std::unique_ptr<MainWindow> Window;
-};
 
 TEST_F(MainWindowTest, StartsOnFreedoomMap01DrawnInTheWindow)
 {
@@ -283,13 +176,58 @@ TEST_F(MainWindowTest, ShiftF1StartsTheGameOnTheLevelAndReloadsItAfter)
     EXPECT_EQ(Session().AppState, AppEditing);
 }
 
-TEST_F(MainWindowTest, KeyITogglesTheInfoPane)
+TEST_F(MainWindowTest, TheMapStaysUnderThePointerWhileTheInfoPaneComesGoesAndChangesHeight)
 {
-    EXPECT_TRUE(Window->InfoPaneVisible());
+    UseLineDefMode();
+    // A line in the top half, so the pointer stays over the map whatever the pane's height.
+    const map::LevelData& level = map::Map().Level;
+    const view::MapViewport& viewport = view::View().Viewport;
+    const QRect top(40, 40, Map()->width() - 80, Map()->height() / 2 - 40);
+    int line = -1;
+    for (int i = 0; i < level.LineDefs.Count() && line < 0; ++i)
+    {
+        const QPoint middle = LineMiddle(i);
+        line = top.contains(middle) && view::FindNearPointer(level, viewport, ModeLineDefs, 10.0,
+                                                             middle.x(), middle.y()) == i
+                   ? i
+                   : -1;
+    }
+    ASSERT_GE(line, 0);
+    const QPoint pointer = LineMiddle(line);
+    QTest::mouseMove(Map(), pointer);
+    ASSERT_EQ(map::Selected().HighlightedObject, line);
+    const double mapX = view::ScreenToMapXExact(viewport, pointer.x());
+    const double mapY = view::ScreenToMapYExact(viewport, pointer.y());
+    const auto expectSamePlace = [&](const char* step)
+    {
+        EXPECT_NEAR(view::ScreenToMapXExact(viewport, pointer.x()), mapX, 1e-6) << step;
+        EXPECT_NEAR(view::ScreenToMapYExact(viewport, pointer.y()), mapY, 1e-6) << step;
+        EXPECT_EQ(viewport.HeightPx, Map()->height()) << step;
+        const int under =
+            view::FindNearPointer(level, viewport, EditMode(), map::Map().Options.ObjectSelectRange,
+                                  pointer.x(), pointer.y());
+        EXPECT_EQ(map::Selected().HighlightedObject, under) << step;
+    };
+
+    const int withPane = Map()->height();
     QTest::keyClick(Map(), Qt::Key_I);
+    Settle();
     EXPECT_FALSE(Window->InfoPaneVisible());
+    ASSERT_GT(Map()->height(), withPane);
+    expectSamePlace("pane hidden");
+    EXPECT_EQ(LineMiddle(line), pointer);
+
     QTest::keyClick(Map(), Qt::Key_I);
+    Settle();
     EXPECT_TRUE(Window->InfoPaneVisible());
+    ASSERT_EQ(Map()->height(), withPane);
+    expectSamePlace("pane shown");
+
+    // The Vertex pane has fewer lines than the LineDef pane.
+    QTest::keyClick(Map(), Qt::Key_V);
+    Settle();
+    ASSERT_NE(Map()->height(), withPane);
+    expectSamePlace("Vertex mode");
 }
 
 TEST_F(MainWindowTest, ExitWithoutChangesClosesAndEndsTheSessionCleanly)
