@@ -18,8 +18,30 @@ void ModeCommand(int number, CommandSource source);        // 401 to 404, 409, 4
 void AutoModeCommand(int number, CommandSource source);    // 420
 void ExitCommand(int number, CommandSource source);        // 1044
 void EditLevelCommand(int number, CommandSource source);   // 1022
+void NewLevelCommand(int number, CommandSource source);    // 1023
 void ResetRecentCommand(int number, CommandSource source); // 123
 void StartupCommand(int number, CommandSource source);     // 1280, 1284
+
+// Opening and closing PWADs (PwadCommands.cpp).
+void OpenPwadCommand(int number, CommandSource source);      // 1025, the recent PWADs
+void CloseAllFilesCommand(int number, CommandSource source); // 1024
+void CloseOneFileCommand(int number, CommandSource source);  // 1026
+
+/// True when the name table lists a PWAD: Close 1 File has something to close.
+bool AnyPwadListed();
+
+// Projects and texture controls (ProjectCommands.cpp).
+void ChooseProjectCommand(int number, CommandSource source);      // 1065
+void ChooseTextureGroupCommand(int number, CommandSource source); // 1066
+
+/// Choosing another project: KELVAR.CHK and the project are saved, the project chooser runs,
+/// all files are closed and the new project's IWAD, PWADs and level are opened. When the new
+/// project can't be opened the old one comes back; when that fails too the window is closed.
+/// Returns false when the chooser was cancelled or no project could be opened.
+bool SwitchProject();
+
+// Tags (TagCommands.cpp).
+void SetTagCommand(int number, CommandSource source); // 442
 
 // Grid, centring, scrolling and the display toggles (ViewCommands.cpp).
 void GridCommand(int number, CommandSource source);        // 443, 445 to 448, 454, 523
@@ -27,7 +49,7 @@ void NewGridSizeCommand(int number, CommandSource source); // 450
 void CentreCommand(int number, CommandSource source);      // 449, 455, 464
 void ScrollSpeedCommand(int number, CommandSource source); // 452, 453
 void ZoomToggleCommand(int number, CommandSource source);  // 421
-void DisplayCommand(int number, CommandSource source);     // 427, 441, 451, 496 to 498, 1012
+void DisplayCommand(int number, CommandSource source);     // 427, 441, 451, 496 to 498, 1012, 1030
 void RedrawCommand(int number, CommandSource source);      // 477
 
 // Selection, walking the objects and bookmarks (SelectCommands.cpp).

@@ -31,6 +31,7 @@ struct CommandWords
     std::string OpenPwadName;
     bool InfoPaneShown = true; // I
     int ThingDisplay = 0;      // Q steps it through 0, 1, 2
+    bool CheckDisplay = false; // Shift+F10: the check display flag
 };
 
 /// What the last commands want the window to do.

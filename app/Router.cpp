@@ -40,12 +40,14 @@ constexpr RouteRow RouteTable[] = {
     {CmdTextureAlign3D, CmdTextureAlign3D, AnyMode, TestIn3DCommand, "3D Mode Texture Align"},
     // Files, levels, projects.
     {CmdEditLevel, CmdEditLevel, AnyMode, EditLevelCommand, "Edit Level"},
-    {CmdNewLevel, CmdNewLevel, AnyMode, nullptr, "New Level"},
-    {CmdCloseAllFiles, CmdCloseAllFiles, AnyMode, nullptr, "Close All Files"},
-    {CmdOpenPwad, CmdOpenPwad, AnyMode, nullptr, "Open PWAD"},
-    {CmdCloseOneFile, CmdCloseOneFile, AnyMode, nullptr, "Close 1 File"},
+    {CmdNewLevel, CmdNewLevel, AnyMode, NewLevelCommand, "New Level"},
+    {CmdCloseAllFiles, CmdCloseAllFiles, AnyMode, CloseAllFilesCommand, "Close All Files"},
+    {CmdOpenPwad, CmdOpenPwad, AnyMode, OpenPwadCommand, "Open PWAD"},
+    {CmdCloseOneFile, CmdCloseOneFile, AnyMode, CloseOneFileCommand, "Close 1 File"},
     {CmdExit, CmdExit, AnyMode, ExitCommand, "Exit"},
-    {CmdChooseProject, CmdChooseTextureGroup, AnyMode, nullptr, "project, texture group"},
+    {CmdChooseProject, CmdChooseProject, AnyMode, ChooseProjectCommand, "Choose Game Project"},
+    {CmdChooseTextureGroup, CmdChooseTextureGroup, AnyMode, ChooseTextureGroupCommand,
+     "Choose Texture Group"},
     {CmdGroup, CmdUngroup, AnyMode, nullptr, "Group, UnGroup"},
     {CmdMakeIwad, CmdMakeIwad, AnyMode, nullptr, "Save and make an IWAD"},
     {CmdResetRecentList, CmdResetRecentList, AnyMode, ResetRecentCommand, "Reset recent PWAD List"},
@@ -90,7 +92,7 @@ constexpr RouteRow RouteTable[] = {
     {CmdPrefabToolFirst, CmdPrefabToolLast, AnyMode, nullptr, "prefab tools"},
     // The view.
     {CmdToggleThingDisplay, CmdToggleThingDisplay, AnyMode, DisplayCommand, "Toggle Thing Display"},
-    {CmdSetTagOrHeight, CmdSetTagOrHeight, LineDefs | Sectors, nullptr, "Set tag or height"},
+    {CmdSetTagOrHeight, CmdSetTagOrHeight, LineDefs | Sectors, SetTagCommand, "Set tag or height"},
     {CmdToggleGrid64, CmdToggleGrid64, AnyMode, GridCommand, "Toggle Grid 64"},
     {CmdToggleGridDisplay, CmdToggleGridLine, AnyMode, GridCommand, "grid"},
     {CmdToggleGridSnap, CmdToggleGridSnap, AnyMode, GridCommand, "Toggle Grid Snap"},
@@ -104,7 +106,7 @@ constexpr RouteRow RouteTable[] = {
     {CmdToggleRuler, CmdToggleRulerShape, AnyMode, DisplayCommand, "ruler"},
     {CmdToggleInvisibleLines, CmdToggleInvisibleLines, AnyMode, DisplayCommand,
      "Toggle Invisible Lines"},
-    {CmdToggleCheckDisplay, CmdToggleCheckDisplay, AnyMode, nullptr, "Toggle check display"},
+    {CmdToggleCheckDisplay, CmdToggleCheckDisplay, AnyMode, DisplayCommand, "Toggle check display"},
     {CmdRedrawMap, CmdRedrawMap, AnyMode, RedrawCommand, "Redraw Map"},
     {CmdWireFrame, CmdWireFrame, AnyMode, nullptr, "3D WireFrame Viewer"},
     // LineDef, Sector and Thing operations.
@@ -265,6 +267,10 @@ bool IsCommandEnabled(int number)
     {
         return false;
     }
+    if (number == CmdCloseOneFile)
+    {
+        return AnyPwadListed();
+    }
     if (number >= CmdGotoBookmark0 && number <= CmdGotoBookmark9)
     {
         const map::Bookmark& bookmark =
@@ -325,19 +331,35 @@ void ExitCommand(int /*number*/, CommandSource /*source*/)
     Shell().Requests.QuitRequested = true;
 }
 
-void EditLevelCommand(int /*number*/, CommandSource /*source*/)
+namespace
+{
+
+// Edit Level and New Level: the unsaved-changes question, the list of levels (the EditLevel
+// dialog) and the level chosen read, or made empty in its place. A cancelled list leaves the
+// level as it was.
+void ChooseAndLoadLevel(bool newLevel)
 {
     if (wad::Wad().Levels.empty() || !ContinueWithUnsavedChanges())
     {
         return;
     }
-    // The load shows the list of levels (the EditLevel dialog) and reads the one chosen; a
-    // cancelled list leaves the level as it was.
     SessionState& session = Session();
     const bool withoutAsking = session.OpenLevelWithoutAsking;
     session.OpenLevelWithoutAsking = false;
-    (void)LoadCurrentLevel(false, false);
+    (void)LoadCurrentLevel(newLevel, false);
     session.OpenLevelWithoutAsking = withoutAsking;
+}
+
+} // namespace
+
+void EditLevelCommand(int /*number*/, CommandSource /*source*/)
+{
+    ChooseAndLoadLevel(false);
+}
+
+void NewLevelCommand(int /*number*/, CommandSource /*source*/)
+{
+    ChooseAndLoadLevel(true);
 }
 
 void ResetRecentCommand(int /*number*/, CommandSource /*source*/)

@@ -218,23 +218,8 @@ int SaveDispatcher(int code, const std::optional<wad::LumpReplace>& replace, boo
 
 bool ReloadAfterSave()
 {
-    SessionState& session = Session();
-    const bool withoutAsking = session.OpenLevelWithoutAsking;
     // The view stays where it was: the save doesn't move the map.
-    GatherSettings();
-    const double x = Shell().Project.ViewX;
-    const double y = Shell().Project.ViewY;
-    wad::WadState& wad = wad::Wad();
-    if (wad::ScanMainIwad(wad.Options.IwadPath) != 1)
-    {
-        return false;
-    }
-    Shell().Project.ViewX = x;
-    Shell().Project.ViewY = y;
-    session.OpenLevelWithoutAsking = true;
-    const bool loaded = LoadCurrentLevel(false, false);
-    session.OpenLevelWithoutAsking = withoutAsking;
-    return loaded;
+    return ReloadAllFiles(true);
 }
 
 bool QuickSaveBackup(bool exitForm)

@@ -175,6 +175,19 @@ bool LoadProjectFiles();
 /// From the IWAD to the first drawn map. Returns 0 when the IWAD step was given up.
 [[nodiscard]] int LoadSessionFiles();
 
+/// The first steps of LoadSessionFiles, which a change of project runs as well: the file
+/// settings go to the WAD layer, the project's IWAD is chosen and scanned (SelectMainIwad),
+/// and the project's PWADs become the name table, duplicates cleared. Returns 0 when the
+/// IWAD step was given up.
+[[nodiscard]] int OpenProjectIwad();
+
+/// Resets the master directory: every file is closed, the IWAD is scanned again, then the
+/// PWADs of the name table in its order (the overlay order), and the project's level is read
+/// again without asking, or the first level when that one is gone. `keepView` keeps the map
+/// where it stands; otherwise the level is centred. Returns false when the IWAD couldn't be
+/// scanned (the reason was shown) or no level was read.
+bool ReloadAllFiles(bool keepView);
+
 /// The EditLevel list: the levels of the level list, `current` in the caption. Returns the
 /// chosen name, or nothing when cancelled.
 std::optional<std::string> ChooseLevel(const std::string& current);

@@ -384,27 +384,57 @@ bool RunStartupCommand(int command)
     return true;
 }
 
+int OpenProjectIwad()
+{
+    SessionState& session = Session();
+    ApplyWadSettings();
+    session.AppState = AppChoosingIwad;
+    const int selected = wad::SelectMainIwad(session.FirstTime);
+    (void)CopyIwadPathToProject(wad::Wad().Options, Shell().Project);
+    session.AppState = AppNotReady;
+    if (selected == 0)
+    {
+        return 0;
+    }
+    CopyOpenFilesToWad();
+    RemoveDuplicateNames();
+    Shell().Requests.MenuStateChanged = true;
+    Shell().Requests.MiscMenuChanged = true;
+    return 1;
+}
+
+bool ReloadAllFiles(bool keepView)
+{
+    SessionState& session = Session();
+    ProjectRecord& project = Shell().Project;
+    GatherSettings();
+    const double x = keepView ? project.ViewX : wad::UnsetViewPosition;
+    const double y = keepView ? project.ViewY : wad::UnsetViewPosition;
+    if (wad::ScanMainIwad(wad::Wad().Options.IwadPath) != 1)
+    {
+        return false;
+    }
+    CompactNames();
+    project.ViewX = x;
+    project.ViewY = y;
+    const bool withoutAsking = session.OpenLevelWithoutAsking;
+    session.OpenLevelWithoutAsking = true;
+    const bool loaded = LoadCurrentLevel(false, false);
+    session.OpenLevelWithoutAsking = withoutAsking;
+    Shell().Requests.MenuStateChanged = true;
+    return loaded;
+}
+
 int LoadSessionFiles()
 {
     SessionState& session = Session();
     ShellState& shell = Shell();
     ProjectRecord& project = shell.Project;
 
-    ApplyWadSettings();
-    session.AppState = AppChoosingIwad;
-    const int selected = wad::SelectMainIwad(session.FirstTime);
-    (void)CopyIwadPathToProject(wad::Wad().Options, project);
-    if (selected == 0)
+    if (OpenProjectIwad() == 0)
     {
-        session.AppState = AppNotReady;
         return 0;
     }
-    session.AppState = AppNotReady;
-
-    CopyOpenFilesToWad();
-    RemoveDuplicateNames();
-    Shell().Requests.MenuStateChanged = true;
-    Shell().Requests.MiscMenuChanged = true;
 
     session.OpenLevelWithoutAsking = shell.Chk.AutoStartProgram != 0 || !session.FirstTime;
     if (shell.Chk.AutoLoadLevels != 0 && session.StartFile.empty())

@@ -171,6 +171,9 @@ void DisplayCommand(int number, CommandSource /*source*/)
     case CmdToggleInvisibleLines:
         options.ShowInvisibleLines = !options.ShowInvisibleLines;
         break;
+    case CmdToggleCheckDisplay:
+        words.CheckDisplay = !words.CheckDisplay;
+        break;
     default:
         return;
     }

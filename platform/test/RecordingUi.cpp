@@ -106,15 +106,17 @@ std::optional<std::filesystem::path> RecordingUi::ChooseFile(const FileChoice& c
 }
 
 std::optional<int> RecordingUi::ChooseFromList(const std::string& caption,
-                                               const std::vector<std::string>& /*items*/)
+                                               const std::vector<std::string>& items)
 {
     ListCaptions.push_back(caption);
+    ListItems.push_back(items);
     return TakeOrFail(ListAnswers, "list choice", caption);
 }
 
-std::optional<int> RecordingUi::AskNumber(const std::string& caption, const std::string& /*prompt*/,
-                                          int /*initial*/, int /*low*/, int /*high*/)
+std::optional<int> RecordingUi::AskNumber(const std::string& caption, const std::string& prompt,
+                                          int initial, int low, int high)
 {
+    NumberPrompts.push_back({caption, prompt, initial, low, high});
     return TakeOrFail(Numbers, "number prompt", caption);
 }
 
@@ -190,6 +192,8 @@ void RecordingUi::Clear()
     TextFiles.clear();
     FileRequests.clear();
     ListCaptions.clear();
+    ListItems.clear();
+    NumberPrompts.clear();
     StatusTexts.clear();
     Progress.clear();
 }

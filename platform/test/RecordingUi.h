@@ -66,10 +66,22 @@ public:
         std::vector<std::string> Lines;
     };
 
+    /// A number prompt as it was asked.
+    struct NumberPrompt
+    {
+        std::string Caption;
+        std::string Prompt;
+        int Initial = 0;
+        int Low = 0;
+        int High = 0;
+    };
+
     std::vector<Message> Messages;
     std::vector<ShownText> TextFiles;
     std::vector<FileChoice> FileRequests;
     std::vector<std::string> ListCaptions;
+    std::vector<std::vector<std::string>> ListItems; // the items of each list choice
+    std::vector<NumberPrompt> NumberPrompts;
     std::vector<std::string> StatusTexts;
     std::vector<std::pair<std::string, std::string>> Progress;
     int EscapePolls = 0;

@@ -246,7 +246,7 @@ TEST(RouteTable, TellsWhatIsBuilt)
     EXPECT_FALSE(IsCommandAvailable(CmdUndo));
     EXPECT_FALSE(IsCommandAvailable(CmdCopy));
     EXPECT_FALSE(IsCommandAvailable(512)) << "Misc popup commands are object operations";
-    EXPECT_FALSE(IsCommandAvailable(CmdRecentPwadFirst)) << "a recent PWAD goes through Open PWAD";
+    EXPECT_TRUE(IsCommandAvailable(CmdRecentPwadFirst)) << "a recent PWAD goes through Open PWAD";
     EXPECT_FALSE(IsCommandAvailable(444)) << "no row";
     // Single numbers stand before the ranges round them.
     EXPECT_EQ(FindRoute(CmdFlipLineDef)->Modes, ModeLineDefs);

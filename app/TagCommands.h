@@ -1,0 +1,32 @@
+// Set tag or height: the tags of the selected LineDefs or Sectors, and the free tag search
+// whose result its dialog shows.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "map/LevelData.h"
+
+#include <vector>
+
+namespace kelvar::app
+{
+
+/// What the free tag search found.
+struct FreeNumbers
+{
+    int Free = 1; // the first gap above the lowest number in use
+    int Last = 0; // the highest number in use
+
+    bool operator==(const FreeNumbers&) const = default;
+};
+
+/// The free tag search over the numbers in use (in any order, repeats allowed): "last" is the
+/// highest; "free" is the first gap above the lowest, or the highest plus 1, and 1 when none is
+/// in use.
+FreeNumbers FreeTagInfo(std::vector<int> numbers);
+
+/// The positive tags of a level's LineDefs and Sectors. In the Hexen format a LineDef's tag is
+/// its special's first argument and counts only for a special that refers to Sectors or lines
+/// by tag.
+std::vector<int> TagsInUse(const map::LevelData& level, bool hexenFormat);
+
+} // namespace kelvar::app
