@@ -54,6 +54,7 @@ void RedrawCommand(int number, CommandSource source);      // 477
 
 // Selection, walking the objects and bookmarks (SelectCommands.cpp).
 void ClearSelectionCommand(int number, CommandSource source); // 210
+void UndoCommand(int number, CommandSource source);           // 199 Redo, 201 Undo
 void WalkCommand(int number, CommandSource source);           // 303, 304
 void JumpCommand(int number, CommandSource source);           // 305
 void JumpToTagsCommand(int number, CommandSource source);     // 306

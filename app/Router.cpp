@@ -57,8 +57,8 @@ constexpr RouteRow RouteTable[] = {
     {CmdPackSideDefs, CmdCenterMapCoordinates, AnyMode, nullptr, "Pack, Unpack, Center"},
     {CmdRenumberTags, CmdRenumberTags, AnyMode, nullptr, "Renumber"},
     // Undo, clipboard, objects.
-    {CmdRedo, CmdRedo, AnyMode, nullptr, "Redo"},
-    {CmdUndo, CmdUndo, AnyMode, nullptr, "Undo"},
+    {CmdRedo, CmdRedo, AnyMode, UndoCommand, "Redo"},
+    {CmdUndo, CmdUndo, AnyMode, UndoCommand, "Undo"},
     {CmdCut, CmdCut, AnyMode, nullptr, "Cut"},
     {CmdDeleteObject, CmdDeleteObject, AnyMode, nullptr, "Delete"},
     {CmdCopy, CmdPaste, AnyMode, nullptr, "Copy, Paste"},

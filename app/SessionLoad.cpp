@@ -526,6 +526,7 @@ bool LoadCurrentLevel(bool newLevel, bool resetView)
     map::ClearSelection();
     map::LevelFree(level);
     (void)wad::ReadLevel(level, *name, newLevel);
+    map::UndoReset(); // the steps of another level are no steps of this one
     wad::BuildMarkerLists();
     LoadGameDefinitions();
     ApplyViewSettings();

@@ -148,6 +148,7 @@ void SetTagCommand(int /*number*/, CommandSource /*source*/)
     {
         return;
     }
+    (void)map::SaveUndoStep();
     bool changed = false;
     for (const std::int32_t object : objects)
     {
@@ -157,6 +158,10 @@ void SetTagCommand(int /*number*/, CommandSource /*source*/)
     {
         // A tag is no part of the node tree: only the change counter goes up.
         map::NoteChange(level, map::KindThing);
+    }
+    else
+    {
+        (void)map::DropLastUndoStep(); // nothing to take back
     }
 }
 

@@ -243,7 +243,7 @@ TEST(RouteTable, TellsWhatIsBuilt)
     EXPECT_TRUE(IsCommandAvailable(CmdNewGridSize));
     EXPECT_TRUE(IsCommandAvailable(CmdGotoBookmark9));
     EXPECT_TRUE(IsCommandAvailable(CmdSaveLevel));
-    EXPECT_FALSE(IsCommandAvailable(CmdUndo));
+    EXPECT_TRUE(IsCommandAvailable(CmdUndo));
     EXPECT_FALSE(IsCommandAvailable(CmdCopy));
     EXPECT_FALSE(IsCommandAvailable(512)) << "Misc popup commands are object operations";
     EXPECT_TRUE(IsCommandAvailable(CmdRecentPwadFirst)) << "a recent PWAD goes through Open PWAD";

@@ -44,7 +44,7 @@ TEST_F(RouterTest, BusyCommandsBeepOutsideTheEditingStateAndTheFlagAlwaysComesBa
     // Every other way out clears the flag too.
     Session().CommandBusy = false;
     EXPECT_EQ(RunCommand(444), CommandResult::Unknown);
-    EXPECT_EQ(RunCommand(CmdUndo), CommandResult::NotAvailable);
+    EXPECT_EQ(RunCommand(CmdCopy), CommandResult::NotAvailable);
     EXPECT_EQ(RunCommand(CmdMarkSameThings), CommandResult::WrongMode);
     EXPECT_FALSE(Session().CommandBusy);
     EXPECT_EQ(Ui.Beeps, 3) << "unknown and unbuilt commands beep, a command of another mode not";
@@ -79,7 +79,7 @@ TEST_F(RouterTest, ACommandThatRanAsksForTheMapStatusAndPanes)
     RunCommand(CmdExit);
     EXPECT_TRUE(TakeRequests().QuitRequested) << "the window runs the exit prompt";
 
-    (void)RunCommand(CmdUndo);
+    (void)RunCommand(CmdCopy);
     EXPECT_EQ(TakeRequests(), CommandRequests{}) << "a command that didn't run asks nothing";
 }
 

@@ -114,5 +114,36 @@ TEST_F(TagCommandTest, HexenFormatTagsAreTheFirstArgumentFrom0To255)
     EXPECT_EQ(map::Map().Level.LineDefs[4].Tag, 0x01C8) << "only the low byte changes";
 }
 
+TEST_F(TagCommandTest, UndoTakesTheTagsBackAndRedoSetsThemAgain)
+{
+    Edit(TaggedRooms(), ModeSectors);
+    map::Map().Level.ChangeCount = 0;
+    const map::LevelData before = map::Map().Level;
+    Mark({0, 1});
+    Ui.AnswerNumber(9);
+    ASSERT_EQ(RunCommand(CmdSetTagOrHeight), CommandResult::Done);
+    const map::LevelData after = map::Map().Level;
+    EXPECT_EQ(after.Sectors[1].Tag, 9);
+
+    ASSERT_EQ(RunCommand(CmdUndo), CommandResult::Done);
+    EXPECT_EQ(map::Map().Level, before) << "the change counter comes back too";
+    EXPECT_TRUE(Marked().empty()) << "an undo drops the selection";
+    ASSERT_EQ(RunCommand(CmdRedo), CommandResult::Done);
+    EXPECT_EQ(map::Map().Level, after);
+    ASSERT_EQ(RunCommand(CmdRedo), CommandResult::Done);
+    EXPECT_EQ(Ui.Beeps, 1) << "nothing more to redo: the signal alone";
+
+    // A tag that changes nothing leaves no step behind.
+    Mark({1});
+    Ui.AnswerNumber(9);
+    ASSERT_EQ(RunCommand(CmdSetTagOrHeight), CommandResult::Done);
+    EXPECT_EQ(map::Map().Undo.Position, 0);
+
+    map::Map().Options.UndoEnabled = false;
+    ASSERT_EQ(RunCommand(CmdRedo), CommandResult::Done);
+    EXPECT_EQ(Ui.Last().Title, "Undo");
+    EXPECT_EQ(Ui.Last().Text(), "Undo Option Not Set!");
+}
+
 } // namespace
 } // namespace kelvar::app

@@ -9,6 +9,7 @@
 #include "map/MapState.h"
 #include "platform/qt/QtUi.h"
 #include "tests/app/StatusTestKit.h"
+#include "tests/app/ui/DialogAnswers.h"
 #include "tests/testkit/LevelBuilder.h"
 #include "view/ViewState.h"
 #include "wad/WadState.h"
@@ -16,6 +17,7 @@
 #include <QApplication>
 #include <QDialogButtonBox>
 #include <QFileDialog>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -62,8 +64,7 @@ private:
         }
         else if (auto* files = qobject_cast<QFileDialog*>(modal))
         {
-            files->selectFile(File);
-            QMetaObject::invokeMethod(files, "accept");
+            AcceptFile(files, File);
         }
         else if (auto* list = modal->findChild<QListWidget*>("choices"))
         {

@@ -7,6 +7,7 @@
 #include "game/GameState.h"
 #include "map/MapState.h"
 #include "platform/qt/QtUi.h"
+#include "tests/app/ui/DialogAnswers.h"
 #include "tests/testkit/TempDir.h"
 #include "view/ViewState.h"
 #include "wad/WadState.h"
@@ -56,8 +57,7 @@ private:
         if (auto* files = qobject_cast<QFileDialog*>(modal))
         {
             Seen.push_back(files->windowTitle().toStdString());
-            files->selectFile(QString::fromStdString(Project.string()));
-            QMetaObject::invokeMethod(files, "accept");
+            AcceptFile(files, QString::fromStdString(Project.string()));
             return;
         }
         if (auto* list = modal->findChild<QListWidget*>("choices"))
