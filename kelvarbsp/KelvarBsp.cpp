@@ -335,11 +335,11 @@ int RunBuilder(const BspCommand& command, const std::string& zdbsp, const std::s
     log += "Running: " + zdbsp + ' ' + Joined(arguments) + '\n';
     const ZdbspResult result = RunZdbsp(zdbsp, arguments);
     log += OutputForLog(result.Output, command.Options.SuppressExtendedMessages);
-    if (result.StartError != 0)
+    if (!result.Started)
     {
-        return Fail(log, BspBuilderFailed,
-                    Format("%s could not be started: %s.", zdbsp.c_str(),
-                           std::strerror(result.StartError)));
+        return Fail(
+            log, BspBuilderFailed,
+            Format("%s could not be started: %s.", zdbsp.c_str(), result.StartReason.c_str()));
     }
     if (result.Signal != 0)
     {

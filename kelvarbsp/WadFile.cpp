@@ -2,10 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "kelvarbsp/WadFile.h"
 
+#include "wad/DirectoryReader.h"
 #include "wad/WadFormat.h"
 
-#include <array>
 #include <cstring>
+#include <fstream>
 #include <system_error>
 
 namespace kelvar::kelvarbsp
@@ -13,30 +14,10 @@ namespace kelvar::kelvarbsp
 namespace
 {
 
-/// The lumps that belong to a level after its marker.
-constexpr std::array<std::string_view, 12> LevelLumpNames{
-    "THINGS", "LINEDEFS", "SIDEDEFS", "VERTEXES", "SEGS",     "SSECTORS",
-    "NODES",  "SECTORS",  "REJECT",   "BLOCKMAP", "BEHAVIOR", "SCRIPTS",
-};
-
-bool IsLevelLump(const wad::LumpName& name)
+bool ReadBytes(std::FILE* stream, std::int64_t offset, char* data, std::size_t size)
 {
-    for (const std::string_view lump : LevelLumpNames)
-    {
-        if (name.Key() == wad::NameKey(lump))
-        {
-            return true;
-        }
-    }
-    return false;
-}
-
-bool ReadBytes(std::ifstream& stream, std::int64_t offset, char* data, std::size_t size)
-{
-    stream.clear();
-    stream.seekg(offset);
-    stream.read(data, static_cast<std::streamsize>(size));
-    return static_cast<std::size_t>(stream.gcount()) == size;
+    return fseeko(stream, static_cast<off_t>(offset), SEEK_SET) == 0 &&
+           (size == 0 || std::fread(data, size, 1, stream) == 1);
 }
 
 void PutLe32(std::string& bytes, std::int32_t value)
@@ -46,67 +27,57 @@ void PutLe32(std::string& bytes, std::int32_t value)
     bytes.append(reinterpret_cast<const char*>(raw), sizeof raw);
 }
 
+// Why the directory can't be built on, in the words of the log; empty when it can.
+std::string Refusal(const wad::DirectoryReport& read, const std::string& path)
+{
+    if (read.Problem == wad::HeaderProblem::TooSmall)
+    {
+        return path + " is too short to be a WAD";
+    }
+    if (read.Problem != wad::HeaderProblem::None ||
+        (read.Magic != "PWAD" && read.Magic != "IWAD") || read.RunsPastEnd)
+    {
+        return path + " is not a WAD (its header or directory is damaged)";
+    }
+    if (!read.BadEntries.empty())
+    {
+        const wad::LumpEntry& bad = read.BadEntries.front();
+        return "lump " + std::to_string(read.Entries.size()) + " (" + bad.Name.Text() + ") of " +
+               path + " lies outside the file";
+    }
+    return {};
+}
+
 } // namespace
 
 std::optional<WadFile> OpenWad(const std::filesystem::path& path, std::string& reason)
 {
-    std::error_code error;
-    const std::uintmax_t fileSize = std::filesystem::file_size(path, error);
     WadFile wad;
-    wad.Stream.open(path, std::ios::binary);
-    if (error || !wad.Stream)
+    wad.Stream.reset(std::fopen(path.c_str(), "rb"));
+    if (!wad.Stream)
     {
-        reason = "cannot open " + path.string() + ": " +
-                 (error ? error.message() : std::string(std::strerror(errno)));
+        reason = "cannot open " + path.string() + ": " + std::strerror(errno);
         return std::nullopt;
     }
-    std::uint8_t header[wad::WadHeaderSize];
-    if (!ReadBytes(wad.Stream, 0, reinterpret_cast<char*>(header), sizeof header))
+    // kelvarbsp rewrites the file it builds into: a directory with anything wrong is refused
+    // whole, never worked round.
+    wad::DirectoryReport read =
+        wad::ReadDirectoryOf(wad.Stream.get(), wad::BadEntryRule::StopAtBadEntry);
+    reason = Refusal(read, path.string());
+    if (!reason.empty())
     {
-        reason = path.string() + " is too short to be a WAD";
         return std::nullopt;
     }
-    wad.Magic.assign(reinterpret_cast<const char*>(header), 4);
-    wad.End = static_cast<std::int64_t>(fileSize);
-    const std::int32_t count = wad::ReadLe32(header + 4);
-    const std::int32_t directory = wad::ReadLe32(header + 8);
-    if ((wad.Magic != "PWAD" && wad.Magic != "IWAD") || count < 0 || directory < 0 ||
-        static_cast<std::uintmax_t>(directory) +
-                static_cast<std::uintmax_t>(count) * wad::DirectoryEntrySize >
-            fileSize)
-    {
-        reason = path.string() + " is not a WAD (its header or directory is damaged)";
-        return std::nullopt;
-    }
-    std::vector<std::uint8_t> entries(static_cast<std::size_t>(count) * wad::DirectoryEntrySize);
-    if (!ReadBytes(wad.Stream, directory, reinterpret_cast<char*>(entries.data()), entries.size()))
-    {
-        reason = "cannot read the directory of " + path.string();
-        return std::nullopt;
-    }
-    wad.Lumps.reserve(static_cast<std::size_t>(count));
-    for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i)
-    {
-        const std::uint8_t* entry = entries.data() + i * wad::DirectoryEntrySize;
-        WadLump lump{wad::ReadLe32(entry), wad::ReadLe32(entry + 4),
-                     wad::LumpName::FromBytes(entry + 8)};
-        if (lump.Offset < 0 || lump.Size < 0 ||
-            static_cast<std::uintmax_t>(lump.Offset) + static_cast<std::uintmax_t>(lump.Size) >
-                fileSize)
-        {
-            reason = "lump " + std::to_string(i) + " (" + lump.Name.Text() + ") of " +
-                     path.string() + " lies outside the file";
-            return std::nullopt;
-        }
-        wad.Lumps.push_back(lump);
-    }
+    wad.Magic = read.Magic;
+    wad.End = read.FileSize;
+    wad.Lumps = std::move(read.Entries);
     return wad;
 }
 
 bool ReadLump(WadFile& wad, const WadLump& lump, std::string& bytes)
 {
     bytes.resize(static_cast<std::size_t>(lump.Size));
-    return lump.Size == 0 || ReadBytes(wad.Stream, lump.Offset, bytes.data(), bytes.size());
+    return lump.Size == 0 || ReadBytes(wad.Stream.get(), lump.Offset, bytes.data(), bytes.size());
 }
 
 const WadLump* LevelLumps::Find(const WadFile& wad, const std::string& name) const
@@ -117,24 +88,23 @@ const WadLump* LevelLumps::Find(const WadFile& wad, const std::string& name) con
 
 std::optional<LevelLumps> FindLevel(const WadFile& wad, std::string_view levelName)
 {
-    const std::uint64_t key = wad::NameKey(levelName);
-    for (std::size_t i = 0; i < wad.Lumps.size(); ++i)
+    const std::optional<wad::LevelSpan> span =
+        wad::FindLevelEntries(wad.Lumps, wad::LumpName::From(levelName));
+    if (!span)
     {
-        // A level is a marker of that name with THINGS or LINEDEFS behind it.
-        if (wad.Lumps[i].Name.Key() != key || i + 1 >= wad.Lumps.size() ||
-            !IsLevelLump(wad.Lumps[i + 1].Name))
-        {
-            continue;
-        }
-        LevelLumps level;
-        level.Marker = i;
-        for (std::size_t j = i + 1; j < wad.Lumps.size() && IsLevelLump(wad.Lumps[j].Name); ++j)
+        return std::nullopt;
+    }
+    LevelLumps level;
+    level.Marker = span->Marker;
+    for (std::size_t j = span->Marker + 1; j < span->End; ++j)
+    {
+        // The GL nodes are no lumps zdbsp reads or writes here.
+        if (!wad.Lumps[j].Name.StartsWith("GL_"))
         {
             level.Lumps.emplace(wad.Lumps[j].Name.Text(), j);
         }
-        return level;
     }
-    return std::nullopt;
+    return level;
 }
 
 bool ReplaceLumps(WadFile& wad, const std::filesystem::path& path,
@@ -142,7 +112,7 @@ bool ReplaceLumps(WadFile& wad, const std::filesystem::path& path,
 {
     if (replacements.empty())
     {
-        wad.Stream.close();
+        wad.Stream.reset();
         return true;
     }
     // Everything from the first replaced lump on is rewritten, starting where that lump's
@@ -165,7 +135,7 @@ bool ReplaceLumps(WadFile& wad, const std::filesystem::path& path,
     std::int64_t offset = start;
     for (std::size_t i = 0; i < wad.Lumps.size(); ++i)
     {
-        const WadLump& lump = wad.Lumps[i];
+        const wad::LumpEntry& lump = wad.Lumps[i];
         std::int64_t at = lump.Offset;
         std::int32_t size = lump.Size;
         if (i >= first)
@@ -186,7 +156,7 @@ bool ReplaceLumps(WadFile& wad, const std::filesystem::path& path,
         PutLe32(directory, size);
         directory.append(lump.Name.Chars.data(), lump.Name.Chars.size());
     }
-    wad.Stream.close();
+    wad.Stream.reset();
     if (offset > INT32_MAX)
     {
         reason = path.string() + " would pass the 2 GB a WAD can address";

@@ -3,11 +3,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "wad/LumpName.h"
+#include "wad/CheckedFile.h"
+#include "wad/LumpDirectory.h"
 
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <optional>
 #include <string>
@@ -18,25 +18,19 @@ namespace kelvar::kelvarbsp
 {
 
 /// One directory entry.
-struct WadLump
-{
-    std::int32_t Offset = 0;
-    std::int32_t Size = 0;
-    wad::LumpName Name;
-
-    bool operator==(const WadLump&) const = default;
-};
+using WadLump = wad::LumpEntry;
 
 /// An open WAD: its stream and its directory, checked against the file's size.
 struct WadFile
 {
-    std::ifstream Stream;
+    wad::StreamPtr Stream;
     std::string Magic;
     std::vector<WadLump> Lumps;
     std::int64_t End = 0; // the file's size
 };
 
-/// Opens a WAD and reads its directory. Nothing when it can't; `reason` then says why.
+/// Opens a WAD and reads its directory through the WAD layer's reader. Nothing when the file
+/// can't be opened or anything of its header or directory is wrong; `reason` then says why.
 std::optional<WadFile> OpenWad(const std::filesystem::path& path, std::string& reason);
 
 /// Reads a lump's bytes; false when the file is shorter than its entry says.
@@ -52,7 +46,8 @@ struct LevelLumps
     const WadLump* Find(const WadFile& wad, const std::string& name) const;
 };
 
-/// The level called `levelName` (case ignored): its marker and the level lumps behind it.
+/// The level called `levelName` (case ignored), found as the editor finds levels: its marker
+/// and the level lumps behind it.
 std::optional<LevelLumps> FindLevel(const WadFile& wad, std::string_view levelName);
 
 /// Puts the lumps listed in `replacements` (by directory index) into the WAD at `path`, whose

@@ -2,40 +2,79 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "kelvarbsp/ZdbspRun.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <fcntl.h>
-#include <memory>
-#include <spawn.h>
-#include <sys/wait.h>
+#include "platform/ConsoleUi.h"
+#include "platform/Processes.h"
 
-extern char** environ;
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <unistd.h>
 
 namespace kelvar::kelvarbsp
 {
 namespace
 {
 
-using File = std::unique_ptr<std::FILE, decltype(&std::fclose)>;
-
-std::string ReadAll(std::FILE* file)
-{
-    std::string text;
-    std::rewind(file);
-    char buffer[4096];
-    std::size_t got = 0;
-    while ((got = std::fread(buffer, 1, sizeof buffer, file)) > 0)
-    {
-        text.append(buffer, got);
-    }
-    return text;
-}
-
 bool IsProgressPiece(const std::string& piece)
 {
     const std::size_t first = piece.find_first_not_of(' ');
     return first == std::string::npos ||
            (piece.back() == '%' && piece.find(':') != std::string::npos);
+}
+
+// The command line of the process port: each word in double quotes, so paths with blanks
+// stay one word.
+std::string CommandLineOf(const std::string& program, const std::vector<std::string>& arguments)
+{
+    std::string line = '"' + program + '"';
+    for (const std::string& argument : arguments)
+    {
+        line += " \"" + argument + '"';
+    }
+    return line;
+}
+
+// A file name of its own for the child's output; empty when none can be made.
+std::filesystem::path OutputFileName()
+{
+    std::string pattern = (std::filesystem::temp_directory_path() / "kelvarbsp-XXXXXX").string();
+    const int descriptor = mkstemp(pattern.data());
+    if (descriptor < 0)
+    {
+        return {};
+    }
+    close(descriptor);
+    return pattern;
+}
+
+std::string ReadText(const std::filesystem::path& path)
+{
+    std::ifstream stream(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
+}
+
+// The last line of what the port showed: the system's reason for a program that didn't start.
+std::string LastLine(const std::string& text)
+{
+    std::string last;
+    std::string line;
+    for (const char c : text)
+    {
+        if (c != '\n')
+        {
+            line += c;
+            continue;
+        }
+        if (line.find_first_not_of(' ') != std::string::npos)
+        {
+            last = line.substr(line.find_first_not_of(' '));
+        }
+        line.clear();
+    }
+    return last;
 }
 
 } // namespace
@@ -67,54 +106,46 @@ std::string WithoutProgress(const std::string& text)
 ZdbspResult RunZdbsp(const std::string& program, const std::vector<std::string>& arguments)
 {
     ZdbspResult result;
-    // The output goes to unnamed temporary files, read once the program ended: no pipe to
-    // keep drained, nothing left on disk.
-    File output(std::tmpfile(), &std::fclose);
-    File errors(std::tmpfile(), &std::fclose);
-    if (!output || !errors)
-    {
-        result.StartError = errno;
-        return result;
-    }
-    std::vector<std::string> words{program};
-    words.insert(words.end(), arguments.begin(), arguments.end());
-    std::vector<char*> argv;
-    for (std::string& word : words)
-    {
-        argv.push_back(word.data());
-    }
-    argv.push_back(nullptr);
+    platform::ChildRequest request;
+    request.CommandLine = CommandLineOf(program, arguments);
+    request.Flags = platform::ChildWait;
+    request.OutputFile = OutputFileName();
 
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_adddup2(&actions, fileno(output.get()), 1);
-    posix_spawn_file_actions_adddup2(&actions, fileno(errors.get()), 2);
-    pid_t child = 0;
-    result.StartError = posix_spawnp(&child, argv[0], &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    if (result.StartError != 0)
+    // The port tells why a program didn't start through the Ui: here it is kept for the log.
+    char* shown = nullptr;
+    std::size_t shownSize = 0;
+    std::unique_ptr<std::FILE, decltype(&std::fclose)> messages(open_memstream(&shown, &shownSize),
+                                                                &std::fclose);
+    int code = 0;
     {
-        return result;
+        platform::ConsoleUi quiet(messages ? messages.get() : stderr, 0);
+        platform::ScopedUi scope(quiet);
+        code = platform::TheProcesses().RunChild(request);
     }
-    int status = 0;
-    pid_t ended = 0;
-    while ((ended = waitpid(child, &status, 0)) < 0 && errno == EINTR)
+    messages.reset();
+    const std::string reasons = shown != nullptr ? std::string(shown, shownSize) : std::string();
+    std::free(shown);
+
+    if (!request.OutputFile.empty())
     {
+        result.Output = WithoutProgress(ReadText(request.OutputFile));
+        std::error_code error;
+        std::filesystem::remove(request.OutputFile, error);
     }
-    if (ended != child)
+    if (code == platform::ChildDidNotStart)
     {
-        result.ExitCode = 1;
+        result.Started = false;
+        result.StartReason = LastLine(reasons);
     }
-    else if (WIFSIGNALED(status))
+    else if (code > 128)
     {
-        result.Signal = WTERMSIG(status);
+        // The port counts a death by a signal as 128 + the signal; zdbsp's own codes are small.
+        result.Signal = code - 128;
     }
     else
     {
-        result.ExitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 1;
+        result.ExitCode = code;
     }
-    result.Output = ReadAll(output.get()) + WithoutProgress(ReadAll(errors.get()));
     return result;
 }
 

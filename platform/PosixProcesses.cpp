@@ -157,6 +157,13 @@ int Spawn(const ChildRequest& request, std::vector<std::string>& words, pid_t& c
     posix_spawn_file_actions_init(&actions);
     // No console to type into: a program that waits for a key reads the end of its input.
     posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
+    if (!request.OutputFile.empty())
+    {
+        // Opened before the change of directory, so a relative name means the caller's.
+        posix_spawn_file_actions_addopen(&actions, 1, request.OutputFile.c_str(),
+                                         O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        posix_spawn_file_actions_adddup2(&actions, 1, 2);
+    }
     if (!request.Directory.empty())
     {
         posix_spawn_file_actions_addchdir_np(&actions, request.Directory.c_str());

@@ -33,6 +33,9 @@ struct ChildRequest
     std::string CommandLine;         // program and arguments, double quotes group (see below)
     int ShowMode = ShowDefault;
     int Flags = 0;
+    /// Empty: the child writes where the caller writes. Otherwise its standard output and
+    /// error both go into this file, made afresh, for the caller to read once it ended.
+    std::filesystem::path OutputFile;
 
     bool operator==(const ChildRequest&) const = default;
 };

@@ -5,6 +5,7 @@
 #include "platform/Format.h"
 #include "platform/Messages.h"
 #include "wad/CheckedFile.h"
+#include "wad/DirectoryReader.h"
 #include "wad/ErrorLog.h"
 #include "wad/FileChecks.h"
 #include "wad/FileTable.h"
@@ -20,120 +21,69 @@ namespace kelvar::wad
 namespace
 {
 
-struct WadHeader
+// Shows the first bad entry of a scan and logs the later ones, so a wrecked directory is one
+// dialog, not thousands.
+void ReportBadEntries(const std::string& path, std::int64_t fileSize,
+                      const std::vector<LumpEntry>& bad)
 {
-    std::int32_t LumpCount = 0;
-    std::int32_t DirectoryOffset = 0;
-};
+    for (std::size_t i = 0; i < bad.size(); ++i)
+    {
+        const std::string name = bad[i].Name.Text();
+        if (i == 0)
+        {
+            platform::ShowError(
+                "File %s size=%d\n\nLump %s\nInvalid: offset=%d size=%d\nIgnored - launch again",
+                path.c_str(), static_cast<int>(fileSize), name.c_str(), bad[i].Offset, bad[i].Size);
+        }
+        else
+        {
+            LogLine({platform::Format("Lump %s Invalid: offset=%d size=%d Ignored", name.c_str(),
+                                      bad[i].Offset, bad[i].Size)});
+        }
+    }
+}
 
-// Checks the header against the file's size. Returns false after the reason was shown.
-bool ReadHeader(std::FILE* stream, const std::string& path, std::int64_t fileSize,
-                WadHeader& header)
+// Reads the directory of the WAD on `stream` and says what is wrong with it, as a scan does:
+// a PWAD's reading stops at its first bad entry, the IWAD's goes on without it. Nothing when
+// the header is refused (after the reason was shown).
+std::optional<DirectoryReport> ScanDirectory(std::FILE* stream, const std::string& path,
+                                             bool isIwad)
 {
-    if (fileSize < WadHeaderSize)
+    DirectoryReport report = ReadDirectoryOf(stream, isIwad ? BadEntryRule::PassOverBadEntries
+                                                            : BadEntryRule::StopAtBadEntry);
+    const int size = static_cast<int>(report.FileSize);
+    switch (report.Problem)
     {
-        platform::ShowError("File %s\n\nsize %d is too small", path.c_str(),
-                            static_cast<int>(fileSize));
-        return false;
-    }
-    std::uint8_t bytes[WadHeaderSize];
-    if (CheckedSeek(stream, 0) != 1 || CheckedRead(stream, bytes, WadHeaderSize) != 1)
-    {
-        return false;
-    }
-    header.LumpCount = ReadLe32(bytes + 4);
-    header.DirectoryOffset = ReadLe32(bytes + 8);
-    if (header.DirectoryOffset < 0 || header.DirectoryOffset > fileSize - 4)
-    {
+    case HeaderProblem::TooSmall:
+        platform::ShowError("File %s\n\nsize %d is too small", path.c_str(), size);
+        return std::nullopt;
+    case HeaderProblem::BadDirectoryOffset:
         platform::ShowError("File %s\n\nDir offset=%d is invalid", path.c_str(),
-                            header.DirectoryOffset);
-        return false;
+                            report.DirectoryOffset);
+        return std::nullopt;
+    case HeaderProblem::BadLumpCount:
+        platform::ShowError("File %s\n\nLump count=%d is invalid", path.c_str(), report.LumpCount);
+        return std::nullopt;
+    case HeaderProblem::ReadFailed:
+        IoFailure("read", stream, 0, WadHeaderSize);
+        return std::nullopt;
+    default:
+        break;
     }
-    if (header.LumpCount < 0)
-    {
-        platform::ShowError("File %s\n\nLump count=%d is invalid", path.c_str(), header.LumpCount);
-        return false;
-    }
-    return true;
-}
-
-// Shows the first bad entry of a scan and logs the later ones.
-void ReportBadEntry(const std::string& path, std::int64_t fileSize, const LumpEntry& entry,
-                    bool& shown)
-{
-    const std::string name = entry.Name.Text();
-    if (!shown)
-    {
-        platform::ShowError(
-            "File %s size=%d\n\nLump %s\nInvalid: offset=%d size=%d\nIgnored - launch again",
-            path.c_str(), static_cast<int>(fileSize), name.c_str(), entry.Offset, entry.Size);
-        shown = true;
-    }
-    else
-    {
-        LogLine({platform::Format("Lump %s Invalid: offset=%d size=%d Ignored", name.c_str(),
-                                  entry.Offset, entry.Size)});
-    }
-}
-
-// Reads the directory entries that lie inside the file and checks each against the file's
-// size. A bad entry stops a PWAD's reading; the IWAD's goes on without it. The first bad
-// entry is shown, later ones go to the log, so a wrecked directory is one dialog, not
-// thousands.
-std::vector<LumpEntry> ReadDirectory(std::FILE* stream, const std::string& path,
-                                     std::int64_t fileSize, const WadHeader& header, bool isIwad)
-{
-    std::int64_t count = header.LumpCount;
-    const std::int64_t fits = (fileSize - header.DirectoryOffset) / DirectoryEntrySize;
-    if (count > fits)
+    if (report.RunsPastEnd)
     {
         platform::ShowError(
             "File %s size=%d\n\nDirectory of %d entries at offset=%d runs past the end\n"
             "Only the first %d entries are read",
-            path.c_str(), static_cast<int>(fileSize), header.LumpCount, header.DirectoryOffset,
-            static_cast<int>(fits));
-        count = fits;
+            path.c_str(), size, report.LumpCount, report.DirectoryOffset,
+            static_cast<int>(report.Fits));
     }
-    std::vector<LumpEntry> entries;
-    if (CheckedSeek(stream, header.DirectoryOffset) != 1)
+    if (report.Problem == HeaderProblem::DirectoryCut)
     {
-        return entries;
+        IoFailure("read", stream, 0, DirectoryEntrySize);
     }
-    entries.reserve(static_cast<std::size_t>(count));
-    // The directory is read a slice at a time into a small buffer, so a big one costs no
-    // second copy of itself.
-    constexpr std::size_t Slice = 1024;
-    std::uint8_t bytes[Slice * DirectoryEntrySize];
-    bool shown = false;
-    for (std::size_t first = 0; first < static_cast<std::size_t>(count); first += Slice)
-    {
-        const std::size_t slice = std::min(Slice, static_cast<std::size_t>(count) - first);
-        if (CheckedRead(stream, bytes, static_cast<std::int64_t>(slice * DirectoryEntrySize)) != 1)
-        {
-            return entries;
-        }
-        for (std::size_t i = 0; i < slice; ++i)
-        {
-            const std::uint8_t* raw = bytes + i * DirectoryEntrySize;
-            LumpEntry entry;
-            entry.Offset = ReadLe32(raw);
-            entry.Size = ReadLe32(raw + 4);
-            entry.Name = LumpName::FromBytes(raw + 8);
-            const bool valid = entry.Offset >= 0 && entry.Offset <= fileSize && entry.Size >= 0 &&
-                               static_cast<std::int64_t>(entry.Offset) + entry.Size <= fileSize;
-            if (valid)
-            {
-                entries.push_back(entry);
-                continue;
-            }
-            ReportBadEntry(path, fileSize, entry, shown);
-            if (!isIwad)
-            {
-                return entries;
-            }
-        }
-    }
-    return entries;
+    ReportBadEntries(path, report.FileSize, report.BadEntries);
+    return report;
 }
 
 LumpEntry EmptyEntry(std::string_view name)
@@ -371,16 +321,14 @@ int OpenWad(const std::string& path, std::string_view magic, bool warnings)
     }
 
     StartScanLog();
-    std::FILE* in = file.Stream.get();
-    const std::int64_t fileSize = FileSize(in, 0);
-    WadHeader header;
-    if (!ReadHeader(in, path, fileSize, header))
+    std::optional<DirectoryReport> read = ScanDirectory(file.Stream.get(), path, isIwad);
+    if (!read)
     {
         file = FileRec{};
         return -1;
     }
-    file.DirectoryOffset = header.DirectoryOffset;
-    std::vector<LumpEntry> entries = ReadDirectory(in, path, fileSize, header, isIwad);
+    file.DirectoryOffset = read->DirectoryOffset;
+    std::vector<LumpEntry> entries = std::move(read->Entries);
     for (LumpEntry& entry : entries)
     {
         entry.FileNumber = static_cast<std::int16_t>(slot);
@@ -425,59 +373,25 @@ int OpenPwad(const std::string& path, bool closeAfter, bool warnings)
 
 std::optional<std::vector<LumpEntry>> ReadWadDirectory(std::FILE* stream, const std::string& path)
 {
-    const std::int64_t fileSize = FileSize(stream, 0);
-    WadHeader header;
-    if (!ReadHeader(stream, path, fileSize, header))
-    {
-        return std::nullopt;
-    }
-    return ReadDirectory(stream, path, fileSize, header, false);
+    std::optional<DirectoryReport> read = ScanDirectory(stream, path, false);
+    return read ? std::optional<std::vector<LumpEntry>>(std::move(read->Entries)) : std::nullopt;
 }
 
 std::vector<LumpEntry> ReadDirectoryQuietly(std::FILE* stream, std::string* magic)
 {
-    std::vector<LumpEntry> entries;
-    std::uint8_t header[WadHeaderSize];
-    const std::int64_t size = FileSize(stream, 0);
-    if (size < WadHeaderSize || std::fread(header, WadHeaderSize, 1, stream) != 1)
-    {
-        if (magic != nullptr)
-        {
-            magic->clear();
-        }
-        return entries;
-    }
+    // As the scan reads it: an IWAD passes over bad entries, any other file stops at the first.
+    const bool iwad = WadMagicOf(stream) == std::optional<std::string>("IWAD");
+    DirectoryReport read = ReadDirectoryOf(stream, iwad ? BadEntryRule::PassOverBadEntries
+                                                        : BadEntryRule::StopAtBadEntry);
     if (magic != nullptr)
     {
-        magic->assign(reinterpret_cast<const char*>(header), 4);
+        *magic = read.Magic;
     }
-    const std::int32_t offset = ReadLe32(header + 8);
-    if (offset < 0 || offset > size)
+    if (read.Problem != HeaderProblem::None && read.Problem != HeaderProblem::DirectoryCut)
     {
-        return entries;
+        return {};
     }
-    // As in the scan, the header's count is believed only as far as the file holds entries.
-    const std::int64_t count =
-        std::min<std::int64_t>(ReadLe32(header + 4), (size - offset) / DirectoryEntrySize);
-    if (count <= 0)
-    {
-        return entries;
-    }
-    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(count) * DirectoryEntrySize);
-    if (fseeko(stream, offset, SEEK_SET) != 0 ||
-        std::fread(bytes.data(), bytes.size(), 1, stream) != 1)
-    {
-        return entries;
-    }
-    entries.resize(static_cast<std::size_t>(count));
-    for (std::size_t i = 0; i < entries.size(); ++i)
-    {
-        const std::uint8_t* raw = bytes.data() + i * DirectoryEntrySize;
-        entries[i].Offset = ReadLe32(raw);
-        entries[i].Size = ReadLe32(raw + 4);
-        entries[i].Name = LumpName::FromBytes(raw + 8);
-    }
-    return entries;
+    return std::move(read.Entries);
 }
 
 std::optional<std::string> WadMagicOf(std::FILE* stream)
@@ -502,15 +416,12 @@ std::optional<LumpName> FirstLevelOfFile(std::FILE* stream, const std::string& p
     {
         return std::nullopt;
     }
-    const std::int64_t fileSize = FileSize(stream, 0);
-    WadHeader header;
-    if (!ReadHeader(stream, path, fileSize, header))
+    const std::optional<DirectoryReport> read = ScanDirectory(stream, path, *magic == "IWAD");
+    if (!read)
     {
         return std::nullopt;
     }
-    const std::vector<LumpEntry> entries =
-        ReadDirectory(stream, path, fileSize, header, *magic == "IWAD");
-    const LumpEntry* first = FirstLevel(entries);
+    const LumpEntry* first = FirstLevel(read->Entries);
     return first != nullptr ? std::optional<LumpName>(first->Name) : std::nullopt;
 }
 

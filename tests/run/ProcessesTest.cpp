@@ -92,6 +92,23 @@ TEST(RunChild, RunsInTheRequestedDirectory)
     EXPECT_EQ(testkit::ReadFile(temp.Path() / "where.txt"), temp.Path().string() + "\n");
 }
 
+TEST(RunChild, AnOutputFileTakesBothStreamsOfTheChild)
+{
+    testkit::TempDir temp;
+    RecordingUi ui;
+    ScopedUi scope(ui);
+    ChildRequest request;
+    request.CommandLine = "sh -c \"echo out; echo err >&2; exit 3\"";
+    request.Flags = ChildWait;
+    request.Directory = temp.Path() / "elsewhere";
+    request.OutputFile = temp.Path() / "output.txt";
+    std::filesystem::create_directory(request.Directory);
+    testkit::WriteFile(request.OutputFile, "stale text of an earlier run");
+    EXPECT_EQ(SystemProcesses().RunChild(request), 3);
+    EXPECT_EQ(testkit::ReadFile(request.OutputFile), "out\nerr\n");
+    EXPECT_TRUE(ui.Messages.empty());
+}
+
 TEST(RunChild, PumpingWaitServesTheWindowAndThrowsAwayAPendingEscape)
 {
     RecordingUi ui;
