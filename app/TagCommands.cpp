@@ -105,7 +105,7 @@ std::vector<int> TagsInUse(const map::LevelData& level, bool hexenFormat)
         if (hexenFormat)
         {
             const std::uint16_t refers =
-                game::LookupLineType(static_cast<std::uint16_t>(line.Type), 0).tag_type;
+                game::LookupLineType(static_cast<std::uint16_t>(line.Type), 0).TagType;
             if ((refers & (game::TagSector | game::TagLine)) != 0 && (line.Tag & ArgumentMask) > 0)
             {
                 tags.push_back(line.Tag & ArgumentMask);

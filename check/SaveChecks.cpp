@@ -52,14 +52,14 @@ std::uint16_t PlayerOneType()
 {
     for (const game::ThingTypeRow& row : game::Game().Things)
     {
-        if (row.type == game::EndOfTable)
+        if (row.Type == game::EndOfTable)
         {
             break;
         }
-        if (row.type != 0 && row.type < game::FirstHeading &&
-            row.property == game::PropertyPlayerStart1)
+        if (row.Type != 0 && row.Type < game::FirstHeading &&
+            row.Property == game::PropertyPlayerStart1)
         {
-            return static_cast<std::uint16_t>(row.type);
+            return static_cast<std::uint16_t>(row.Type);
         }
     }
     return 0;
@@ -70,7 +70,7 @@ bool HasPlayerOneStart(const map::LevelData& level)
     return std::any_of(
         level.Things.begin(), level.Things.end(),
         [](const map::Thing& thing)
-        { return game::ThingRowOfType(thing.Type).property == game::PropertyPlayerStart1; });
+        { return game::ThingRowOfType(thing.Type).Property == game::PropertyPlayerStart1; });
 }
 
 } // namespace
@@ -200,7 +200,7 @@ StartCounts CountStarts(const map::LevelData& level)
     StartCounts counts;
     for (const map::Thing& thing : level.Things)
     {
-        const std::uint32_t property = game::ThingRowOfType(thing.Type).property;
+        const std::uint32_t property = game::ThingRowOfType(thing.Type).Property;
         if (property >= game::PropertyPlayerStart1 && property < game::PropertyPlayerStart)
         {
             ++counts.Players;

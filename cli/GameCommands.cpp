@@ -36,9 +36,9 @@ std::string MenuLabel(const std::vector<game::CategoryMenuRow>& menu, std::uint3
 {
     for (const game::CategoryMenuRow& row : menu)
     {
-        if (row.category == code && row.label[0] != 'x')
+        if (row.Category == code && row.Label[0] != 'x')
         {
-            return std::string(game::Text(row.label));
+            return std::string(game::Text(row.Label));
         }
     }
     return {};
@@ -46,30 +46,30 @@ std::string MenuLabel(const std::vector<game::CategoryMenuRow>& menu, std::uint3
 
 void PrintRow(const game::ThingTypeRow& row)
 {
-    const std::string sprite(game::Text(row.sprite));
-    const std::string name(game::Text(row.name));
-    const std::string text(game::Text(row.shape_text));
+    const std::string sprite(game::Text(row.Sprite));
+    const std::string name(game::Text(row.Name));
+    const std::string text(game::Text(row.ShapeText));
     std::printf(
         "%5u  %-8s  %-36s  color %2u  radius %3u  height %3u  property 0x%X  shape %u%s%s\n",
-        row.type, sprite.c_str(), name.c_str(), row.color, row.radius, row.height, row.property,
-        row.shape, text.empty() ? "" : " ", text.c_str());
+        row.Type, sprite.c_str(), name.c_str(), row.Color, row.Radius, row.Height, row.Property,
+        row.Shape, text.empty() ? "" : " ", text.c_str());
 }
 
 void PrintRow(const game::SectorTypeRow& row)
 {
-    const std::string name(game::Text(row.name));
-    const std::string shortName(game::Text(row.short_name));
-    std::printf("%5u  %-48s  %s\n", row.type, name.c_str(), shortName.c_str());
+    const std::string name(game::Text(row.Name));
+    const std::string shortName(game::Text(row.ShortName));
+    std::printf("%5u  %-48s  %s\n", row.Type, name.c_str(), shortName.c_str());
 }
 
 void PrintRow(const game::LineTypeRow& row)
 {
-    const std::string name(game::Text(row.name));
-    const std::string shortName(game::Text(row.short_name));
+    const std::string name(game::Text(row.Name));
+    const std::string shortName(game::Text(row.ShortName));
     std::printf("%5u  %-48s  %-18s  motion 0x%04X  property 0x%04X  tag %u  args %u,%u,%u,%u,%u"
                 "  color %u\n",
-                row.type, name.c_str(), shortName.c_str(), row.motion, row.property, row.tag_type,
-                row.args[0], row.args[1], row.args[2], row.args[3], row.args[4], row.color);
+                row.Type, name.c_str(), shortName.c_str(), row.Motion, row.Property, row.TagType,
+                row.Args[0], row.Args[1], row.Args[2], row.Args[3], row.Args[4], row.Color);
 }
 
 template <class Row>
@@ -86,24 +86,24 @@ void PrintTable(const std::vector<Row>& rows, const std::vector<game::CategoryMe
     };
     for (const Row& row : rows)
     {
-        if (row.type == game::EndOfTable)
+        if (row.Type == game::EndOfTable)
         {
             break;
         }
-        if (row.type >= game::FirstHeading)
+        if (row.Type >= game::FirstHeading)
         {
             printFree();
-            const std::string name(game::Text(row.name));
-            const std::string label = MenuLabel(menu, row.type);
-            std::printf("[0x%08X] %s%s%s%s\n", row.type, name.c_str(),
+            const std::string name(game::Text(row.Name));
+            const std::string label = MenuLabel(menu, row.Type);
+            std::printf("[0x%08X] %s%s%s%s\n", row.Type, name.c_str(),
                         label.empty() ? "" : "  (menu \"", label.c_str(),
                         label.empty() ? "" : "\")");
         }
-        else if (row.name[0] == 'x')
+        else if (row.Name[0] == 'x')
         {
             ++free;
         }
-        else if (row.type == game::SeparatorType)
+        else if (row.Type == game::SeparatorType)
         {
             std::printf("  -----\n");
         }

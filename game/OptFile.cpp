@@ -91,13 +91,13 @@ void OpenNewCategory(OptReader& reader, const std::string& text)
 {
     for (CategoryMenuRow& row : MenuOf(reader.Current))
     {
-        if (row.category == 0)
+        if (row.Category == 0)
         {
             break;
         }
-        if (row.label[0] == 'x' && row.category != SeparatorType)
+        if (row.Label[0] == 'x' && row.Category != SeparatorType)
         {
-            SetText(row.label, text);
+            SetText(row.Label, text);
             const int count = ++NewCategoryCount(reader.Current);
             reader.NewCategory[reader.Current] =
                 NewCategoryBase + static_cast<std::uint32_t>(count);
@@ -111,9 +111,9 @@ void NameCategory(Section section, std::uint32_t code, const std::string& text)
 {
     for (CategoryMenuRow& row : MenuOf(section))
     {
-        if (row.category == code)
+        if (row.Category == code)
         {
-            SetText(row.label, std::string_view(text).substr(0, MenuLabelLimit));
+            SetText(row.Label, std::string_view(text).substr(0, MenuLabelLimit));
         }
     }
 }
@@ -174,10 +174,10 @@ template <class Row> std::ptrdiff_t FreeRowIn(const std::vector<Row>& rows, std:
     {
         return -1;
     }
-    for (auto i = static_cast<std::size_t>(start); i < rows.size() && rows[i].type != EndOfTable;
+    for (auto i = static_cast<std::size_t>(start); i < rows.size() && rows[i].Type != EndOfTable;
          ++i)
     {
-        if (rows[i].name[0] == 'x')
+        if (rows[i].Name[0] == 'x')
         {
             return static_cast<std::ptrdiff_t>(i);
         }
@@ -246,14 +246,14 @@ template <class Row> std::ptrdiff_t RowForNewEntry(OptReader& reader, const std:
 // A row matches when it has the number and is not a free row.
 template <class Row> bool IsSpare(const Row& row)
 {
-    return row.property == SpareProperty && row.name[0] == 'x';
+    return row.Property == SpareProperty && row.Name[0] == 'x';
 }
 
 template <class Row> std::ptrdiff_t MatchingRow(const std::vector<Row>& rows, std::uint32_t type)
 {
-    for (std::size_t i = 0; i < rows.size() && rows[i].type != EndOfTable; ++i)
+    for (std::size_t i = 0; i < rows.size() && rows[i].Type != EndOfTable; ++i)
     {
-        if (rows[i].type == type && !IsSpare(rows[i]))
+        if (rows[i].Type == type && !IsSpare(rows[i]))
         {
             return static_cast<std::ptrdiff_t>(i);
         }
@@ -282,9 +282,9 @@ void ApplyThing(OptReader& reader, const OptEntry& entry, bool separator)
         if (at >= 0)
         {
             ThingTypeRow& row = rows[static_cast<std::size_t>(at)];
-            row.type = 0;
-            row.name[0] = 'x';
-            row.property = SpareProperty;
+            row.Type = 0;
+            row.Name[0] = 'x';
+            row.Property = SpareProperty;
         }
         return;
     }
@@ -297,33 +297,33 @@ void ApplyThing(OptReader& reader, const OptEntry& entry, bool separator)
         return;
     }
     ThingTypeRow& row = rows[static_cast<std::size_t>(at)];
-    row.type = type;
+    row.Type = type;
     // The sprite is one word: anything after a blank is not part of it.
-    SetText(row.sprite, std::string_view(entry.First).substr(0, entry.First.find(' ')));
-    SetText(row.name, entry.Second);
+    SetText(row.Sprite, std::string_view(entry.First).substr(0, entry.First.find(' ')));
+    SetText(row.Name, entry.Second);
     if (fields.Property && *fields.Property != CodeSkip)
     {
-        row.property = *fields.Property;
+        row.Property = *fields.Property;
     }
     if (fields.Color)
     {
-        row.color = *fields.Color;
+        row.Color = *fields.Color;
     }
     if (fields.Radius)
     {
-        row.radius = *fields.Radius;
+        row.Radius = *fields.Radius;
     }
     if (fields.Height)
     {
-        row.height = *fields.Height;
+        row.Height = *fields.Height;
     }
     if (fields.Shape)
     {
-        row.shape = *fields.Shape;
+        row.Shape = *fields.Shape;
     }
     if (fields.ShapeText)
     {
-        SetText(row.shape_text, *fields.ShapeText);
+        SetText(row.ShapeText, *fields.ShapeText);
     }
 }
 
@@ -346,12 +346,12 @@ void ApplyLine(OptReader& reader, const OptEntry& entry, bool separator)
         if (at >= 0)
         {
             LineTypeRow& row = rows[static_cast<std::size_t>(at)];
-            row.type = 0;
-            row.name[0] = 'x';
-            row.property = 0;
-            row.motion = 0;
-            row.tag_type = 0;
-            row.color = 0;
+            row.Type = 0;
+            row.Name[0] = 'x';
+            row.Property = 0;
+            row.Motion = 0;
+            row.TagType = 0;
+            row.Color = 0;
         }
         return;
     }
@@ -365,24 +365,24 @@ void ApplyLine(OptReader& reader, const OptEntry& entry, bool separator)
         return;
     }
     LineTypeRow& row = rows[static_cast<std::size_t>(at)];
-    row.type = type;
-    SetText(row.name, entry.First);
-    SetText(row.short_name, entry.Second);
+    row.Type = type;
+    SetText(row.Name, entry.First);
+    SetText(row.ShortName, entry.Second);
     // A new row takes Skip as it stands; a changed row keeps its value for it.
     if (added || fields.Motion != CodeSkip)
     {
-        row.motion = static_cast<std::uint16_t>(fields.Motion);
+        row.Motion = static_cast<std::uint16_t>(fields.Motion);
     }
     if (added || fields.Property != CodeSkip)
     {
-        row.property = fields.Property;
+        row.Property = fields.Property;
     }
     if (added || fields.TagType != CodeSkip)
     {
-        row.tag_type = static_cast<std::uint16_t>(fields.TagType);
+        row.TagType = static_cast<std::uint16_t>(fields.TagType);
     }
-    row.args = fields.Args;
-    row.color = fields.Color;
+    row.Args = fields.Args;
+    row.Color = fields.Color;
 }
 
 void ApplySector(OptReader& reader, const OptEntry& entry, bool separator)
@@ -397,7 +397,7 @@ void ApplySector(OptReader& reader, const OptEntry& entry, bool separator)
         if (at >= 0)
         {
             // Off the menu only: the type keeps its names for the lookups.
-            rows[static_cast<std::size_t>(at)].name[0] = 'x';
+            rows[static_cast<std::size_t>(at)].Name[0] = 'x';
         }
         return;
     }
@@ -415,9 +415,9 @@ void ApplySector(OptReader& reader, const OptEntry& entry, bool separator)
     {
         row = SectorTypeRow{};
     }
-    row.type = type;
-    SetText(row.name, entry.First);
-    SetText(row.short_name, entry.Second);
+    row.Type = type;
+    SetText(row.Name, entry.First);
+    SetText(row.ShortName, entry.Second);
 }
 
 // A separator is always a new row, however many the category has already.

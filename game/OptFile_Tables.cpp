@@ -53,15 +53,15 @@ void SqueezeTypeNames()
     GameState& game = Game();
     for (ThingTypeRow& row : game.Things)
     {
-        Squeeze(row.name);
+        Squeeze(row.Name);
     }
     for (LineTypeRow& row : game.LineDefs)
     {
-        Squeeze(row.name);
+        Squeeze(row.Name);
     }
     for (SectorTypeRow& row : game.Sectors)
     {
-        Squeeze(row.name);
+        Squeeze(row.Name);
     }
 }
 
@@ -76,24 +76,24 @@ int WriteThingList()
     std::fputs("[THINGS]\n", stream.get());
     const std::vector<ThingTypeRow>& rows = Game().Things;
     bool headingWritten = false;
-    for (std::size_t i = 0; i < rows.size() && rows[i].type != EndOfTable; ++i)
+    for (std::size_t i = 0; i < rows.size() && rows[i].Type != EndOfTable; ++i)
     {
         const ThingTypeRow& row = rows[i];
         const bool start =
-            row.property >= PropertyDeathMatch && row.property <= PropertyPlayerStart;
-        if (row.type == 0 || start)
+            row.Property >= PropertyDeathMatch && row.Property <= PropertyPlayerStart;
+        if (row.Type == 0 || start)
         {
             continue;
         }
-        if (row.type < SeparatorType)
+        if (row.Type < SeparatorType)
         {
-            const std::string sprite(Text(row.sprite));
-            const std::string name(Text(row.name));
-            std::fprintf(stream.get(), "%u \"%s\" \"%s\"\n", row.type, sprite.c_str(),
+            const std::string sprite(Text(row.Sprite));
+            const std::string name(Text(row.Name));
+            std::fprintf(stream.get(), "%u \"%s\" \"%s\"\n", row.Type, sprite.c_str(),
                          name.c_str());
             headingWritten = false;
         }
-        else if (i + 1 < rows.size() && rows[i + 1].type != 0 && !headingWritten)
+        else if (i + 1 < rows.size() && rows[i + 1].Type != 0 && !headingWritten)
         {
             // Headings and separators become an unnamed category line, never two in a row.
             std::fputs("\" \"\n", stream.get());

@@ -20,7 +20,7 @@ ThingTypeRow* FindThing(std::uint16_t type)
 std::uint32_t ThingProperty(std::uint16_t type)
 {
     const ThingTypeRow* row = FindThing(type);
-    return row != nullptr ? row->property : 0;
+    return row != nullptr ? row->Property : 0;
 }
 
 // The names of the Boom light kinds by the low five bits of a type; -1 for the others.
@@ -63,16 +63,16 @@ const LineTypeRow& LookupLineType(std::uint16_t type, std::uint16_t key)
     if (game.LevelFormat != 4)
     {
         // A manual door acts on the Sector behind it; Boom lets such a door have a tag too.
-        if (row->name[0] == 'D')
+        if (row->Name[0] == 'D')
         {
-            row->tag_type = game.BoomTypes ? TagOption : 0;
+            row->TagType = game.BoomTypes ? TagOption : 0;
         }
         return *row;
     }
     if (type == 13 && key != 0)
     {
         // The key doors share a number; the key of each is its fourth argument.
-        while (at >= 0 && rows[static_cast<std::size_t>(at)].args[3] != key)
+        while (at >= 0 && rows[static_cast<std::size_t>(at)].Args[3] != key)
         {
             at = FindTypeRow(rows, type, static_cast<std::size_t>(at) + 1);
         }
@@ -109,20 +109,20 @@ const SectorTypeRow& LookupSectorType(std::int16_t type)
                                                  "Fsync Light", "Flick Light"};
     SectorTypeRow& row = game.SectorWorkRow;
     row = SectorTypeRow{};
-    row.type = number;
-    SetText(row.name, Names[kind]);
-    SetText(row.short_name, Names[kind]);
+    row.Type = number;
+    SetText(row.Name, Names[kind]);
+    SetText(row.ShortName, Names[kind]);
     return row;
 }
 
 std::string_view SectorTypeName(std::int16_t type)
 {
-    return Text(LookupSectorType(type).name);
+    return Text(LookupSectorType(type).Name);
 }
 
 std::string_view SectorTypeShortName(std::int16_t type)
 {
-    return Text(LookupSectorType(type).short_name);
+    return Text(LookupSectorType(type).ShortName);
 }
 
 const ThingTypeRow& ThingRow(const map::Thing& thing)
@@ -132,13 +132,13 @@ const ThingTypeRow& ThingRow(const map::Thing& thing)
     {
         return UnknownThingRow;
     }
-    if (row->property == PropertyBridge && thing.Args[0] != 0)
+    if (row->Property == PropertyBridge && thing.Args[0] != 0)
     {
-        row->radius = thing.Args[0];
+        row->Radius = thing.Args[0];
     }
-    if (row->radius == 0)
+    if (row->Radius == 0)
     {
-        row->radius = 32;
+        row->Radius = 32;
     }
     return *row;
 }
@@ -152,20 +152,20 @@ const ThingTypeRow& ThingRowOfType(std::uint16_t type)
 std::string_view ThingTypeName(std::uint16_t type)
 {
     const ThingTypeRow* row = FindThing(type);
-    return row != nullptr ? Text(row->name) : std::string_view("<?unknown?>");
+    return row != nullptr ? Text(row->Name) : std::string_view("<?unknown?>");
 }
 
 std::uint32_t ThingCategoryOf(std::uint16_t type)
 {
     const std::vector<ThingTypeRow>& rows = Game().Things;
     std::uint32_t heading = 0;
-    for (std::size_t i = 0; i < rows.size() && rows[i].type != EndOfTable; ++i)
+    for (std::size_t i = 0; i < rows.size() && rows[i].Type != EndOfTable; ++i)
     {
-        if (rows[i].type >= FirstHeading)
+        if (rows[i].Type >= FirstHeading)
         {
-            heading = rows[i].type;
+            heading = rows[i].Type;
         }
-        else if (rows[i].type == type)
+        else if (rows[i].Type == type)
         {
             return heading;
         }
@@ -176,7 +176,7 @@ std::uint32_t ThingCategoryOf(std::uint16_t type)
 std::uint16_t ThingColor(std::uint16_t type)
 {
     const ThingTypeRow* row = FindThing(type);
-    return row != nullptr ? row->color : 15;
+    return row != nullptr ? row->Color : 15;
 }
 
 std::uint16_t ThingRadius(const map::Thing& thing)
@@ -186,11 +186,11 @@ std::uint16_t ThingRadius(const map::Thing& thing)
     {
         return 16;
     }
-    if (row->property == PropertyBridge && thing.Type == 9990 && thing.Args[0] != 0)
+    if (row->Property == PropertyBridge && thing.Type == 9990 && thing.Args[0] != 0)
     {
         return thing.Args[0];
     }
-    return row->radius;
+    return row->Radius;
 }
 
 bool IsMapSpotProperty(std::uint32_t property)
@@ -247,12 +247,12 @@ bool LineIsDoorSpecial(std::uint16_t type)
 
 bool LineTagIsPolyId(std::uint16_t type)
 {
-    return Game().LevelFormat == 4 && (LookupLineType(type, 0).tag_type & TagPolyId) != 0;
+    return Game().LevelFormat == 4 && (LookupLineType(type, 0).TagType & TagPolyId) != 0;
 }
 
 bool LineTagIsTid(std::uint16_t type)
 {
-    return Game().LevelFormat == 4 && (LookupLineType(type, 0).tag_type & TagTid) != 0;
+    return Game().LevelFormat == 4 && (LookupLineType(type, 0).TagType & TagTid) != 0;
 }
 
 } // namespace kelvar::game

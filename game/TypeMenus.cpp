@@ -41,10 +41,10 @@ void MarkGeneralizedRow(int kind, std::vector<CategoryMenuRow>& menu)
     }
     for (CategoryMenuRow& row : menu)
     {
-        if (row.category == DirectEntry && row.command == MenuGeneralized)
+        if (row.Category == DirectEntry && row.Command == MenuGeneralized)
         {
-            row.label[0] = mark[0];
-            row.label[1] = mark[1];
+            row.Label[0] = mark[0];
+            row.Label[1] = mark[1];
         }
     }
 }
@@ -67,16 +67,16 @@ std::vector<TypeMenuEntry> SubMenuOf(const std::vector<Row>& rows, std::uint32_t
 {
     std::vector<TypeMenuEntry> entries;
     std::size_t at = 0;
-    while (at < rows.size() && rows[at].type != EndOfTable && rows[at].type != category)
+    while (at < rows.size() && rows[at].Type != EndOfTable && rows[at].Type != category)
     {
         ++at;
     }
     std::size_t numbered = 0;
-    for (++at; at < rows.size() && rows[at].type < FirstHeading && entries.size() < limit; ++at)
+    for (++at; at < rows.size() && rows[at].Type < FirstHeading && entries.size() < limit; ++at)
     {
         const Row& row = rows[at];
-        const std::string_view name = Text(row.name);
-        if (row.type == SeparatorType)
+        const std::string_view name = Text(row.Name);
+        if (row.Type == SeparatorType)
         {
             entries.push_back(SeparatorEntry());
             continue;
@@ -87,17 +87,17 @@ std::vector<TypeMenuEntry> SubMenuOf(const std::vector<Row>& rows, std::uint32_t
         }
         const char mnemonic[2] = {Mnemonic(numbered), '\0'};
         const std::string label(name);
-        const auto number = static_cast<unsigned short>(row.type);
+        const auto number = static_cast<unsigned short>(row.Type);
         TypeMenuEntry entry;
         entry.Text = hexadecimal ? platform::Format("&%-.1s   %-24s\t[%04X]", mnemonic,
                                                     label.c_str(), static_cast<unsigned>(number))
                                  : platform::Format("&%-.1s   %-24s\t[ %-2hu ]", mnemonic,
                                                     label.c_str(), number);
         entry.Command = TypeMenuFirst + static_cast<std::uint32_t>(numbered);
-        entry.Type = row.type;
-        if constexpr (requires { row.args; })
+        entry.Type = row.Type;
+        if constexpr (requires { row.Args; })
         {
-            entry.Args = row.args;
+            entry.Args = row.Args;
         }
         entries.push_back(std::move(entry));
         ++numbered;
@@ -114,16 +114,16 @@ std::vector<TypeMenuEntry> CategoryMenu(int kind)
     std::vector<TypeMenuEntry> entries;
     for (CategoryMenuRow& row : menu)
     {
-        if (row.category == 0)
+        if (row.Category == 0)
         {
             break;
         }
-        if (row.category == SeparatorType)
+        if (row.Category == SeparatorType)
         {
             entries.push_back(SeparatorEntry());
             continue;
         }
-        std::string label(Text(row.label));
+        std::string label(Text(row.Label));
         if (label.starts_with('x'))
         {
             continue;
@@ -132,11 +132,11 @@ std::vector<TypeMenuEntry> CategoryMenu(int kind)
         {
             label.pop_back();
         }
-        SetText(row.label, label);
+        SetText(row.Label, label);
         TypeMenuEntry entry;
-        entry.Text = std::string(row.mnemonic.data(), row.mnemonic.size()) + label;
-        entry.Command = row.command;
-        entry.Category = row.category == DirectEntry ? 0 : row.category;
+        entry.Text = std::string(row.Mnemonic.data(), row.Mnemonic.size()) + label;
+        entry.Command = row.Command;
+        entry.Category = row.Category == DirectEntry ? 0 : row.Category;
         entries.push_back(std::move(entry));
     }
     return entries;
@@ -162,20 +162,20 @@ void RenumberThingMenu()
     std::size_t index = 0;
     for (CategoryMenuRow& row : Game().ThingMenu)
     {
-        if (row.category == 0)
+        if (row.Category == 0)
         {
             break;
         }
-        if (row.category == SeparatorType)
+        if (row.Category == SeparatorType)
         {
             continue;
         }
-        const char current = row.mnemonic[1];
+        const char current = row.Mnemonic[1];
         if (current == 'x' || current == 'y' || current == 'z')
         {
             break;
         }
-        row.mnemonic[1] = Mnemonic(index++);
+        row.Mnemonic[1] = Mnemonic(index++);
     }
 }
 

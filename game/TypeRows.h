@@ -10,8 +10,8 @@
 //   linear search from the top, so the first row of a number wins.
 // - The built-in tables are constant; the game subsystem keeps a mutable copy of the current
 //   game's tables, which the OPT overlay, the DECORATE reader and a few lookups write into.
-// - The rows keep the field names they have always had (type, name, short_name, tag_type...),
-//   so code that reads them reads like the descriptions of the OPT keywords.
+// - A row's fields are named after what an OPT line sets in them (Type, Name, ShortName,
+//   TagType...), so code that reads a row reads like the OPT keywords that fill it.
 #pragma once
 
 #include <algorithm>
@@ -98,9 +98,9 @@ template <std::size_t N> constexpr void SetText(FixedText<N>& field, std::string
 template <class Rows>
 std::ptrdiff_t FindTypeRow(const Rows& rows, std::uint32_t type, std::size_t from = 0)
 {
-    for (std::size_t i = from; i < rows.size() && rows[i].type != EndOfTable; ++i)
+    for (std::size_t i = from; i < rows.size() && rows[i].Type != EndOfTable; ++i)
     {
-        if (rows[i].type == type)
+        if (rows[i].Type == type)
         {
             return static_cast<std::ptrdiff_t>(i);
         }
@@ -111,16 +111,16 @@ std::ptrdiff_t FindTypeRow(const Rows& rows, std::uint32_t type, std::size_t fro
 /// One Thing type, or a category heading, a free row or the end of the table.
 struct ThingTypeRow
 {
-    std::uint32_t type = 0;     // type number, heading code, EndOfTable; 0 on a free row
-    FixedText<9> sprite{};      // sprite frame shown for the type
-    FixedText<75> name{};       // display name; 'x' first marks a free row
-    std::uint16_t color = 0;    // index in the colour name table, 1 to 29
-    std::uint16_t radius = 0;   // map units
-    std::uint16_t height = 0;   // map units
-    std::uint16_t reserved = 0; // carried along, read by nothing
-    std::uint32_t property = 0; // property code, the heading's code, or SpareProperty
-    std::uint8_t shape = 0;     // ShapeDefault ... ShapeChar
-    FixedText<9> shape_text{};  // drawn with ShapeChar
+    std::uint32_t Type = 0;     // type number, heading code, EndOfTable; 0 on a free row
+    FixedText<9> Sprite{};      // sprite frame shown for the type
+    FixedText<75> Name{};       // display name; 'x' first marks a free row
+    std::uint16_t Color = 0;    // index in the colour name table, 1 to 29
+    std::uint16_t Radius = 0;   // map units
+    std::uint16_t Height = 0;   // map units
+    std::uint16_t Reserved = 0; // carried along, read by nothing
+    std::uint32_t Property = 0; // property code, the heading's code, or SpareProperty
+    std::uint8_t Shape = 0;     // ShapeDefault ... ShapeChar
+    FixedText<9> ShapeText{};   // drawn with ShapeChar
 
     bool operator==(const ThingTypeRow&) const = default;
 };
@@ -128,14 +128,14 @@ struct ThingTypeRow
 /// One LineDef type, or a heading, a free row, a separator or the end of the table.
 struct LineTypeRow
 {
-    std::uint32_t type = 0;             // 0 on a free row; SeparatorType on a separator
-    FixedText<75> name{};               // long name; 'x' first marks a free row
-    FixedText<19> short_name{};         // map labels and the status bar
-    std::uint32_t property = 0;         // key needed, teleport, script
-    std::uint16_t motion = 0;           // what the special moves
-    std::uint16_t tag_type = 0;         // Tag... bits: what the tag or first argument refers to
-    std::array<std::uint8_t, 5> args{}; // Hexen arguments the menu pre-loads
-    std::uint16_t color = 0;            // 0 for none
+    std::uint32_t Type = 0;             // 0 on a free row; SeparatorType on a separator
+    FixedText<75> Name{};               // long name; 'x' first marks a free row
+    FixedText<19> ShortName{};          // map labels and the status bar
+    std::uint32_t Property = 0;         // key needed, teleport, script
+    std::uint16_t Motion = 0;           // what the special moves
+    std::uint16_t TagType = 0;          // Tag... bits: what the tag or first argument refers to
+    std::array<std::uint8_t, 5> Args{}; // Hexen arguments the menu pre-loads
+    std::uint16_t Color = 0;            // 0 for none
 
     bool operator==(const LineTypeRow&) const = default;
 };
@@ -143,14 +143,14 @@ struct LineTypeRow
 /// One Sector type, or a heading, a free row, a separator or the end of the table.
 struct SectorTypeRow
 {
-    std::uint32_t type = 0;
-    FixedText<75> name{}; // 'x' first marks a free row, or a type deleted from the menu
-    FixedText<19> short_name{};
-    std::uint32_t property = 0; // SpareProperty on a free row
-    std::uint16_t motion = 0;
-    std::uint16_t tag_type = 0;
-    std::array<std::uint8_t, 5> args{};
-    std::uint16_t color = 0;
+    std::uint32_t Type = 0;
+    FixedText<75> Name{}; // 'x' first marks a free row, or a type deleted from the menu
+    FixedText<19> ShortName{};
+    std::uint32_t Property = 0; // SpareProperty on a free row
+    std::uint16_t Motion = 0;
+    std::uint16_t TagType = 0;
+    std::array<std::uint8_t, 5> Args{};
+    std::uint16_t Color = 0;
 
     bool operator==(const SectorTypeRow&) const = default;
 };
@@ -161,10 +161,10 @@ inline constexpr std::uint32_t DirectEntry = 0x10000u;
 /// One entry of the first-level pop-up menu of Things, LineDefs or Sectors.
 struct CategoryMenuRow
 {
-    std::uint32_t category = 0; // heading code, DirectEntry, SeparatorType, or 0 at the end
-    FixedText<5> mnemonic{};    // "&1   ": '&', one character, three blanks; no terminator
-    FixedText<81> label{};      // 'x' first hides the entry
-    std::uint32_t command = 0;  // posted when a direct entry is chosen
+    std::uint32_t Category = 0; // heading code, DirectEntry, SeparatorType, or 0 at the end
+    FixedText<5> Mnemonic{};    // "&1   ": '&', one character, three blanks; no terminator
+    FixedText<81> Label{};      // 'x' first hides the entry
+    std::uint32_t Command = 0;  // posted when a direct entry is chosen
 
     bool operator==(const CategoryMenuRow&) const = default;
 };

@@ -16,39 +16,39 @@ constexpr std::uint32_t FromHeading = 0xFFFFFFFEu;
 // The rows as res/ holds them: headings and real rows only, in table order.
 struct ThingSource
 {
-    std::uint32_t type = 0;
-    const char* sprite = "";
-    const char* name = "";
-    std::uint16_t color = 0;
-    std::uint16_t radius = 0;
-    std::uint16_t height = 0;
-    std::uint32_t property = FromHeading;
-    const char* shape_text = nullptr;
+    std::uint32_t Type = 0;
+    const char* Sprite = "";
+    const char* Name = "";
+    std::uint16_t Color = 0;
+    std::uint16_t Radius = 0;
+    std::uint16_t Height = 0;
+    std::uint32_t Property = FromHeading;
+    const char* ShapeText = nullptr;
 };
 
 struct LineSource
 {
-    std::uint32_t type = 0;
-    const char* name = "";
-    std::uint16_t motion = 0;
-    std::uint32_t property = 0;
-    std::uint16_t tag_type = 0;
-    std::array<std::uint8_t, 5> args{};
+    std::uint32_t Type = 0;
+    const char* Name = "";
+    std::uint16_t Motion = 0;
+    std::uint32_t Property = 0;
+    std::uint16_t TagType = 0;
+    std::array<std::uint8_t, 5> Args{};
 };
 
 struct SectorSource
 {
-    std::uint32_t type = 0;
-    const char* name = "";
-    const char* short_name = "";
+    std::uint32_t Type = 0;
+    const char* Name = "";
+    const char* ShortName = "";
 };
 
 struct MenuSource
 {
-    std::uint32_t category = 0;
-    const char* mnemonic = "";
-    const char* label = "";
-    std::uint32_t command = 0;
+    std::uint32_t Category = 0;
+    const char* Mnemonic = "";
+    const char* Label = "";
+    std::uint32_t Command = 0;
 };
 
 constexpr std::uint32_t Separator = SeparatorType;
@@ -135,10 +135,10 @@ constexpr void Walk(std::span<const Source> source, const Layout& layout, Emit&&
     };
     for (const Source& row : source)
     {
-        if (row.type >= FirstHeading)
+        if (row.Type >= FirstHeading)
         {
             pad(layout.BlockRows);
-            padded = row.type != NormalHeading;
+            padded = row.Type != NormalHeading;
             inBlock = 0;
         }
         else
@@ -237,29 +237,29 @@ constexpr FixedText<19> ShortLineName(std::string_view name)
 constexpr ThingTypeRow MakeFreeThing()
 {
     ThingTypeRow row;
-    row.sprite = Fixed<9>("APLSA0");
-    row.name = Fixed<75>("xx BOOM spare");
-    row.color = 14;
-    row.radius = 16;
-    row.height = 10;
-    row.property = SpareProperty;
+    row.Sprite = Fixed<9>("APLSA0");
+    row.Name = Fixed<75>("xx BOOM spare");
+    row.Color = 14;
+    row.Radius = 16;
+    row.Height = 10;
+    row.Property = SpareProperty;
     return row;
 }
 
 constexpr LineTypeRow MakeFreeLine()
 {
     LineTypeRow row;
-    row.name = Fixed<75>("xx -spare");
-    row.short_name = Fixed<19>("xx -spare");
+    row.Name = Fixed<75>("xx -spare");
+    row.ShortName = Fixed<19>("xx -spare");
     return row;
 }
 
 constexpr SectorTypeRow MakeFreeSector()
 {
     SectorTypeRow row;
-    row.name = Fixed<75>("xx spare1");
-    row.short_name = Fixed<19>("xx spare1");
-    row.property = SpareProperty;
+    row.Name = Fixed<75>("xx spare1");
+    row.ShortName = Fixed<19>("xx spare1");
+    row.Property = SpareProperty;
     return row;
 }
 
@@ -280,34 +280,34 @@ constexpr std::array<ThingTypeRow, N> ExpandThings(std::span<const ThingSource> 
              }
              else if (slot == Slot::Heading)
              {
-                 row.type = code;
-                 row.name = code > DecorateCategoryBase
+                 row.Type = code;
+                 row.Name = code > DecorateCategoryBase
                                 ? NumberedName<75>("Decorate things ", code - DecorateCategoryBase)
                                 : NumberedName<75>("New things ", code - NewCategoryBase);
              }
              else if (slot == Slot::End)
              {
-                 row.type = EndOfTable;
+                 row.Type = EndOfTable;
              }
-             else if (from->type >= FirstHeading)
+             else if (from->Type >= FirstHeading)
              {
-                 heading = from->type;
-                 row.type = from->type;
-                 row.name = Fixed<75>(from->name);
+                 heading = from->Type;
+                 row.Type = from->Type;
+                 row.Name = Fixed<75>(from->Name);
              }
              else
              {
-                 row.type = from->type;
-                 row.sprite = Fixed<9>(from->sprite);
-                 row.name = Fixed<75>(from->name);
-                 row.color = from->color;
-                 row.radius = from->radius;
-                 row.height = from->height;
-                 row.property = from->property == FromHeading ? heading : from->property;
-                 if (from->shape_text != nullptr)
+                 row.Type = from->Type;
+                 row.Sprite = Fixed<9>(from->Sprite);
+                 row.Name = Fixed<75>(from->Name);
+                 row.Color = from->Color;
+                 row.Radius = from->Radius;
+                 row.Height = from->Height;
+                 row.Property = from->Property == FromHeading ? heading : from->Property;
+                 if (from->ShapeText != nullptr)
                  {
-                     row.shape = ShapeChar;
-                     row.shape_text = Fixed<9>(from->shape_text);
+                     row.Shape = ShapeChar;
+                     row.ShapeText = Fixed<9>(from->ShapeText);
                  }
              }
          });
@@ -332,12 +332,12 @@ constexpr std::array<Row, N> ExpandTypes(std::span<const Source> source, Layout 
              }
              else if (slot == Slot::Heading)
              {
-                 row.type = code;
-                 row.name = NumberedName<75>(newPrefix, code - NewCategoryBase);
+                 row.Type = code;
+                 row.Name = NumberedName<75>(newPrefix, code - NewCategoryBase);
              }
              else if (slot == Slot::End)
              {
-                 row.type = EndOfTable;
+                 row.Type = EndOfTable;
              }
              else
              {
@@ -350,15 +350,15 @@ constexpr std::array<Row, N> ExpandTypes(std::span<const Source> source, Layout 
 constexpr LineTypeRow FromLineSource(const LineSource& from)
 {
     LineTypeRow row;
-    row.type = from.type;
-    row.name = Fixed<75>(from.name);
-    if (from.type < FirstHeading)
+    row.Type = from.Type;
+    row.Name = Fixed<75>(from.Name);
+    if (from.Type < FirstHeading)
     {
-        row.short_name = ShortLineName(from.name);
-        row.motion = from.motion;
-        row.property = from.property;
-        row.tag_type = from.tag_type;
-        row.args = from.args;
+        row.ShortName = ShortLineName(from.Name);
+        row.Motion = from.Motion;
+        row.Property = from.Property;
+        row.TagType = from.TagType;
+        row.Args = from.Args;
     }
     return row;
 }
@@ -366,9 +366,9 @@ constexpr LineTypeRow FromLineSource(const LineSource& from)
 constexpr SectorTypeRow FromSectorSource(const SectorSource& from)
 {
     SectorTypeRow row;
-    row.type = from.type;
-    row.name = Fixed<75>(from.name);
-    row.short_name = Fixed<19>(from.short_name);
+    row.Type = from.Type;
+    row.Name = Fixed<75>(from.Name);
+    row.ShortName = Fixed<19>(from.ShortName);
     return row;
 }
 
@@ -446,12 +446,12 @@ constexpr std::array<CategoryMenuRow, M> Menu(const MenuSource (&source)[M])
     std::array<CategoryMenuRow, M> menu{};
     for (std::size_t i = 0; i < M; ++i)
     {
-        menu[i].category = source[i].category;
-        const std::string_view mnemonic = source[i].mnemonic;
-        std::copy_n(mnemonic.begin(), std::min(mnemonic.size(), menu[i].mnemonic.size()),
-                    menu[i].mnemonic.begin());
-        menu[i].label = Fixed<81>(source[i].label);
-        menu[i].command = source[i].command;
+        menu[i].Category = source[i].Category;
+        const std::string_view mnemonic = source[i].Mnemonic;
+        std::copy_n(mnemonic.begin(), std::min(mnemonic.size(), menu[i].Mnemonic.size()),
+                    menu[i].Mnemonic.begin());
+        menu[i].Label = Fixed<81>(source[i].Label);
+        menu[i].Command = source[i].Command;
     }
     return menu;
 }
@@ -521,28 +521,28 @@ constexpr auto StrifeSectorMenu = Menu(StrifeSectorMenuSource);
 constexpr ThingTypeRow MakeUnknownThing()
 {
     ThingTypeRow row;
-    row.sprite = Fixed<9>("Unknown");
-    row.name = Fixed<75>("Unknown+1-2-3-4-5");
-    row.color = 4;
-    row.radius = 14;
-    row.shape = ShapeChar;
-    row.shape_text = Fixed<9>("?");
+    row.Sprite = Fixed<9>("Unknown");
+    row.Name = Fixed<75>("Unknown+1-2-3-4-5");
+    row.Color = 4;
+    row.Radius = 14;
+    row.Shape = ShapeChar;
+    row.ShapeText = Fixed<9>("?");
     return row;
 }
 
 constexpr LineTypeRow MakeUnknownLine()
 {
     LineTypeRow row;
-    row.name = Fixed<75>("Unknown+1-2-3-4-5");
-    row.short_name = Fixed<19>("Unknown");
+    row.Name = Fixed<75>("Unknown+1-2-3-4-5");
+    row.ShortName = Fixed<19>("Unknown");
     return row;
 }
 
 constexpr SectorTypeRow MakeUnknownSector()
 {
     SectorTypeRow row;
-    row.name = Fixed<75>("Unknown          ");
-    row.short_name = Fixed<19>("Unknown");
+    row.Name = Fixed<75>("Unknown          ");
+    row.ShortName = Fixed<19>("Unknown");
     return row;
 }
 

@@ -101,19 +101,19 @@ const game::LineTypeRow& LineRow(const map::LineDef& line)
 
 std::string LineName(const map::LineDef& line)
 {
-    return std::string(game::Text(LineRow(line).name));
+    return std::string(game::Text(LineRow(line).Name));
 }
 
 std::string LineShortName(const map::LineDef& line)
 {
-    return std::string(game::Text(LineRow(line).short_name));
+    return std::string(game::Text(LineRow(line).ShortName));
 }
 
 // What a LineDef's tag points at: the first Sector (or other LineDef) that carries it.
 std::string LineTagLine(const map::LevelData& level, int index)
 {
     const map::LineDef& line = level.LineDefs[static_cast<std::size_t>(index)];
-    const std::uint16_t tagType = LineRow(line).tag_type;
+    const std::uint16_t tagType = LineRow(line).TagType;
     const std::uint16_t tag = line.Tag;
     if ((tagType & game::TagSector) != 0)
     {
@@ -261,7 +261,7 @@ InfoPane ThingInfo(const map::LevelData& level, int thing, const InfoPaneOptions
     const bool hexen = options.LevelFormat == 4;
     InfoPane pane;
     const std::string name(game::ThingTypeName(t.Type));
-    pane.Sprite = std::string(game::Text(game::ThingRowOfType(t.Type).sprite));
+    pane.Sprite = std::string(game::Text(game::ThingRowOfType(t.Type).Sprite));
     pane.Lines.push_back(Format("T%-4hu %-40.40s", thing, name.c_str()));
     pane.Lines.push_back(options.HexTypes ? Format("Type  %04X", t.Type)
                                           : Format("Type  %5hd", t.Type));
@@ -287,7 +287,7 @@ InfoPane ThingInfo(const map::LevelData& level, int thing, const InfoPaneOptions
     pane.Lines.push_back(Format("Sector%5hd", sector));
     if (hexen)
     {
-        const std::string special(game::Text(game::LookupLineType(t.Special, 0).name));
+        const std::string special(game::Text(game::LookupLineType(t.Special, 0).Name));
         pane.Lines.push_back(Format("Spec%4hd %-22.22s", t.Special, special.c_str()));
     }
     // Positions are 16 bits in the file; the pane shows them as the file will hold them.
@@ -321,7 +321,7 @@ std::vector<std::string> LineDefShortInfo(const map::LevelData& level, int line)
     const map::LineDef& l = level.LineDefs[static_cast<std::size_t>(line)];
     std::vector<std::string> lines = {
         Format("L=%-5d %3.0f", LineDefLength(level, l), LineDefAngle(level, l))};
-    const bool needsTag = (LineRow(l).tag_type & game::TagSector) != 0;
+    const bool needsTag = (LineRow(l).TagType & game::TagSector) != 0;
     if (l.Tag == 0)
     {
         if (needsTag)

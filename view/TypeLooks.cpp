@@ -13,15 +13,15 @@ ThingLook LookOfThing(const map::Thing& thing, int levelFormat)
     // Before a game is chosen the tables are empty, and every Thing has the unknown row.
     const game::ThingTypeRow& row = game::ThingRow(thing);
     ThingLook look;
-    look.Color = row.color;
-    look.Radius = row.radius;
-    look.Shape = row.shape;
-    look.ShapeText = std::string(game::Text(row.shape_text));
+    look.Color = row.Color;
+    look.Radius = row.Radius;
+    look.Shape = row.Shape;
+    look.ShapeText = std::string(game::Text(row.ShapeText));
     // The row holds all the rest: no further search of the table for each Thing drawn.
-    look.MapSpot = game::IsMapSpotProperty(row.property);
-    look.PlayerStart = game::IsPlayerStartProperty(row.property);
-    look.PolyObject = game::IsPolyStartProperty(row.property);
-    const bool bridge = row.property == game::PropertyBridge;
+    look.MapSpot = game::IsMapSpotProperty(row.Property);
+    look.PlayerStart = game::IsPlayerStartProperty(row.Property);
+    look.PolyObject = game::IsPolyStartProperty(row.Property);
+    const bool bridge = row.Property == game::PropertyBridge;
     look.Arrow = !(levelFormat == 4 && (look.PolyObject || bridge));
     return look;
 }
@@ -32,7 +32,7 @@ int LineTypeColor(std::uint32_t type, std::uint16_t key)
     {
         return 0;
     }
-    return game::LookupLineType(static_cast<std::uint16_t>(type), key).color;
+    return game::LookupLineType(static_cast<std::uint16_t>(type), key).Color;
 }
 
 } // namespace kelvar::view

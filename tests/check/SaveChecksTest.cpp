@@ -155,9 +155,9 @@ TEST_F(SaveChecks, PlayerOneCheckTakesTheTypeFromTheGamesTable)
     // A table whose player 1 start has another number: type 1 is then an unknown Thing.
     for (game::ThingTypeRow& row : game::Game().Things)
     {
-        if (row.property == game::PropertyPlayerStart1)
+        if (row.Property == game::PropertyPlayerStart1)
         {
-            row.type = 4001;
+            row.Type = 4001;
         }
     }
     map::LevelData level = LevelBuilder().Room(0, 0, 64, 64).Thing(32, 32, 1).Build();

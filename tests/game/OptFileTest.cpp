@@ -63,14 +63,14 @@ TEST_F(OptFileTest, RenamesDeletesAddsRowsAndCategories)
 
     EXPECT_EQ(ThingTypeName(2013), "Supercharge");
     EXPECT_EQ(ThingColor(2013), 9);
-    EXPECT_EQ(ThingRowOfType(2013).property, 0xFFFF8008u); // not given: kept
+    EXPECT_EQ(ThingRowOfType(2013).Property, 0xFFFF8008u); // not given: kept
     EXPECT_EQ(ThingTypeName(2026), "<?unknown?>");
     const ThingTypeRow& target = ThingRowOfType(3999);
     EXPECT_EQ(ThingCategoryOf(3999), NewCategoryBase + 1);
-    EXPECT_EQ(target.property, PropertyEnemy);
-    EXPECT_EQ(target.shape, ShapeChar);
-    EXPECT_EQ(Text(target.shape_text), "Spwn");
-    EXPECT_EQ(Text(target.sprite), "BOSFA0");
+    EXPECT_EQ(target.Property, PropertyEnemy);
+    EXPECT_EQ(target.Shape, ShapeChar);
+    EXPECT_EQ(Text(target.ShapeText), "Spwn");
+    EXPECT_EQ(Text(target.Sprite), "BOSFA0");
     const std::vector<std::string> things = MenuTexts(map::KindThing);
     EXPECT_EQ(things[2], "&3   Power ups");
     EXPECT_EQ(things[10], "&B   Spawners");
@@ -78,10 +78,10 @@ TEST_F(OptFileTest, RenamesDeletesAddsRowsAndCategories)
     EXPECT_EQ(SubMenuTypes(map::KindThing, 0xFFFF8008).size(), 13u);
 
     const LineTypeRow& door = LookupLineType(26, 0);
-    EXPECT_EQ(Text(door.name), "DR Blue door");
-    EXPECT_EQ(Text(door.short_name), "Blue door");
-    EXPECT_EQ(door.property, 0x2002u);
-    EXPECT_EQ(LookupLineType(300, 0).tag_type, TagExit);
+    EXPECT_EQ(Text(door.Name), "DR Blue door");
+    EXPECT_EQ(Text(door.ShortName), "Blue door");
+    EXPECT_EQ(door.Property, 0x2002u);
+    EXPECT_EQ(LookupLineType(300, 0).TagType, TagExit);
     EXPECT_EQ(MenuTexts(map::KindLineDef)[14], "&E   Hub");
     EXPECT_EQ(SubMenuTypes(map::KindLineDef, NewCategoryBase + 1), std::vector<std::string>{"300"});
     EXPECT_EQ(SectorTypeName(9), "Secret area");
@@ -138,11 +138,11 @@ TEST_F(OptFileTest, LinesAreReadAsTheyAlwaysHaveBeen)
                         "4000 \"BKEYA0\" \"Ring key\" BLUE 20 16 BlueKey CHAR KRing"));
     EXPECT_EQ(Shown(), std::vector<std::string>{});
     const ThingTypeRow& soul = ThingRowOfType(2013);
-    EXPECT_EQ(Text(soul.sprite), "SOULB0");
-    EXPECT_EQ(Text(soul.name), "Soul again");
-    EXPECT_EQ(soul.radius, 300);
-    EXPECT_EQ(soul.height, 300);
-    EXPECT_EQ(Text(ThingRowOfType(4000).shape_text), "KRin");
+    EXPECT_EQ(Text(soul.Sprite), "SOULB0");
+    EXPECT_EQ(Text(soul.Name), "Soul again");
+    EXPECT_EQ(soul.Radius, 300);
+    EXPECT_EQ(soul.Height, 300);
+    EXPECT_EQ(Text(ThingRowOfType(4000).ShapeText), "KRin");
     EXPECT_EQ(SubMenuTypes(map::KindThing, 0xFFFF8006),
               (std::vector<std::string>{"5", "6", "13", "40", "39", "38", "-", "4000"}));
 
@@ -155,17 +155,17 @@ TEST_F(OptFileTest, LinesAreReadAsTheyAlwaysHaveBeen)
                         "97 \"WR Teleport\" \"Teleport\" None Skip\n"
                         "88 \"WR Lift\" \"Lift\" Skip\n"
                         "303 \"S1 Three\" \"Three\" Skip Skip Skip\n"));
-    EXPECT_EQ(ThingRowOfType(2013).radius, 20); // the previous read was undone first
-    EXPECT_EQ(LookupLineType(301, 0).color, 14);
-    EXPECT_EQ(LookupLineType(301, 0).args, (std::array<std::uint8_t, 5>{1, 2, 3, 4, 5}));
-    EXPECT_EQ(LookupLineType(302, 0).args, (std::array<std::uint8_t, 5>{1, 2, 3, 4, 44}));
-    EXPECT_EQ(LookupLineType(97, 0).property, PropertyTeleport);
+    EXPECT_EQ(ThingRowOfType(2013).Radius, 20); // the previous read was undone first
+    EXPECT_EQ(LookupLineType(301, 0).Color, 14);
+    EXPECT_EQ(LookupLineType(301, 0).Args, (std::array<std::uint8_t, 5>{1, 2, 3, 4, 5}));
+    EXPECT_EQ(LookupLineType(302, 0).Args, (std::array<std::uint8_t, 5>{1, 2, 3, 4, 44}));
+    EXPECT_EQ(LookupLineType(97, 0).Property, PropertyTeleport);
     const LineTypeRow& lift = LookupLineType(88, 0);
-    EXPECT_EQ(lift.motion, 0x8002);
-    EXPECT_EQ(lift.property, 0u); // not Skip: the line's default
-    EXPECT_EQ(lift.tag_type, TagSector);
-    EXPECT_EQ(LookupLineType(303, 0).motion, CodeSkip);
-    EXPECT_EQ(LookupLineType(303, 0).property, CodeSkip);
+    EXPECT_EQ(lift.Motion, 0x8002);
+    EXPECT_EQ(lift.Property, 0u); // not Skip: the line's default
+    EXPECT_EQ(lift.TagType, TagSector);
+    EXPECT_EQ(LookupLineType(303, 0).Motion, CodeSkip);
+    EXPECT_EQ(LookupLineType(303, 0).Property, CodeSkip);
 }
 
 TEST_F(OptFileTest, DeleteHidesASectorButForgetsALineDefOrThing)
@@ -174,7 +174,7 @@ TEST_F(OptFileTest, DeleteHidesASectorButForgetsALineDefOrThing)
                         "[LINEDEFS]\n11 \"S- End\" \"End\" DELETE\n"
                         "[SECTORS]\n9 \"Secret\" \"Secret\" DELETE\n"));
     EXPECT_EQ(ThingTypeName(2035), "<?unknown?>");
-    EXPECT_EQ(Text(LookupLineType(11, 0).name), "Unknown+1-2-3-4-5");
+    EXPECT_EQ(Text(LookupLineType(11, 0).Name), "Unknown+1-2-3-4-5");
     EXPECT_EQ(SectorTypeName(9), "xecret (credit if discovered)");
     EXPECT_EQ(SectorTypeShortName(9), "Secret");
     EXPECT_EQ(SubMenuTypes(map::KindSector, 0xFFFF8003), (std::vector<std::string>{"10", "14"}));
@@ -226,9 +226,9 @@ TEST_F(OptFileTest, WrongWordsAreShownAndTheLineGoesOnWithDefaults)
     // The row as the line left it: a lookup would set a manual door's tag type.
     const LineTypeRow& door =
         Game().LineDefs[static_cast<std::size_t>(FindTypeRow(Game().LineDefs, 26))];
-    EXPECT_EQ(door.motion, 0);
-    EXPECT_EQ(door.property, 0x2001u);
-    EXPECT_EQ(door.tag_type, TagSector);
+    EXPECT_EQ(door.Motion, 0);
+    EXPECT_EQ(door.Property, 0x2001u);
+    EXPECT_EQ(door.TagType, TagSector);
     // A keyword of another game opens a category of the text instead.
     EXPECT_EQ(MenuTexts(map::KindLineDef)[14], "&E   Polyobjects");
 }
@@ -242,8 +242,8 @@ TEST_F(OptFileTest, EntriesWithoutACategoryAreReportedOnce)
     EXPECT_EQ(Ui.Messages[0].Lines, (std::vector<std::string>{"New entry with no LineDef category",
                                                               "400 \"S1 Lost\" \"Lost\""}));
     EXPECT_EQ(Ui.Messages[1].Lines[10], "Missing Line Categories=2");
-    EXPECT_EQ(Text(LookupLineType(400, 0).name), "Unknown+1-2-3-4-5");
-    EXPECT_EQ(Text(LookupLineType(401, 0).name), "S1 Found"); // into the next open slot
+    EXPECT_EQ(Text(LookupLineType(400, 0).Name), "Unknown+1-2-3-4-5");
+    EXPECT_EQ(Text(LookupLineType(401, 0).Name), "S1 Found"); // into the next open slot
 
     // A missing Thing category alone, deliberately, brings no summary.
     Ui.Clear();
@@ -262,7 +262,7 @@ TEST_F(OptFileTest, EachReadStartsFromTheBuiltInTables)
     EXPECT_TRUE(Ui.Messages.empty());
     // A read squeezes the blanks out of every name.
     ASSERT_TRUE(ReadOpt("// nothing\n"));
-    EXPECT_EQ(Text(LookupLineType(26, 0).name), "DR OpenBlue Wait/Close");
+    EXPECT_EQ(Text(LookupLineType(26, 0).Name), "DR OpenBlue Wait/Close");
 }
 
 TEST_F(OptFileTest, TheThingListIsAnOptFileOfTheTable)
@@ -317,8 +317,8 @@ TEST_F(OptFileTest, TheProjectsOwnFilesReadCleanly)
     }
     SelectTablesFor(2, 2, true, false);
     ASSERT_TRUE(ReadOptFile((shipped / "BOOM.OPT").string()));
-    EXPECT_EQ(ThingRowOfType(5001).property, 22u);
-    EXPECT_EQ(Text(LookupLineType(260, 0).short_name), "Translucent");
+    EXPECT_EQ(ThingRowOfType(5001).Property, 22u);
+    EXPECT_EQ(Text(LookupLineType(260, 0).ShortName), "Translucent");
     EXPECT_EQ(ThingCategoryOf(5001), NewCategoryBase + 1);
 }
 

@@ -39,14 +39,14 @@ TEST_F(LookupTest, TablesFollowTheIwadAndTheProjectSwitches)
     SelectGameTables();
     EXPECT_EQ(Game().LevelFormat, 4);
     EXPECT_EQ(ThingTypeName(2001), "Shotgun");
-    EXPECT_EQ(Text(LookupLineType(80, 0).name), "Script Run     +Script-Map-Arg1-Arg2-Arg3");
+    EXPECT_EQ(Text(LookupLineType(80, 0).Name), "Script Run     +Script-Map-Arg1-Arg2-Arg3");
     EXPECT_EQ(SectorTypeName(201), "Scroll North Slow");
     EXPECT_EQ(Texts(CategoryMenu(map::KindThing)).back(), "&z   Thing Special");
     EXPECT_EQ(Texts(CategoryMenu(map::KindSector))[4], "&B   ZDOOM Sector Flags");
 
     SelectTablesFor(3, 3, false, false);
     EXPECT_EQ(ThingTypeName(2005), "Gauntlets Necromancer");
-    EXPECT_EQ(Text(LookupLineType(28, 0).name), "DR OpenGreen   Wait, close");
+    EXPECT_EQ(Text(LookupLineType(28, 0).Name), "DR OpenGreen   Wait, close");
     EXPECT_EQ(SectorTypeName(40), "Wind East  Weak");
 
     SelectTablesFor(5, 5, false, false);
@@ -58,16 +58,16 @@ TEST_F(LookupTest, TablesFollowTheIwadAndTheProjectSwitches)
 TEST_F(LookupTest, LineTypesAnswerTheirRowOrTheUnknownRow)
 {
     SelectTablesFor(2, 2, false, false);
-    EXPECT_EQ(Text(LookupLineType(9999, 0).name), "Unknown+1-2-3-4-5");
-    EXPECT_EQ(Text(LookupLineType(9999, 0).short_name), "Unknown");
-    EXPECT_EQ(Text(LookupLineType(97, 0).short_name), "WR*Teleport to Tag");
+    EXPECT_EQ(Text(LookupLineType(9999, 0).Name), "Unknown+1-2-3-4-5");
+    EXPECT_EQ(Text(LookupLineType(9999, 0).ShortName), "Unknown");
+    EXPECT_EQ(Text(LookupLineType(97, 0).ShortName), "WR*Teleport to Tag");
     // A manual door takes a tag only where Boom lets it have one; the row keeps the answer.
-    EXPECT_EQ(LookupLineType(1, 0).tag_type, 0);
+    EXPECT_EQ(LookupLineType(1, 0).TagType, 0);
     SelectTablesFor(2, 2, true, false);
-    EXPECT_EQ(LookupLineType(1, 0).tag_type, TagOption);
+    EXPECT_EQ(LookupLineType(1, 0).TagType, TagOption);
     const std::ptrdiff_t door = FindTypeRow(Game().LineDefs, 1);
-    EXPECT_EQ(Game().LineDefs[static_cast<std::size_t>(door)].tag_type, TagOption);
-    EXPECT_EQ(LookupLineType(97, 0).tag_type, TagSector);
+    EXPECT_EQ(Game().LineDefs[static_cast<std::size_t>(door)].TagType, TagOption);
+    EXPECT_EQ(LookupLineType(97, 0).TagType, TagSector);
     // Boom's generalized types are not the table's.
     EXPECT_TRUE(LineTypeIsGeneralized(15889));
     EXPECT_FALSE(LineTypeIsGeneralized(12159));
@@ -78,10 +78,10 @@ TEST_F(LookupTest, LineTypesAnswerTheirRowOrTheUnknownRow)
 TEST_F(LookupTest, HexenKeyDoorsAreFoundByTheirKey)
 {
     SelectTablesFor(4, 4, false, false);
-    EXPECT_EQ(Text(LookupLineType(13, 0).name), "Open Steel Key  +Tag-Speed-Delay-Key");
-    EXPECT_EQ(Text(LookupLineType(13, 7).name), "Open SilverKey  +Tag-Speed-Delay-Key");
-    EXPECT_EQ(LookupLineType(13, 11).args[3], 11);
-    EXPECT_EQ(Text(LookupLineType(13, 12).name), "Unknown+1-2-3-4-5");
+    EXPECT_EQ(Text(LookupLineType(13, 0).Name), "Open Steel Key  +Tag-Speed-Delay-Key");
+    EXPECT_EQ(Text(LookupLineType(13, 7).Name), "Open SilverKey  +Tag-Speed-Delay-Key");
+    EXPECT_EQ(LookupLineType(13, 11).Args[3], 11);
+    EXPECT_EQ(Text(LookupLineType(13, 12).Name), "Unknown+1-2-3-4-5");
     EXPECT_TRUE(LineIsDoorSpecial(12));
     EXPECT_FALSE(LineIsDoorSpecial(10));
     EXPECT_TRUE(LineTagIsPolyId(2));
@@ -99,7 +99,7 @@ TEST_F(LookupTest, SectorTypesOfThePortsAreMaskedOrDecoded)
     // Boom keeps the light kind in the low five bits; the damage and secret bits above them.
     SelectTablesFor(2, 2, true, false);
     EXPECT_EQ(SectorTypeName(72), "Pulse Light");
-    EXPECT_EQ(LookupSectorType(77).type, 77u);
+    EXPECT_EQ(LookupSectorType(77).Type, 77u);
     EXPECT_EQ(SectorTypeShortName(77), "Fsync Light");
     EXPECT_EQ(SectorTypeName(32), "no Light");
     EXPECT_EQ(SectorTypeName(96 + 4), "Unknown          ");
@@ -117,7 +117,7 @@ TEST_F(LookupTest, ThingLookupsReadThePropertiesOfTheRows)
     EXPECT_EQ(ThingTypeName(9999), "<?unknown?>");
     EXPECT_EQ(ThingColor(9999), 15);
     EXPECT_EQ(ThingRadius(ThingOf(9999)), 16);
-    EXPECT_EQ(Text(ThingRowOfType(9999).shape_text), "?");
+    EXPECT_EQ(Text(ThingRowOfType(9999).ShapeText), "?");
     EXPECT_EQ(ThingCategoryOf(8030), 0xFFFF8006u);
     EXPECT_EQ(ThingCategoryOf(34952), 0u); // before any heading
     EXPECT_EQ(ThingCategoryOf(9999), 0u);
@@ -132,7 +132,7 @@ TEST_F(LookupTest, ThingLookupsReadThePropertiesOfTheRows)
 
     // A row of radius 0 gets 32 once looked up; the change stays in the table.
     EXPECT_EQ(ThingRadius(ThingOf(34952)), 0);
-    EXPECT_EQ(ThingRow(ThingOf(34952)).radius, 32);
+    EXPECT_EQ(ThingRow(ThingOf(34952)).Radius, 32);
     EXPECT_EQ(ThingRadius(ThingOf(34952)), 32);
 }
 
@@ -144,7 +144,7 @@ TEST_F(LookupTest, BridgesTakeTheirRadiusFromTheirFirstArgument)
     EXPECT_EQ(ThingRadius(ThingOf(9990, 80)), 80);
     EXPECT_EQ(ThingRadius(ThingOf(9990, 0)), 32);
     EXPECT_EQ(ThingRadius(ThingOf(118, 50)), 20); // only type 9990 answers its argument here
-    EXPECT_EQ(ThingRow(ThingOf(118, 50)).radius, 50);
+    EXPECT_EQ(ThingRow(ThingOf(118, 50)).Radius, 50);
     EXPECT_EQ(ThingRadius(ThingOf(118, 0)), 50);
     EXPECT_TRUE(Ui.Messages.empty());
 }

@@ -41,11 +41,11 @@ template <class Row> std::vector<Block> Blocks(std::span<const Row> rows)
     std::vector<Block> blocks(1); // rows before the first heading
     for (const Row& row : rows.first(rows.size() - 1))
     {
-        if (row.type >= FirstHeading)
+        if (row.Type >= FirstHeading)
         {
-            blocks.push_back({row.type});
+            blocks.push_back({row.Type});
         }
-        else if (row.name[0] == 'x')
+        else if (row.Name[0] == 'x')
         {
             ++blocks.back().Free;
         }
@@ -66,7 +66,7 @@ void ExpectLayout(std::span<const Row> rows, std::size_t blockRows, std::size_t 
 {
     SCOPED_TRACE(table);
     ASSERT_FALSE(rows.empty());
-    EXPECT_EQ(rows.back().type, EndOfTable);
+    EXPECT_EQ(rows.back().Type, EndOfTable);
     std::vector<Block> blocks = Blocks(rows);
     EXPECT_EQ(blocks.front().Free, 0u);
     blocks.erase(blocks.begin());
@@ -102,7 +102,7 @@ template <class Row> std::size_t RealRows(std::span<const Row> rows)
     std::size_t count = 0;
     for (const Row& row : rows)
     {
-        count += row.type < FirstHeading && row.name[0] != 'x';
+        count += row.Type < FirstHeading && row.Name[0] != 'x';
     }
     return count;
 }
@@ -160,9 +160,9 @@ template <class Row> std::set<std::uint32_t> RepeatedTypes(std::span<const Row> 
     std::set<std::uint32_t> repeated;
     for (const Row& row : rows)
     {
-        if (row.type < FirstHeading && row.name[0] != 'x' && !seen.insert(row.type).second)
+        if (row.Type < FirstHeading && row.Name[0] != 'x' && !seen.insert(row.Type).second)
         {
-            repeated.insert(row.type);
+            repeated.insert(row.Type);
         }
     }
     return repeated;
@@ -185,9 +185,9 @@ TEST(TypeTables, TypeNumbersAreUniqueSaveForTheKnownRepeats)
     std::set<int> keys;
     for (const LineTypeRow& row : BuiltInLineDefs(TableSet::Hexen))
     {
-        if (row.type == 13)
+        if (row.Type == 13)
         {
-            EXPECT_TRUE(keys.insert(row.args[3]).second) << "key " << int{row.args[3]};
+            EXPECT_TRUE(keys.insert(row.Args[3]).second) << "key " << int{row.Args[3]};
         }
     }
     EXPECT_EQ(keys.size(), 11u);
@@ -200,34 +200,34 @@ TEST(TypeTables, RowsCarryUsableValues)
         SCOPED_TRACE(SetName(set));
         for (const ThingTypeRow& row : BuiltInThings(set))
         {
-            if (row.type >= FirstHeading || row.name[0] == 'x')
+            if (row.Type >= FirstHeading || row.Name[0] == 'x')
             {
                 continue;
             }
-            SCOPED_TRACE(row.type);
-            EXPECT_FALSE(Text(row.sprite).empty());
-            EXPECT_LE(row.color, 29);
-            EXPECT_EQ(row.shape == ShapeChar, !Text(row.shape_text).empty());
-            EXPECT_NE(row.property, SpareProperty);
+            SCOPED_TRACE(row.Type);
+            EXPECT_FALSE(Text(row.Sprite).empty());
+            EXPECT_LE(row.Color, 29);
+            EXPECT_EQ(row.Shape == ShapeChar, !Text(row.ShapeText).empty());
+            EXPECT_NE(row.Property, SpareProperty);
         }
         for (const LineTypeRow& row : BuiltInLineDefs(set))
         {
-            if (row.type < FirstHeading && row.name[0] != 'x')
+            if (row.Type < FirstHeading && row.Name[0] != 'x')
             {
-                EXPECT_FALSE(Text(row.short_name).empty()) << row.type;
-                EXPECT_EQ(Text(row.short_name).find("  "), std::string_view::npos);
+                EXPECT_FALSE(Text(row.ShortName).empty()) << row.Type;
+                EXPECT_EQ(Text(row.ShortName).find("  "), std::string_view::npos);
             }
         }
     }
     // The property of an ordinary item is its heading's code; starts and keys have their own.
     const auto doom = BuiltInThings(TableSet::Doom);
     const auto row = [&](std::uint32_t type)
-    { return *std::find_if(doom.begin(), doom.end(), [&](auto& r) { return r.type == type; }); };
-    EXPECT_EQ(row(2013).property, 0xFFFF8008u);
-    EXPECT_EQ(row(1).property, 0x1001u);
-    EXPECT_EQ(Text(row(1).shape_text), "Play1");
-    EXPECT_EQ(row(38).property, 0x2005u);
-    EXPECT_EQ(Text(row(7).sprite), "SPIDA1D1");
+    { return *std::find_if(doom.begin(), doom.end(), [&](auto& r) { return r.Type == type; }); };
+    EXPECT_EQ(row(2013).Property, 0xFFFF8008u);
+    EXPECT_EQ(row(1).Property, 0x1001u);
+    EXPECT_EQ(Text(row(1).ShapeText), "Play1");
+    EXPECT_EQ(row(38).Property, 0x2005u);
+    EXPECT_EQ(Text(row(7).Sprite), "SPIDA1D1");
 }
 
 // Each category of a menu opens a heading of the tables it goes with, each built-in heading is
@@ -237,26 +237,26 @@ void ExpectMenuFits(std::span<const CategoryMenuRow> menu, const std::set<std::u
 {
     SCOPED_TRACE(name);
     ASSERT_FALSE(menu.empty());
-    EXPECT_EQ(menu.back().category, 0u);
+    EXPECT_EQ(menu.back().Category, 0u);
     std::set<std::uint32_t> offered;
     std::set<std::string> mnemonics;
     for (const CategoryMenuRow& row : menu.first(menu.size() - 1))
     {
-        if (row.category == SeparatorType)
+        if (row.Category == SeparatorType)
         {
             continue;
         }
-        const std::string mnemonic(row.mnemonic.data(), row.mnemonic.size());
+        const std::string mnemonic(row.Mnemonic.data(), row.Mnemonic.size());
         EXPECT_TRUE(mnemonics.insert(mnemonic).second) << mnemonic;
         EXPECT_EQ(mnemonic.substr(2), "   ");
-        if (row.category == DirectEntry)
+        if (row.Category == DirectEntry)
         {
-            EXPECT_NE(row.command, 0u) << Text(row.label);
+            EXPECT_NE(row.Command, 0u) << Text(row.Label);
             continue;
         }
-        EXPECT_EQ(row.command, 0u);
-        EXPECT_TRUE(headings.contains(row.category)) << std::hex << row.category;
-        offered.insert(row.category);
+        EXPECT_EQ(row.Command, 0u);
+        EXPECT_TRUE(headings.contains(row.Category)) << std::hex << row.Category;
+        offered.insert(row.Category);
     }
     for (const std::uint32_t heading : headings)
     {
@@ -270,9 +270,9 @@ template <class Row> std::set<std::uint32_t> Headings(std::span<const Row> rows)
     std::set<std::uint32_t> headings;
     for (const Row& row : rows)
     {
-        if (row.type >= FirstHeading && row.type != EndOfTable)
+        if (row.Type >= FirstHeading && row.Type != EndOfTable)
         {
-            headings.insert(row.type);
+            headings.insert(row.Type);
         }
     }
     return headings;

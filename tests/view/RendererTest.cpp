@@ -203,32 +203,32 @@ TEST_F(Renderer, ThingsAndLineTypesTakeTheirLookFromTheGamesRows)
     builder.Room(0, 0, 128, 128).Thing(64, 64, 3001); // an imp
     const map::LevelData level = builder.Build();
     const game::ThingTypeRow& imp = game::ThingRowOfType(3001);
-    ASSERT_GT(imp.radius, 0);
+    ASSERT_GT(imp.Radius, 0);
 
     RecordingCanvas canvas;
     DrawThing(canvas, level.Things[0], State, false);
     const auto ellipses = canvas.OpsNamed("Ellipse");
     ASSERT_EQ(ellipses.size(), 1u);
-    EXPECT_EQ(ellipses[0].Args[2] - ellipses[0].Args[0], 2 * imp.radius + 1) << "radius at scale 1";
+    EXPECT_EQ(ellipses[0].Args[2] - ellipses[0].Args[0], 2 * imp.Radius + 1) << "radius at scale 1";
     bool rowPen = false;
     for (const auto& op : canvas.OpsNamed("Pen"))
     {
-        rowPen = rowPen || op.Args[0] == imp.color;
+        rowPen = rowPen || op.Args[0] == imp.Color;
     }
-    EXPECT_TRUE(rowPen) << "the pen is the row's colour " << imp.color;
+    EXPECT_TRUE(rowPen) << "the pen is the row's colour " << imp.Color;
 
     // A LineDef type whose row has a colour is drawn in it.
     const game::GameState& tables = game::Game();
     const auto coloured =
         std::find_if(tables.LineDefs.begin(), tables.LineDefs.end(),
                      [](const game::LineTypeRow& row)
-                     { return row.type > 0 && row.type < 0x10000 && row.color != 0; });
+                     { return row.Type > 0 && row.Type < 0x10000 && row.Color != 0; });
     if (coloured != tables.LineDefs.end())
     {
         map::LineDef line;
-        line.Type = coloured->type;
+        line.Type = coloured->Type;
         line.Tag = 1;
-        EXPECT_EQ(LineColor(line, State), coloured->color);
+        EXPECT_EQ(LineColor(line, State), coloured->Color);
     }
     game::ResetGame();
 }
