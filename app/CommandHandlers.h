@@ -46,7 +46,7 @@ void SetTagCommand(int number, CommandSource source); // 442
 // Grid, centring, scrolling and the display toggles (ViewCommands.cpp).
 void GridCommand(int number, CommandSource source);        // 443, 445 to 448, 454, 523
 void NewGridSizeCommand(int number, CommandSource source); // 450
-void CentreCommand(int number, CommandSource source);      // 449, 455, 464
+void CenterCommand(int number, CommandSource source);      // 449, 455, 464
 void ScrollSpeedCommand(int number, CommandSource source); // 452, 453
 void ZoomToggleCommand(int number, CommandSource source);  // 421
 void DisplayCommand(int number, CommandSource source);     // 427, 441, 451, 496 to 498, 1012, 1030
@@ -63,7 +63,7 @@ void BookmarkCommand(int number, CommandSource source);       // 7000 to 7009, 7
 
 /// Puts the map point under the pointer at the window's centre, and asks for the pointer to
 /// follow it there.
-void CentreOnPointer();
+void CenterOnPointer();
 
 /// Stores the grid settings where the rest of the editor reads them: KELVAR.CHK's grid size
 /// and the editing options' grid and snap.

@@ -47,7 +47,7 @@ bool HandleMapCharacter(char character)
     {
         if (view.Settings.ZoomAtPointer)
         {
-            CentreOnPointer();
+            CenterOnPointer();
         }
         view::ZoomToDigit(view.Viewport, view.Settings, character - '0');
         ViewChanged();

@@ -62,7 +62,7 @@ void GotoBookmarkSlot(int number)
         MovePointerTo(bookmark.CursorX, bookmark.CursorY);
         return;
     }
-    const view::MapPoint point = view::ObjectCentre(level, mode, bookmark.Object);
+    const view::MapPoint point = view::ObjectCenter(level, mode, bookmark.Object);
     MovePointerTo(view::MapToScreenX(view.Viewport, point.X),
                   view::MapToScreenY(view.Viewport, point.Y));
 }

@@ -20,7 +20,7 @@ void Toggled()
 
 } // namespace
 
-void CentreOnPointer()
+void CenterOnPointer()
 {
     view::ViewState& view = view::View();
     view::CenterOn(view.Viewport, view::ScreenToMapX(view.Viewport, view.Pointer.X),
@@ -104,13 +104,13 @@ void NewGridSizeCommand(int /*number*/, CommandSource /*source*/)
     }
 }
 
-void CentreCommand(int number, CommandSource /*source*/)
+void CenterCommand(int number, CommandSource /*source*/)
 {
     view::ViewState& view = view::View();
     const map::LevelData& level = map::Map().Level;
     switch (number)
     {
-    case CmdCentreMap:
+    case CmdCenterMap:
         // The middle of the level's box, halved in integers as every midpoint of the map.
         if (level.Vertexes.Count() > 0)
         {
@@ -119,7 +119,7 @@ void CentreCommand(int number, CommandSource /*source*/)
         }
         break;
     case CmdCenterAtCursor:
-        CentreOnPointer();
+        CenterOnPointer();
         break;
     case CmdCenterView:
         view::BestFit(view.Viewport, level);

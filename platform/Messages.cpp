@@ -79,7 +79,7 @@ int ShowMessageLines(int flags, const std::string& title, const std::vector<std:
     Message message;
     message.Title = MessageLinesCaption(flags, title);
     message.Lines = lines;
-    message.Centred = true;
+    message.Centered = true;
     message.Icon = (flags & LinesError) != 0  ? MessageIcon::Stop
                    : (flags & LinesInfo) != 0 ? MessageIcon::Exclamation
                                               : MessageIcon::None;

@@ -39,7 +39,7 @@ struct Message
     MessageIcon Icon = MessageIcon::None;
     MessageButtons Buttons = MessageButtons::Ok;
     bool SystemModal = false;
-    bool Centred = false; // the multi-line form centres its lines
+    bool Centered = false; // the multi-line form centres its lines
     /// Texts of the buttons in order, when they aren't the usual OK, Yes, No, Cancel.
     std::vector<std::string> ButtonTexts;
 

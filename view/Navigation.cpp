@@ -46,7 +46,7 @@ bool SectorAt(const map::LevelData& level, const MapViewport& viewport, double x
 
 } // namespace
 
-MapPoint ObjectCentre(const map::LevelData& level, int kind, int object)
+MapPoint ObjectCenter(const map::LevelData& level, int kind, int object)
 {
     const MapPoint box{(level.MinX + level.MaxX) / 2.0, (level.MinY + level.MaxY) / 2.0};
     if (object < 0)
@@ -105,7 +105,7 @@ MapPoint ObjectCentre(const map::LevelData& level, int kind, int object)
 void GotoObject(const map::LevelData& level, MapViewport& viewport, int kind, int object,
                 bool force)
 {
-    MapPoint point = ObjectCentre(level, kind, object);
+    MapPoint point = ObjectCenter(level, kind, object);
     if (kind == map::KindSector && object >= 0 &&
         !SectorAt(level, viewport, point.X, point.Y, object))
     {

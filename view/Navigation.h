@@ -17,7 +17,7 @@ struct MapPoint
     double X = 0;
     double Y = 0;
 };
-MapPoint ObjectCentre(const map::LevelData& level, int kind, int object);
+MapPoint ObjectCenter(const map::LevelData& level, int kind, int object);
 
 /// Centres the view on an object. For a Sector, a point that really lies in it is sought
 /// (its LineDefs' middles, then points around the centre); with `force` the view zooms in

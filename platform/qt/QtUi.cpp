@@ -94,7 +94,7 @@ int QtUi::Show(const Message& message)
     {
         lines << Text(line);
     }
-    if (message.Centred)
+    if (message.Centered)
     {
         // The multi-line form centres its lines.
         QStringList html;

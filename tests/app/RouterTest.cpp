@@ -176,7 +176,7 @@ TEST_F(RouterTest, DisplayTogglesAndScrollSpeed)
     EXPECT_EQ(view::View().Settings.ScrollUnit, 1);
 }
 
-TEST_F(RouterTest, CentringFitsCentresAndFollowsThePointer)
+TEST_F(RouterTest, CenteringFitsCentersAndFollowsThePointer)
 {
     Edit(TwoRooms());
     view::ViewState& view = view::View();
@@ -185,7 +185,7 @@ TEST_F(RouterTest, CentringFitsCentresAndFollowsThePointer)
     const float fitted = view.Viewport.Scale;
 
     view::CenterOn(view.Viewport, 1000, 1000);
-    RunCommand(CmdCentreMap);
+    RunCommand(CmdCenterMap);
     EXPECT_DOUBLE_EQ(view.Viewport.OriginX, 128.0);
     EXPECT_DOUBLE_EQ(view.Viewport.OriginY, 64.0);
     EXPECT_EQ(view.Viewport.Scale, fitted) << "Home keeps the scale";

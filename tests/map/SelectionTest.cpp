@@ -204,7 +204,7 @@ TEST_F(SelectionTest, GotoFindsAPointInsideTheSector)
     }
     view::MapViewport viewport;
     view::SetWindowSize(viewport, 800, 600);
-    const view::MapPoint centre = view::ObjectCentre(level, KindSector, 0);
+    const view::MapPoint centre = view::ObjectCenter(level, KindSector, 0);
     EXPECT_DOUBLE_EQ(centre.X, 150.0);
     view::GotoObject(level, viewport, KindSector, 0, false);
     EXPECT_FALSE(viewport.OriginX > 100 && viewport.OriginX < 200 && viewport.OriginY > 100 &&
