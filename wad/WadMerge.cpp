@@ -114,13 +114,123 @@ bool IsTextureControl(const LumpName& name)
     return name.Is("TEXTURE1") || name.Is("TEXTURE2") || name.Is("PNAMES");
 }
 
+// What the master directory holds of a lump's name, found by one walk over its entries.
+struct NameWalk
+{
+    int FirstPwad = -1;   // the oldest entry of that name from a PWAD
+    int LastPwad = -1;    // the newest
+    bool Settled = false; // a script slot took the lump, or an earlier scan merged it already
+};
+
+// The walk over the entries of the lump's name, oldest first: a script slot takes the lump at
+// once; this file's own entry at the same data means an earlier scan merged it already.
+NameWalk WalkName(MergeScan& scan, const LumpEntry& entry)
+{
+    LumpDirectory& master = Master();
+    const bool allowDuplicates = Wad().Options.AllowDuplicates;
+    NameWalk walk;
+    master.ForEachPosition(entry.Name,
+                           [&](std::int32_t position)
+                           {
+                               const auto m = static_cast<std::size_t>(position);
+                               const LumpEntry& old = master[m];
+                               if (old.LumpGroup == GroupScript)
+                               {
+                                   LumpEntry& slot = master.Edit(m);
+                                   slot.Offset = entry.Offset;
+                                   slot.Size = entry.Size;
+                                   slot.FileNumber = static_cast<std::int16_t>(scan.FileNumber);
+                                   walk.Settled = true;
+                                   return false;
+                               }
+                               if (old.FileNumber != 0)
+                               {
+                                   walk.FirstPwad = walk.FirstPwad < 0 ? position : walk.FirstPwad;
+                                   walk.LastPwad = position;
+                               }
+                               if (old.FileNumber == scan.FileNumber)
+                               {
+                                   walk.Settled =
+                                       old.Offset == entry.Offset && old.Size == entry.Size;
+                                   return !walk.Settled && allowDuplicates;
+                               }
+                               return true;
+                           });
+    return walk;
+}
+
+// A texture control that another PWAD has too: the log says the display may be wrong.
+void NoteTextureDuplicate(const MergeScan& scan, const NameWalk& walk, const LumpName& name,
+                          int index)
+{
+    const WadState& wad = Wad();
+    if (!scan.Warnings || !wad.Options.DuplicateLumpMsg || walk.FirstPwad < 0 ||
+        !IsTextureControl(name))
+    {
+        return;
+    }
+    const int other = Master()[static_cast<std::size_t>(walk.FirstPwad)].FileNumber;
+    if (other == scan.FileNumber)
+    {
+        return;
+    }
+    const std::string text = name.Text();
+    LogLine({Format("** WARNING ** entry%d lump %s duplicate exists in the following files", index,
+                    text.c_str()),
+             "Textures display may be incorrect", "Reloading and Saving may rearrange order",
+             "(Close All Files and Open again to fix)",
+             "(or get rid of duplicate resources using F7-Lump tool)",
+             "(Disable this message in F5 - Duplicate msg)",
+             wad.Files[static_cast<std::size_t>(other)].FileName, scan.File->FileName});
+}
+
+// A second lump of the name in this same PWAD: dropped unless duplicates are allowed. True
+// when it was dropped.
+bool DropsDuplicate(const MergeScan& scan, const NameWalk& walk, const LumpName& name, int index)
+{
+    if (walk.LastPwad < 0 ||
+        Master()[static_cast<std::size_t>(walk.LastPwad)].FileNumber != scan.FileNumber ||
+        Wad().Options.AllowDuplicates)
+    {
+        return false;
+    }
+    if (scan.Warnings)
+    {
+        const std::string text = name.Text();
+        LogLine({Format("** Duplicate ** entry%d %8.8s in PWAD", index, text.c_str()),
+                 "- ignored (use F7 Lump tool to fix) **",
+                 "or enable duplicates in F5 project options", scan.File->FileName});
+        if (name.Is("SCRIPTS"))
+        {
+            LogLine({"==== save this level to remove the imbedded script name"});
+        }
+    }
+    return true;
+}
+
+// Appends the lump to the master directory, unless it is full.
+void AppendLump(MergeScan& scan, const LumpEntry& entry, int index)
+{
+    LumpDirectory& master = Master();
+    if (master.Size() >= Wad().MasterCapacity)
+    {
+        ++scan.Rejected;
+        const std::string text = entry.Name.Text();
+        LogLine({Format("entry%d %8.8s ** Max new Lumps Exceeded - ignored **\n", index,
+                        text.c_str())});
+        return;
+    }
+    LumpEntry added = entry;
+    added.FileNumber = static_cast<std::int16_t>(scan.FileNumber);
+    master.Append(added);
+}
+
+// The lump rule: a lump outside any level, laid over the master directory.
 void MergeLump(MergeScan& scan, std::size_t at)
 {
     WadState& wad = Wad();
-    LumpDirectory& master = Master();
-    const LumpEntry& entry = scan.File->Directory[at];
+    const LumpEntry entry = scan.File->Directory[at];
     const LumpName name = entry.Name;
-    const std::string text = name.Text();
     const int index = static_cast<int>(at);
 
     if (scan.File->IwadAsPwad)
@@ -134,94 +244,27 @@ void MergeLump(MergeScan& scan, std::size_t at)
     }
     if (ReservedName(name) > 0 && !name.StartsWith("GL_"))
     {
+        const std::string text = name.Text();
         LogLine({Format(" WARNING entry %d ignored: reserved name %s found outside of level "
                         "name area **\n",
                         index, text.c_str())});
         return;
     }
-
-    // The walk over the entries of this name, oldest first: a script slot takes the lump at
-    // once; this file's own entry at the same data means an earlier scan merged it already.
-    int firstPwad = -1;
-    int lastPwad = -1;
-    bool settled = false;
-    master.ForEachPosition(name,
-                           [&](std::int32_t position)
-                           {
-                               const auto m = static_cast<std::size_t>(position);
-                               const LumpEntry& old = master[m];
-                               if (old.LumpGroup == GroupScript)
-                               {
-                                   LumpEntry& slot = master.Edit(m);
-                                   slot.Offset = entry.Offset;
-                                   slot.Size = entry.Size;
-                                   slot.FileNumber = static_cast<std::int16_t>(scan.FileNumber);
-                                   settled = true;
-                                   return false;
-                               }
-                               if (old.FileNumber != 0)
-                               {
-                                   firstPwad = firstPwad < 0 ? position : firstPwad;
-                                   lastPwad = position;
-                               }
-                               if (old.FileNumber == scan.FileNumber)
-                               {
-                                   settled = old.Offset == entry.Offset && old.Size == entry.Size;
-                                   return !settled && wad.Options.AllowDuplicates;
-                               }
-                               return true;
-                           });
-    if (settled)
+    const NameWalk walk = WalkName(scan, entry);
+    if (walk.Settled)
     {
         return;
     }
-
     if (wad.Hooks.ForgetPicture)
     {
         wad.Hooks.ForgetPicture(name);
     }
-    if (scan.Warnings && wad.Options.DuplicateLumpMsg && firstPwad >= 0 &&
-        master[static_cast<std::size_t>(firstPwad)].FileNumber != scan.FileNumber &&
-        IsTextureControl(name))
-    {
-        const int other = master[static_cast<std::size_t>(firstPwad)].FileNumber;
-        LogLine({Format("** WARNING ** entry%d lump %s duplicate exists in the following files",
-                        index, text.c_str()),
-                 "Textures display may be incorrect", "Reloading and Saving may rearrange order",
-                 "(Close All Files and Open again to fix)",
-                 "(or get rid of duplicate resources using F7-Lump tool)",
-                 "(Disable this message in F5 - Duplicate msg)",
-                 wad.Files[static_cast<std::size_t>(other)].FileName, scan.File->FileName});
-    }
-    if (lastPwad >= 0 && master[static_cast<std::size_t>(lastPwad)].FileNumber == scan.FileNumber &&
-        !wad.Options.AllowDuplicates)
-    {
-        if (scan.Warnings)
-        {
-            LogLine({Format("** Duplicate ** entry%d %8.8s in PWAD", index, text.c_str()),
-                     "- ignored (use F7 Lump tool to fix) **",
-                     "or enable duplicates in F5 project options", scan.File->FileName});
-            if (name.Is("SCRIPTS"))
-            {
-                LogLine({"==== save this level to remove the imbedded script name"});
-            }
-        }
-        return;
-    }
-    if (!wad.Options.GlNodes && name.StartsWith("GL_"))
+    NoteTextureDuplicate(scan, walk, name, index);
+    if (DropsDuplicate(scan, walk, name, index) || (!wad.Options.GlNodes && name.StartsWith("GL_")))
     {
         return;
     }
-    if (master.Size() >= wad.MasterCapacity)
-    {
-        ++scan.Rejected;
-        LogLine({Format("entry%d %8.8s ** Max new Lumps Exceeded - ignored **\n", index,
-                        text.c_str())});
-        return;
-    }
-    LumpEntry added = entry;
-    added.FileNumber = static_cast<std::int16_t>(scan.FileNumber);
-    master.Append(added);
+    AppendLump(scan, entry, index);
 }
 
 // Offsets should rise through a file; a level whose data starts inside the previous level's
