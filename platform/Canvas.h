@@ -51,6 +51,9 @@ struct MonoBitmap
     int Width = 0;
     int Height = 0;
     std::vector<std::uint8_t> Bits; // one byte a pixel, row after row; non-zero is set
+    /// Not 0: names this content, so a canvas may keep what it made of it and reuse it while
+    /// the same version comes again. 0: compare the bits.
+    std::uint64_t Version = 0;
 
     bool At(int x, int y) const { return Bits[static_cast<std::size_t>(y * Width + x)] != 0; }
 };

@@ -55,6 +55,54 @@ std::vector<int> GridRows(const MapViewport& viewport, int grid)
     }
 }
 
+// Fills `picture` with the grid: dots at the crossings, or lines through them.
+void PaintGrid(platform::MonoBitmap& picture, const MapViewport& viewport, int grid, bool lines,
+               bool dashed)
+{
+    picture.Width = viewport.WidthPx;
+    picture.Height = viewport.HeightPx;
+    picture.Bits.assign(
+        static_cast<std::size_t>(picture.Width) * static_cast<std::size_t>(picture.Height), 0);
+    const auto set = [&](int x, int y)
+    {
+        picture.Bits[static_cast<std::size_t>(y) * static_cast<std::size_t>(picture.Width) +
+                     static_cast<std::size_t>(x)] = 1;
+    };
+    const std::vector<int> columns = GridColumns(viewport, grid);
+    const std::vector<int> rows = GridRows(viewport, grid);
+    if (!lines)
+    {
+        for (const int y : rows)
+        {
+            for (const int x : columns)
+            {
+                set(x, y);
+            }
+        }
+        return;
+    }
+    for (const int x : columns)
+    {
+        for (int y = 0; y < picture.Height; ++y)
+        {
+            if (!dashed || y % 6 < 3)
+            {
+                set(x, y);
+            }
+        }
+    }
+    for (const int y : rows)
+    {
+        for (int x = 0; x < picture.Width; ++x)
+        {
+            if (!dashed || x % 6 < 3)
+            {
+                set(x, y);
+            }
+        }
+    }
+}
+
 // The grid of the current size, as one picture of the window's size blitted at once: dots at
 // the crossings, or lines through them (dashed with the option). It is drawn however fine it
 // is: zoomed far out, a grid finer than the pixels fills the window with its colour, which is
@@ -68,53 +116,22 @@ void DrawGrid(platform::Canvas& canvas, const ViewState& view)
     {
         return;
     }
-    platform::MonoBitmap picture;
-    picture.Width = viewport.WidthPx;
-    picture.Height = viewport.HeightPx;
-    picture.Bits.assign(
-        static_cast<std::size_t>(picture.Width) * static_cast<std::size_t>(picture.Height), 0);
-    const auto set = [&](int x, int y)
+    // The picture is made again only when the grid, the view or the style changed.
+    GridPicture& cache = view.Grid;
+    const bool lines = view.Options.GridLines;
+    const bool dashed = view.Options.GridDashed;
+    if (cache.Picture.Bits.empty() || cache.Grid != grid || !(cache.Viewport == viewport) ||
+        cache.Lines != lines || cache.Dashed != dashed)
     {
-        picture.Bits[static_cast<std::size_t>(y) * static_cast<std::size_t>(picture.Width) +
-                     static_cast<std::size_t>(x)] = 1;
-    };
-    const std::vector<int> columns = GridColumns(viewport, grid);
-    const std::vector<int> rows = GridRows(viewport, grid);
-    if (!view.Options.GridLines)
-    {
-        for (const int y : rows)
-        {
-            for (const int x : columns)
-            {
-                set(x, y);
-            }
-        }
+        const std::uint64_t version = cache.Picture.Version;
+        PaintGrid(cache.Picture, viewport, grid, lines, dashed);
+        cache.Picture.Version = version + 1;
+        cache.Grid = grid;
+        cache.Viewport = viewport;
+        cache.Lines = lines;
+        cache.Dashed = dashed;
     }
-    else
-    {
-        const bool dashed = view.Options.GridDashed;
-        for (const int x : columns)
-        {
-            for (int y = 0; y < picture.Height; ++y)
-            {
-                if (!dashed || y % 6 < 3)
-                {
-                    set(x, y);
-                }
-            }
-        }
-        for (const int y : rows)
-        {
-            for (int x = 0; x < picture.Width; ++x)
-            {
-                if (!dashed || x % 6 < 3)
-                {
-                    set(x, y);
-                }
-            }
-        }
-    }
-    canvas.BlitMask(picture, 0, 0, view.Colors.Grid);
+    canvas.BlitMask(cache.Picture, 0, 0, view.Colors.Grid);
 }
 
 // Small crosses at every crossing of the 64-unit grid in the window.

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "map/Selection.h"
+#include "platform/Canvas.h"
 #include "view/Colors.h"
 #include "view/Viewport.h"
 
@@ -49,6 +50,16 @@ struct PointerState
     bool MouseCaptured = false;
 };
 
+/// The grid's picture, made again only when what it shows changed.
+struct GridPicture
+{
+    int Grid = 0;
+    MapViewport Viewport;
+    bool Lines = false;
+    bool Dashed = false;
+    platform::MonoBitmap Picture; // empty when none is made yet
+};
+
 /// Everything the view keeps.
 struct ViewState
 {
@@ -57,6 +68,8 @@ struct ViewState
     ViewOptions Options;
     ColorRoles Colors;
     PointerState Pointer;
+    /// A cache of the renderer: drawing a level changes no setting, so it lives beside them.
+    mutable GridPicture Grid;
 };
 
 /// The one instance of the view's state.

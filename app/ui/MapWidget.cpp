@@ -42,7 +42,7 @@ void MapWidget::RenderBuffer()
     {
         Buffer = QImage(size(), QImage::Format_RGB32);
     }
-    platform::QtCanvas canvas(Buffer, view::ColorTable());
+    platform::QtCanvas canvas(Buffer, view::ColorTable(), &MaskPictures);
     const view::ViewState& view = view::View();
     if (!Session().LevelLoaded)
     {

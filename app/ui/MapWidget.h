@@ -3,6 +3,7 @@
 #pragma once
 
 #include "app/MapMouse.h"
+#include "platform/qt/QtCanvas.h"
 
 #include <QElapsedTimer>
 #include <QImage>
@@ -58,6 +59,7 @@ private:
 
     MapMouseState MouseState;
     QImage Buffer;
+    platform::QtMaskPictures MaskPictures; // the grid's picture from one redraw to the next
     bool Dirty = true;
     QElapsedTimer Clock;
     QTimer EdgeTimer;

@@ -7,8 +7,9 @@
 namespace kelvar::platform
 {
 
-QtCanvas::QtCanvas(QImage& buffer, std::span<const std::uint32_t> colors)
-    : Buffer(buffer), Painter(&buffer), Colors(colors.begin(), colors.end())
+QtCanvas::QtCanvas(QImage& buffer, std::span<const std::uint32_t> colors, QtMaskPictures* kept)
+    : Buffer(buffer), Painter(&buffer), Colors(colors.begin(), colors.end()),
+      Kept(kept != nullptr ? kept : &OwnPictures)
 {
     QFont font("Monospace");
     font.setStyleHint(QFont::TypeWriter);
@@ -109,31 +110,56 @@ void QtCanvas::TextOut(int x, int y, std::string_view text)
     Painter.setPen(pen);
 }
 
+namespace
+{
+
+QImage PictureOf(const MonoBitmap& bitmap, QRgb rgb)
+{
+    QImage picture(bitmap.Width, bitmap.Height, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::transparent);
+    for (int row = 0; row < bitmap.Height; ++row)
+    {
+        auto* line = reinterpret_cast<QRgb*>(picture.scanLine(row));
+        const std::uint8_t* bits = bitmap.Bits.data() + static_cast<std::size_t>(row) *
+                                                            static_cast<std::size_t>(bitmap.Width);
+        for (int column = 0; column < bitmap.Width; ++column)
+        {
+            if (bits[column] != 0)
+            {
+                line[column] = rgb;
+            }
+        }
+    }
+    return picture;
+}
+
+} // namespace
+
 void QtCanvas::BlitMask(const MonoBitmap& bitmap, int x, int y, int color)
 {
     if (bitmap.Width <= 0 || bitmap.Height <= 0)
     {
         return;
     }
+    const QRgb rgb = ColorOf(color).rgb();
+    if (bitmap.Version != 0)
+    {
+        // The grid: its picture is made when its version or colour changes, and kept.
+        if (Kept->Picture.isNull() || Kept->Version != bitmap.Version || Kept->Rgb != rgb)
+        {
+            Kept->Picture = PictureOf(bitmap, rgb);
+            Kept->Version = bitmap.Version;
+            Kept->Rgb = rgb;
+        }
+        Painter.drawImage(x, y, Kept->Picture);
+        return;
+    }
     // The Vertex squares and the 64-unit marks blit one mask many times over: its picture is
     // made once and kept until another mask or colour comes.
-    const QRgb rgb = ColorOf(color).rgb();
     if (MaskPicture.isNull() || rgb != MaskRgb || bitmap.Width != Mask.Width ||
         bitmap.Height != Mask.Height || bitmap.Bits != Mask.Bits)
     {
-        MaskPicture = QImage(bitmap.Width, bitmap.Height, QImage::Format_ARGB32_Premultiplied);
-        MaskPicture.fill(Qt::transparent);
-        for (int row = 0; row < bitmap.Height; ++row)
-        {
-            auto* line = reinterpret_cast<QRgb*>(MaskPicture.scanLine(row));
-            for (int column = 0; column < bitmap.Width; ++column)
-            {
-                if (bitmap.At(column, row))
-                {
-                    line[column] = rgb;
-                }
-            }
-        }
+        MaskPicture = PictureOf(bitmap, rgb);
         Mask = bitmap;
         MaskRgb = rgb;
     }

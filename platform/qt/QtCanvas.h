@@ -14,12 +14,22 @@
 namespace kelvar::platform
 {
 
+/// The pictures made of versioned masks (the grid), kept by their owner across canvases, so a
+/// redraw blits the grid without making its picture again.
+struct QtMaskPictures
+{
+    std::uint64_t Version = 0;
+    QRgb Rgb = 0;
+    QImage Picture;
+};
+
 /// Draws into a QImage of the window's size; the widget paints the image when Flush says the
 /// picture is done. XOR drawing uses the raster engine's XOR composition.
 class QtCanvas final : public Canvas
 {
 public:
-    QtCanvas(QImage& buffer, std::span<const std::uint32_t> colors);
+    /// `kept`, when given, keeps the pictures of versioned masks from one canvas to the next.
+    QtCanvas(QImage& buffer, std::span<const std::uint32_t> colors, QtMaskPictures* kept = nullptr);
     ~QtCanvas() override;
     QtCanvas(const QtCanvas&) = delete;
     QtCanvas& operator=(const QtCanvas&) = delete;
@@ -52,9 +62,11 @@ private:
     QPen Pen;
     QColor TextColor;
     QPoint Cursor;
-    MonoBitmap Mask; // the last mask blitted, in MaskRgb as MaskPicture
+    MonoBitmap Mask; // the last unversioned mask blitted, in MaskRgb as MaskPicture
     QRgb MaskRgb = 0;
     QImage MaskPicture;
+    QtMaskPictures OwnPictures; // when no owner keeps them
+    QtMaskPictures* Kept = &OwnPictures;
 };
 
 } // namespace kelvar::platform

@@ -274,18 +274,24 @@ void RasterCanvas::TextOut(int x, int y, std::string_view text)
 void RasterCanvas::BlitMask(const MonoBitmap& bitmap, int x, int y, int color)
 {
     const std::uint32_t rgb = ColorOf(color);
-    for (int row = 0; row < bitmap.Height; ++row)
+    const bool xorMode = Op == RasterOp::Xor;
+    // Only the part that lies on the canvas is walked, a row at a time.
+    const int firstColumn = std::max(0, -x);
+    const int lastColumn = std::min(bitmap.Width, W - x);
+    for (int row = std::max(0, -y); row < bitmap.Height && y + row < H; ++row)
     {
-        if (y + row < 0 || y + row >= H)
+        const std::uint8_t* bits = bitmap.Bits.data() + static_cast<std::size_t>(row) *
+                                                            static_cast<std::size_t>(bitmap.Width);
+        std::uint32_t* pixels =
+            Pixels.data() + static_cast<std::size_t>(y + row) * static_cast<std::size_t>(W) + x;
+        for (int column = firstColumn; column < lastColumn; ++column)
         {
-            continue;
-        }
-        for (int column = 0; column < bitmap.Width; ++column)
-        {
-            if (bitmap.At(column, row))
+            if (bits[column] == 0)
             {
-                Plot(x + column, y + row, rgb);
+                continue;
             }
+            std::uint32_t& pixel = pixels[column];
+            pixel = xorMode ? (pixel ^ rgb) & 0xFFFFFF : rgb;
         }
     }
 }
