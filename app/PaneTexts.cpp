@@ -1,6 +1,7 @@
 // The status bar and info pane texts of the current state.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/PaneTexts.h"
+#include "map/GameCodes.h"
 
 #include "app/Modes.h"
 #include "app/Session.h"
@@ -44,7 +45,8 @@ view::InfoPane InfoPaneTexts()
     view::InfoPaneOptions options;
     // Before the game is known, the level's own layout tells Hexen from the others.
     const int format = game::Game().LevelFormat;
-    options.LevelFormat = format != 0 ? format : (level.LevelLayout == 2 ? 4 : 2);
+    options.LevelFormat =
+        format != map::GameNone ? format : map::FormatOfLayout(level.LevelLayout, map::GameDoom2);
     options.HexTypes = Shell().Chk.DecimalTypes == 0;
     return view::ObjectInfo(level, EditMode(), map::Selected().HighlightedObject, options);
 }

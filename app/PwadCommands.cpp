@@ -6,6 +6,7 @@
 #include "app/RecentLists.h"
 #include "app/Session.h"
 #include "app/ShellState.h"
+#include "map/GameCodes.h"
 #include "platform/Messages.h"
 #include "wad/FileTable.h"
 #include "wad/LevelList.h"
@@ -67,9 +68,9 @@ int LevelsLayouts(const std::string& path)
     {
         int count = 1;
         const int layout = wad::LevelAt(entries, i, entries.size(), count);
-        if (layout != 0)
+        if (layout != map::LayoutNone)
         {
-            layouts |= layout == 2 ? HexenLayoutBit : DoomLayoutBit;
+            layouts |= layout == map::LayoutHexen ? HexenLayoutBit : DoomLayoutBit;
             i += static_cast<std::size_t>(count - 1);
         }
     }
@@ -80,7 +81,7 @@ int LevelsLayouts(const std::string& path)
 // user wants to switch projects.
 bool AskToSwitchProjects(const std::string& path)
 {
-    const bool hexenProject = wad::Wad().Game.Format == 4;
+    const bool hexenProject = wad::Wad().Game.Format == map::GameHexen;
     const int other = LevelsLayouts(path) & (hexenProject ? DoomLayoutBit : HexenLayoutBit);
     if (other == 0)
     {

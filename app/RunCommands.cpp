@@ -7,6 +7,7 @@
 #include "app/Session.h"
 #include "app/ShellState.h"
 #include "check/SaveChecks.h"
+#include "map/GameCodes.h"
 #include "map/MapState.h"
 #include "map/Selection.h"
 #include "platform/Messages.h"
@@ -35,7 +36,7 @@ bool WriteViewerCopy(const std::filesystem::path& copy, const run::Viewer3DOptio
 {
     const wad::WadState& wad = wad::Wad();
     const int game = wad.Game.Game;
-    const std::string name = game == 1 || game == 3 ? "E1M1" : "MAP01";
+    const std::string name = map::IsEpisodicGame(game) ? "E1M1" : "MAP01";
     const std::filesystem::path work = wad.ProgramDir / ViewerWorkFile;
     if (wad::WriteLevelCopy(map::Map().Level, work.string(), name) != 0)
     {

@@ -1,6 +1,7 @@
 // The save commands of the editor: checks, file, write, reload; backups and the crash save.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/SaveDispatcher.h"
+#include "map/GameCodes.h"
 
 #include "app/LevelSave.h"
 #include "app/PreSaveChecks.h"
@@ -97,8 +98,9 @@ std::optional<std::string> AskNewLevelName(const std::string& current)
         }
         const wad::LevelNameParts parts = wad::LevelNameKind(wad::LumpName::From(name));
         const int game = wad::Wad().Game.Game;
-        const bool episodic = game == 1 || game == 3;
-        const bool fits = parts.Kind != 0 && (parts.Kind == 1) == episodic;
+        const bool episodic = map::IsEpisodicGame(game);
+        const bool fits =
+            parts.Kind != wad::NotALevelName && (parts.Kind == wad::EpisodeMapName) == episodic;
         if (!fits && !platform::AskYesNo("Warning - You have selected a level name format\nthat "
                                          "is not this game's own (%s)\n\nUse it anyway?",
                                          name.c_str()))

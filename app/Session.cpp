@@ -7,6 +7,7 @@
 #include "app/ShellState.h"
 #include "app/StatusDefaults.h"
 #include "app/StatusFiles.h"
+#include "map/GameCodes.h"
 #include "platform/Messages.h"
 #include "platform/Paths.h"
 #include "wad/WadState.h"
@@ -188,7 +189,7 @@ void OpenLockFile()
 std::string SessionConfigFile()
 {
     const wad::GameIdentity& game = wad::Wad().Game;
-    if (game.Game != 0)
+    if (game.Game != map::GameNone)
     {
         return game.ConfigFile;
     }

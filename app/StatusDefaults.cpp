@@ -1,6 +1,7 @@
 // The built-in defaults of KELVAR.CHK, projects, game configurations and tool files.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/StatusDefaults.h"
+#include "map/GameCodes.h"
 
 #include "wad/GameIdentity.h"
 
@@ -206,7 +207,7 @@ GameConfigRecord DefaultGameConfig(int game, bool boomTypes, bool zdoomHexenForm
 {
     GameConfigRecord config{};
     StampFrame(config);
-    const bool hexenLayout = zdoomHexenFormat || game == 4;
+    const bool hexenLayout = zdoomHexenFormat || game == map::GameHexen;
     config.Format = static_cast<std::int16_t>(hexenLayout ? 4 : game);
     config.LevelEntries = hexenLayout ? 12 : 11;
 
@@ -230,7 +231,7 @@ GameConfigRecord DefaultGameConfig(int game, bool boomTypes, bool zdoomHexenForm
     config.ColorLineTeleport = 26;
     config.VertexSize = 4;
 
-    const bool extended = hexenLayout ? zdoomHexenFormat : (game <= 2 && boomTypes);
+    const bool extended = hexenLayout ? zdoomHexenFormat : (game <= map::GameDoom2 && boomTypes);
     config.ExtendedTypes = extended ? 1 : 0;
     config.ThingTypes = TypeRange{1, 32767};
     config.SectorTypes = TypeRange{0, 32767};

@@ -1,6 +1,7 @@
 // Set tag or height (Alt+T) and the free tag search its dialog shows.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/TagCommands.h"
+#include "map/GameCodes.h"
 
 #include "app/CommandHandlers.h"
 #include "app/Modes.h"
@@ -135,7 +136,7 @@ void SetTagCommand(int /*number*/, CommandSource /*source*/)
     {
         return;
     }
-    const bool hexenFormat = wad::Wad().Game.Format == 4;
+    const bool hexenFormat = wad::Wad().Game.Format == map::GameHexen;
     const FreeNumbers free = FreeTagInfo(TagsInUse(level, hexenFormat));
     const int low = hexenFormat ? 0 : -32768;
     const int high = hexenFormat ? 255 : 32767;

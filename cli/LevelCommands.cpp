@@ -1,6 +1,7 @@
 // kelvar-cli commands over one level: level.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/LevelCommands.h"
+#include "map/GameCodes.h"
 
 #include "cli/Commands.h"
 #include "cli/WadCommands.h"
@@ -34,7 +35,7 @@ int DescribeLevel(const std::vector<std::string>& arguments)
     const wad::WadState& state = wad::Wad();
     const auto file = static_cast<std::size_t>(state.CurrentFile.FileNumber);
     std::printf("level %s from %s\n", levelName.c_str(), state.Files[file].FileName.c_str());
-    std::printf("layout: %s\n", level.LevelLayout == 2 ? "Hexen" : "Doom");
+    std::printf("layout: %s\n", level.LevelLayout == map::LayoutHexen ? "Hexen" : "Doom");
     std::printf("things: %d\n", level.Things.Count());
     std::printf("linedefs: %d\n", level.LineDefs.Count());
     std::printf("sidedefs: %d\n", level.SideDefs.Count());

@@ -1,6 +1,7 @@
 // The one instance of the game definitions' state, and the choice of the game's tables.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "game/GameState.h"
+#include "map/GameCodes.h"
 
 #include "wad/WadState.h"
 
@@ -13,11 +14,11 @@ TableSet TableSetOf(int game)
 {
     switch (game)
     {
-    case 3:
+    case map::GameHeretic:
         return TableSet::Heretic;
-    case 4:
+    case map::GameHexen:
         return TableSet::Hexen;
-    case 5:
+    case map::GameStrife:
         return TableSet::Strife;
     default:
         return TableSet::Doom;
@@ -28,15 +29,15 @@ TableSet TableSetOf(int game)
 // offers the categories its Thing table holds.
 ThingMenuSet ThingMenuOf(int iwadKind, int levelFormat, bool zdoomTypes)
 {
-    if (levelFormat == 4 && zdoomTypes)
+    if (levelFormat == map::GameHexen && zdoomTypes)
     {
         switch (iwadKind)
         {
-        case 3:
+        case map::GameHeretic:
             return ThingMenuSet::ZdoomHeretic;
-        case 4:
+        case map::GameHexen:
             return ThingMenuSet::Hexen;
-        case 5:
+        case map::GameStrife:
             return ThingMenuSet::ZdoomStrife;
         default:
             return ThingMenuSet::ZdoomDoom;
@@ -44,11 +45,11 @@ ThingMenuSet ThingMenuOf(int iwadKind, int levelFormat, bool zdoomTypes)
     }
     switch (levelFormat)
     {
-    case 3:
+    case map::GameHeretic:
         return ThingMenuSet::Heretic;
-    case 4:
+    case map::GameHexen:
         return ThingMenuSet::Hexen;
-    case 5:
+    case map::GameStrife:
         return ThingMenuSet::Strife;
     default:
         return ThingMenuSet::Doom;
@@ -85,7 +86,7 @@ void SelectTablesFor(int iwadKind, int levelFormat, bool boomTypes, bool zdoomTy
     GameState& game = Game();
     if (zdoomTypes)
     {
-        levelFormat = 4;
+        levelFormat = map::GameHexen;
     }
     game.IwadKind = iwadKind;
     game.LevelFormat = levelFormat;
@@ -93,7 +94,7 @@ void SelectTablesFor(int iwadKind, int levelFormat, bool boomTypes, bool zdoomTy
     game.ZdoomTypes = zdoomTypes;
 
     const TableSet things = TableSetOf(iwadKind);
-    const TableSet lines = levelFormat == 4 ? TableSet::Hexen : TableSetOf(iwadKind);
+    const TableSet lines = levelFormat == map::GameHexen ? TableSet::Hexen : TableSetOf(iwadKind);
     const TableSet menus = TableSetOf(levelFormat);
     game.Things = Copy(BuiltInThings(things));
     game.LineDefs = Copy(BuiltInLineDefs(lines));

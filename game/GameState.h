@@ -11,6 +11,7 @@
 
 #include "game/TypeRows.h"
 #include "game/TypeTables.h"
+#include "map/GameCodes.h"
 
 #include <cstdint>
 #include <optional>
@@ -47,10 +48,10 @@ struct OptCounters
 /// Everything the game definitions keep: the active tables are its GameTables part.
 struct GameState : GameTables
 {
-    int IwadKind = 0;        // 1 Doom, 2 Doom 2, 3 Heretic, 4 Hexen, 5 Strife; 0 before selection
-    int LevelFormat = 0;     // the game, or 4 for any Hexen-format project
-    bool BoomTypes = false;  // the project's Boom switch
-    bool ZdoomTypes = false; // the project's ZDoom switch
+    int IwadKind = map::GameNone;    // a map::GameCode; GameNone before selection
+    int LevelFormat = map::GameNone; // the game, or GameHexen for any Hexen-format project
+    bool BoomTypes = false;          // the project's Boom switch
+    bool ZdoomTypes = false;         // the project's ZDoom switch
 
     std::optional<GameTables> Saved; // the tables as they stood before the last OPT overlay
     OptCounters Opt;

@@ -1,6 +1,7 @@
 // The lookups of Thing, LineDef and Sector types in the active tables.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "game/TypeLookup.h"
+#include "map/GameCodes.h"
 
 #include "game/GameState.h"
 #include "game/TypeTables.h"
@@ -42,8 +43,8 @@ int LightKindIndex(unsigned lowBits)
 bool LineTypeIsGeneralized(std::uint16_t type)
 {
     const GameState& game = Game();
-    return game.LevelFormat <= 3 && game.BoomTypes && type >= FirstGeneralizedLineType &&
-           type <= LastGeneralizedLineType;
+    return game.LevelFormat <= map::GameHeretic && game.BoomTypes &&
+           type >= FirstGeneralizedLineType && type <= LastGeneralizedLineType;
 }
 
 const LineTypeRow& LookupLineType(std::uint16_t type, std::uint16_t key)
@@ -60,7 +61,7 @@ const LineTypeRow& LookupLineType(std::uint16_t type, std::uint16_t key)
         return UnknownLineRow;
     }
     LineTypeRow* row = &rows[static_cast<std::size_t>(at)];
-    if (game.LevelFormat != 4)
+    if (game.LevelFormat != map::GameHexen)
     {
         // A manual door acts on the Sector behind it; Boom lets such a door have a tag too.
         if (row->Name[0] == 'D')
@@ -94,7 +95,7 @@ const SectorTypeRow& LookupSectorType(std::int16_t type)
     {
         return game.Sectors[static_cast<std::size_t>(at)];
     }
-    if (game.ZdoomTypes || game.IwadKind >= 4 || !game.BoomTypes)
+    if (game.ZdoomTypes || game.IwadKind >= map::GameHexen || !game.BoomTypes)
     {
         return UnknownSectorRow;
     }
@@ -242,17 +243,18 @@ bool ThingIsTeleportLanding(std::uint16_t type)
 
 bool LineIsDoorSpecial(std::uint16_t type)
 {
-    return Game().LevelFormat == 4 && (type == 0 || (type >= 11 && type <= 13));
+    return Game().LevelFormat == map::GameHexen && (type == 0 || (type >= 11 && type <= 13));
 }
 
 bool LineTagIsPolyId(std::uint16_t type)
 {
-    return Game().LevelFormat == 4 && (LookupLineType(type, 0).TagType & TagPolyId) != 0;
+    return Game().LevelFormat == map::GameHexen &&
+           (LookupLineType(type, 0).TagType & TagPolyId) != 0;
 }
 
 bool LineTagIsTid(std::uint16_t type)
 {
-    return Game().LevelFormat == 4 && (LookupLineType(type, 0).TagType & TagTid) != 0;
+    return Game().LevelFormat == map::GameHexen && (LookupLineType(type, 0).TagType & TagTid) != 0;
 }
 
 } // namespace kelvar::game

@@ -1,6 +1,7 @@
 // The pop-up menus from which a type is picked.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "game/TypeMenus.h"
+#include "map/GameCodes.h"
 
 #include "game/GameState.h"
 #include "map/LevelData.h"
@@ -27,11 +28,11 @@ void MarkGeneralizedRow(int kind, std::vector<CategoryMenuRow>& menu)
 {
     const GameState& game = Game();
     const char* mark = nullptr;
-    if (game.LevelFormat <= 3 && kind != map::KindThing)
+    if (game.LevelFormat <= map::GameHeretic && kind != map::KindThing)
     {
         mark = game.BoomTypes ? "BO" : "xx";
     }
-    else if (game.LevelFormat == 4 && kind == map::KindSector)
+    else if (game.LevelFormat == map::GameHexen && kind == map::KindSector)
     {
         mark = game.ZdoomTypes ? "ZD" : "xx";
     }
@@ -148,7 +149,7 @@ std::vector<TypeMenuEntry> TypeSubMenu(int kind, std::uint32_t category, bool he
     if (kind == map::KindThing)
     {
         return SubMenuOf(game.Things, category, hexadecimal, ThingSubMenuLimit,
-                         game.LevelFormat == 1);
+                         game.LevelFormat == map::GameDoom);
     }
     if (kind == map::KindSector)
     {

@@ -14,6 +14,7 @@
 // - The same LevelData serves the current level, the internal clipboard and each undo step.
 #pragma once
 
+#include "map/GameCodes.h"
 #include "map/ObjectArray.h"
 
 #include <array>
@@ -158,7 +159,7 @@ struct LevelData
     /// NodesChanged: up with every edit that touches anything but a Thing; not 0 means the
     /// nodes must be rebuilt on save.
     std::uint16_t GeometryChangeCount = 0;
-    std::uint16_t LevelLayout = 1; // 1 Doom layout, 2 Hexen layout, as read
+    std::uint16_t LevelLayout = LayoutDoom; // a LayoutCode, as read
     std::uint16_t NodesCurrent = 0;
     std::int32_t SourceCommand = 0; // the command that filled the internal clipboard
     std::int32_t MaxX = EmptyBoxMax;

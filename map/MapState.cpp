@@ -31,7 +31,7 @@ const char* KindName(int kind)
 {
     static constexpr const char* Names[] = {"Thing",   "LineDef", "SideDef", "Vertex", "Segment",
                                             "SSector", "Node",    "Sector",  "Reject", "Blockmap"};
-    return kind >= 1 && kind <= 10 ? Names[kind - 1] : "<?unknown?>";
+    return kind >= KindThing && kind <= KindBlockmap ? Names[kind - KindThing] : "<?unknown?>";
 }
 
 TextureName TextureName::From(std::string_view text)

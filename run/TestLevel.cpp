@@ -1,6 +1,7 @@
 // Test Level: the game started on the level's PWAD with a warp to the level.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/TestLevel.h"
+#include "map/GameCodes.h"
 
 #include "map/MapState.h"
 #include "platform/Fatal.h"
@@ -235,14 +236,14 @@ TestSession CurrentTestSession(const std::string& levelName)
 std::string WarpOf(std::string_view levelName)
 {
     const wad::LevelNameParts parts = wad::LevelNameKind(wad::LumpName::From(levelName));
-    if (levelName.size() > 8 || parts.Kind == 0)
+    if (levelName.size() > 8 || parts.Kind == wad::NotALevelName)
     {
         return {};
     }
     const auto episode = static_cast<short>(parts.Episode);
     const auto map = static_cast<short>(parts.Map);
-    return parts.Kind == 1 ? platform::Format("%hd %hd", episode, map)
-                           : platform::Format("%hd", map);
+    return parts.Kind == wad::EpisodeMapName ? platform::Format("%hd %hd", episode, map)
+                                             : platform::Format("%hd", map);
 }
 
 TestWarp WarpFor(const std::string& warpText, const std::string& levelName)
@@ -352,7 +353,7 @@ std::filesystem::path ResponseFilePath(const std::filesystem::path& gameDirector
 int TestGameCode(int format, const std::string& gameExe, const std::filesystem::path& iwadPath)
 {
     const std::string exe = std::filesystem::path(gameExe).filename().string();
-    if (format >= 3 || !wad::EqualNoCase(exe, "DOOM95.EXE"))
+    if (format >= map::GameHeretic || !wad::EqualNoCase(exe, "DOOM95.EXE"))
     {
         return GameCodeNone;
     }

@@ -13,6 +13,7 @@
 //   IWAD's directory, as the game program once lived beside its IWAD.
 #pragma once
 
+#include "map/GameCodes.h"
 #include "run/TestOptions.h"
 
 #include <filesystem>
@@ -40,7 +41,7 @@ struct TestSession
     std::filesystem::path LevelPwad;               // empty: the level comes from the IWAD
     std::vector<std::filesystem::path> OtherPwads; // the rest of the name table, in order
     int Game = 2;                                  // 1 Doom ... 5 Strife
-    int Format = 2; // the level format: the game, or 4 for the Hexen layout
+    int Format = map::GameDoom2; // the level format: the game, or GameHexen for that layout
     bool BoomTypes = false;
     bool ZdoomHexenFormat = false;
     bool GlNodes = false;

@@ -1,6 +1,7 @@
 // The info pane texts of Things, LineDefs, Vertexes and Sectors, and the status bar fields.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "view/InfoPane.h"
+#include "map/GameCodes.h"
 
 #include "game/TypeLookup.h"
 #include "game/TypeRows.h"
@@ -198,7 +199,7 @@ void AddSide(InfoPane& pane, const map::LevelData& level, std::uint32_t side, st
 // themselves, or in the Hexen format a script.
 std::string UnusedSectorTag(std::uint16_t tag, int levelFormat)
 {
-    if (levelFormat == 4)
+    if (levelFormat == map::GameHexen)
     {
         return Format("LineDef Tag %hd (script?)", tag);
     }
@@ -210,7 +211,7 @@ std::string UnusedSectorTag(std::uint16_t tag, int levelFormat)
     {
         return Format("LineDef Tag %hd (lower@end)", tag);
     }
-    if (tag == 667 && levelFormat <= 2)
+    if (tag == 667 && levelFormat <= map::GameDoom2)
     {
         return Format("LineDef Tag %hd (MAP07)", tag);
     }
@@ -258,7 +259,7 @@ double LineDefAngle(const map::LevelData& level, const map::LineDef& line)
 InfoPane ThingInfo(const map::LevelData& level, int thing, const InfoPaneOptions& options)
 {
     const map::Thing& t = level.Things[static_cast<std::size_t>(thing)];
-    const bool hexen = options.LevelFormat == 4;
+    const bool hexen = options.LevelFormat == map::GameHexen;
     InfoPane pane;
     const std::string name(game::ThingTypeName(t.Type));
     pane.Sprite = std::string(game::Text(game::ThingRowOfType(t.Type).Sprite));

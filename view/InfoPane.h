@@ -5,6 +5,7 @@
 // sprite, and lays them out as it likes. Type names come from the current game's tables.
 #pragma once
 
+#include "map/GameCodes.h"
 #include "map/LevelData.h"
 
 #include <string>
@@ -16,8 +17,8 @@ namespace kelvar::view
 /// How the panes show numbers.
 struct InfoPaneOptions
 {
-    int LevelFormat = 2;   // 1 Doom ... 4 Hexen layout, 5 Strife
-    bool HexTypes = false; // type numbers in hexadecimal, by the number base option
+    int LevelFormat = map::GameDoom2; // a map::GameCode
+    bool HexTypes = false;            // type numbers in hexadecimal, by the number base option
 };
 
 /// A texture box of the LineDef pane: which side, which wall, and what it shows: the name,

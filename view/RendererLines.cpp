@@ -1,5 +1,6 @@
 // The renderer's lines: colour rules of each mode, clipped drawing, Vertex marks and ticks.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "map/GameCodes.h"
 #include "view/Clip.h"
 #include "view/Renderer.h"
 #include "view/RendererParts.h"
@@ -54,7 +55,7 @@ int SpecialColor(std::uint32_t type, const ViewState& view)
 {
     const ColorRoles& colors = view.Colors;
     const int format = view.Options.LevelFormat;
-    if (format == 4)
+    if (format == map::GameHexen)
     {
         if ((type >= 80 && type <= 83) || type == 121 || type == 129)
         {
@@ -66,7 +67,7 @@ int SpecialColor(std::uint32_t type, const ViewState& view)
         }
         return colors.LineSpecial;
     }
-    if (type == 39 || type == 97 || (format == 2 && (type == 125 || type == 126)))
+    if (type == 39 || type == 97 || (format == map::GameDoom2 && (type == 125 || type == 126)))
     {
         return colors.LineTeleport;
     }
@@ -105,7 +106,7 @@ int LineColor(const map::LineDef& line, const ViewState& view)
     if (line.Type != 0)
     {
         // A Hexen key door's row is found by its key, the special's fourth argument.
-        const std::uint16_t key = view.Options.LevelFormat == 4 ? line.Args[2] : 0;
+        const std::uint16_t key = view.Options.LevelFormat == map::GameHexen ? line.Args[2] : 0;
         const int own = LineTypeColor(line.Type, key);
         if (own != 0)
         {

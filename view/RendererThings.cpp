@@ -1,5 +1,6 @@
 // The renderer's Things: symbol, size and colour from the type's row, arrow and labels.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "map/GameCodes.h"
 #include "platform/Format.h"
 #include "view/Renderer.h"
 #include "view/RendererParts.h"
@@ -78,7 +79,7 @@ std::string LabelOf(const map::Thing& thing, const ThingLook& look, const ViewSt
         return {};
     }
     const auto tid = static_cast<short>(thing.Tid);
-    if (view.Options.LevelFormat == 4)
+    if (view.Options.LevelFormat == map::GameHexen)
     {
         if (look.MapSpot || (look.PlayerStart && thing.Tid != 0))
         {

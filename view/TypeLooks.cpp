@@ -2,6 +2,7 @@
 // type's colour.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "view/TypeLooks.h"
+#include "map/GameCodes.h"
 
 #include "game/TypeLookup.h"
 
@@ -22,7 +23,7 @@ ThingLook LookOfThing(const map::Thing& thing, int levelFormat)
     look.PlayerStart = game::IsPlayerStartProperty(row.Property);
     look.PolyObject = game::IsPolyStartProperty(row.Property);
     const bool bridge = row.Property == game::PropertyBridge;
-    look.Arrow = !(levelFormat == 4 && (look.PolyObject || bridge));
+    look.Arrow = !(levelFormat == map::GameHexen && (look.PolyObject || bridge));
     return look;
 }
 

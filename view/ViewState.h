@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "map/GameCodes.h"
 #include "map/Selection.h"
 #include "platform/Canvas.h"
 #include "view/Colors.h"
@@ -23,21 +24,21 @@ inline constexpr int Grid64Shown = 16;
 struct ViewOptions
 {
     int GridDisplay = GridShown | Grid64Shown;
-    bool GridLines = false;          // D: lines through the crossings instead of dots
-    bool GridDashed = true;          // the lines of the grid dashed
-    bool ShowVertexes = false;       // Vertex squares in every mode
-    int VertexSize = 4;              // pixels
-    bool ShowInvisibleLines = false; // F12: off hides lines with flag 128
-    bool ThingsInAllModes = false;   // Q
-    int ThingStyle = 1;              // 1 symbols, 2 bare, anything else text only
-    bool RoundThings = true;         // DEFAULT shapes drawn round, else square
-    bool FilledThings = true;        // Things filled with the background
-    bool NumberLabels = false;       // TID and polyobject numbers beside Things
-    bool SpriteDisplay = false;      // Things as their sprites, in Thing mode
-    bool RulerOn = false;            // R
-    bool RulerDashed = false;        // !
-    bool RulerSquare = false;        // Shift+2
-    int LevelFormat = 2;             // 1 Doom ... 4 Hexen layout, 5 Strife
+    bool GridLines = false;           // D: lines through the crossings instead of dots
+    bool GridDashed = true;           // the lines of the grid dashed
+    bool ShowVertexes = false;        // Vertex squares in every mode
+    int VertexSize = 4;               // pixels
+    bool ShowInvisibleLines = false;  // F12: off hides lines with flag 128
+    bool ThingsInAllModes = false;    // Q
+    int ThingStyle = 1;               // 1 symbols, 2 bare, anything else text only
+    bool RoundThings = true;          // DEFAULT shapes drawn round, else square
+    bool FilledThings = true;         // Things filled with the background
+    bool NumberLabels = false;        // TID and polyobject numbers beside Things
+    bool SpriteDisplay = false;       // Things as their sprites, in Thing mode
+    bool RulerOn = false;             // R
+    bool RulerDashed = false;         // !
+    bool RulerSquare = false;         // Shift+2
+    int LevelFormat = map::GameDoom2; // a map::GameCode
 
     bool operator==(const ViewOptions&) const = default;
 };

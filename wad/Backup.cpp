@@ -2,6 +2,7 @@
 // with the rest of the file in group mode. Raw material for a recovery, never opened as a WAD.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wad/Backup.h"
+#include "map/GameCodes.h"
 
 #include "platform/Messages.h"
 #include "wad/CheckedFile.h"
@@ -166,7 +167,7 @@ bool WriteLevelLumps(WadOutput& out, const map::LevelData& level, const BackupSo
     }
     EnterRow(out, "REJECT", out.Offset);
     EnterRow(out, "BLOCKMAP", out.Offset);
-    if (Wad().Game.Format != 4)
+    if (Wad().Game.Format != map::GameHexen)
     {
         return true;
     }

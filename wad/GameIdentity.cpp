@@ -1,6 +1,7 @@
 // Choosing the IWAD and telling which game it belongs to.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wad/GameIdentity.h"
+#include "map/GameCodes.h"
 
 #include "platform/Format.h"
 #include "platform/Messages.h"
@@ -33,7 +34,7 @@ int IdentifyGameNumber(GameIdentity& game)
         lastThings > 0 && master[static_cast<std::size_t>(lastThings) - 1].Name.StartsWith("MAP");
     if (HasLump("SARGA1"))
     {
-        return mapNames ? 2 : 1;
+        return mapNames ? map::GameDoom2 : map::GameDoom;
     }
     if (!mapNames)
     {
@@ -132,20 +133,20 @@ FormatNames NamesOfFormat(int format, int game, bool boomTypes, bool zdoomHexenF
 {
     switch (format)
     {
-    case 1:
-    case 2:
+    case map::GameDoom:
+    case map::GameDoom2:
         return {boomTypes ? "BOOM" : "DOOM",
-                boomTypes ? "BOOM.DFG" : (format == 1 ? "DOOM1.DFG" : "DOOM2.DFG"), 11};
-    case 3:
+                boomTypes ? "BOOM.DFG" : (format == map::GameDoom ? "DOOM1.DFG" : "DOOM2.DFG"), 11};
+    case map::GameHeretic:
         return {"HERETIC", "HERETIC.DFG", 11};
-    case 5:
+    case map::GameStrife:
         return {"STRIFE", "STRIFE.DFG", 11};
     default:
         if (!zdoomHexenFormat)
         {
             return {"HEXEN", "HEXEN.DFG", 12};
         }
-        return {"ZDOOM", game == 3 ? "ZDOOMHERETIC.DFG" : "ZDOOMHEXEN.DFG", 12};
+        return {"ZDOOM", game == map::GameHeretic ? "ZDOOMHERETIC.DFG" : "ZDOOMHEXEN.DFG", 12};
     }
 }
 
@@ -153,15 +154,15 @@ const char* GameName(int game)
 {
     switch (game)
     {
-    case 1:
+    case map::GameDoom:
         return "Doom, Ultimate Doom";
-    case 2:
+    case map::GameDoom2:
         return "Doom 2, Final Doom";
-    case 3:
+    case map::GameHeretic:
         return "Heretic";
-    case 4:
+    case map::GameHexen:
         return "Hexen";
-    case 5:
+    case map::GameStrife:
         return "Strife";
     default:
         return "unknown";
@@ -181,11 +182,12 @@ void IdentifyGame()
     game.Format = game.Game;
     if (hasBehavior || wad.Options.ZdoomHexenFormat)
     {
-        game.Format = 4;
+        game.Format = map::GameHexen;
     }
-    wad.Files[0].LevelLayout = hasBehavior ? 2 : 1;
-    game.ExtendedTypes = ((game.Format == 1 || game.Format == 2) && wad.Options.BoomTypes) ||
-                         (game.Format == 4 && wad.Options.ZdoomHexenFormat);
+    wad.Files[0].LevelLayout = hasBehavior ? map::LayoutHexen : map::LayoutDoom;
+    game.ExtendedTypes = ((game.Format == map::GameDoom || game.Format == map::GameDoom2) &&
+                          wad.Options.BoomTypes) ||
+                         (game.Format == map::GameHexen && wad.Options.ZdoomHexenFormat);
     FormatNames names =
         NamesOfFormat(game.Format, game.Game, wad.Options.BoomTypes, wad.Options.ZdoomHexenFormat);
     game.DisplayName = std::move(names.DisplayName);
@@ -205,12 +207,12 @@ int ScanMainIwad(const std::string& path)
     }
     IdentifyGame();
     ListMasterLevels();
-    if (wad.Game.Format != 4 && wad.Game.IwadHasBehavior)
+    if (wad.Game.Format != map::GameHexen && wad.Game.IwadHasBehavior)
     {
         platform::ShowError("IWAD %s\nhas BEHAVIOR\nPlease select a different IWAD", path.c_str());
         return 0;
     }
-    if (wad.Game.Format == 4 && !wad.Game.IwadHasBehavior && !wad.IwadBehaviorWarned &&
+    if (wad.Game.Format == map::GameHexen && !wad.Game.IwadHasBehavior && !wad.IwadBehaviorWarned &&
         !wad.Options.NoIwadWarningMsg)
     {
         wad.IwadBehaviorWarned = true;

@@ -1,6 +1,7 @@
 // A level alone in a new PWAD of its own, for another program to read: the 3D viewer's copy.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wad/LevelCopy.h"
+#include "map/GameCodes.h"
 
 #include "wad/CheckedFile.h"
 #include "wad/FindLump.h"
@@ -38,7 +39,7 @@ int WriteLevelCopy(const map::LevelData& level, const std::string& path,
     {
         return -1;
     }
-    if (Wad().Game.Format == 4)
+    if (Wad().Game.Format == map::GameHexen)
     {
         // The level's own script when it has one, else an empty one.
         const int behavior = FindLevelLump("BEHAVIOR", false);

@@ -2,6 +2,7 @@
 // the level's lumps in the canonical order, the reject table, the directory.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wad/LevelFile.h"
+#include "map/GameCodes.h"
 
 #include "platform/Fatal.h"
 #include "platform/Format.h"
@@ -167,7 +168,7 @@ bool WriteLevelLumps(WadOutput& out, const map::LevelData& level, const SavePlan
         EnterRow(out, std::string(name), start);
     }
 
-    if (Wad().Game.Format == 4)
+    if (Wad().Game.Format == map::GameHexen)
     {
         const bool replaced = plan.Replace && LumpName::From(plan.Replace->Name).Is("BEHAVIOR");
         if (replaced ? !WriteReplace(out, plan, LumpName::From("BEHAVIOR"))
@@ -233,7 +234,7 @@ bool CopyOtherLumps(WadOutput& out, const SavePlan& plan, const std::vector<Lump
     {
         const LumpEntry& entry = entries[i];
         const bool behavior = entry.Name.Is("BEHAVIOR");
-        if (!entry.Name.Printable() || (behavior && Wad().Game.Format != 4))
+        if (!entry.Name.Printable() || (behavior && Wad().Game.Format != map::GameHexen))
         {
             continue;
         }

@@ -1,6 +1,7 @@
 // The level reader: finding the level, reading and widening its lumps, the layout test.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wad/LevelReader.h"
+#include "map/GameCodes.h"
 
 #include "map/MapState.h"
 #include "map/ObjectStore.h"
@@ -100,7 +101,7 @@ std::int32_t Capacity(std::size_t count, std::int32_t least)
 void ReadThings(LevelData& level, int layout)
 {
     const std::vector<std::uint8_t> bytes = ReadLump(FindLevelLump("THINGS", true));
-    const std::size_t size = layout == 2 ? HexenThingSize : DoomThingSize;
+    const std::size_t size = layout == map::LayoutHexen ? HexenThingSize : DoomThingSize;
     const std::size_t count = bytes.size() / size;
     level.Things.Reserve(Capacity(count, 200));
     level.Things.resize(count);
@@ -108,7 +109,7 @@ void ReadThings(LevelData& level, int layout)
     {
         const std::uint8_t* raw = bytes.data() + i * size;
         map::Thing& thing = level.Things[i];
-        if (layout == 2)
+        if (layout == map::LayoutHexen)
         {
             thing.Tid = ReadLe16(raw);
             thing.X = Le16s(raw + 2);
@@ -134,8 +135,9 @@ void ReadThings(LevelData& level, int layout)
 void ReadLineDefs(LevelData& level, const std::vector<std::uint8_t>& bytes, int layout,
                   bool extended)
 {
-    const std::size_t size = extended ? (layout == 2 ? ExtendedHexenLineSize : ExtendedDoomLineSize)
-                                      : (layout == 2 ? HexenLineSize : DoomLineSize);
+    const std::size_t size =
+        extended ? (layout == map::LayoutHexen ? ExtendedHexenLineSize : ExtendedDoomLineSize)
+                 : (layout == map::LayoutHexen ? HexenLineSize : DoomLineSize);
     const std::size_t count = bytes.size() / size;
     level.LineDefs.Reserve(2 * count < 100 ? 1000 : static_cast<std::int32_t>(2 * count));
     level.LineDefs.resize(count);
@@ -148,7 +150,7 @@ void ReadLineDefs(LevelData& level, const std::vector<std::uint8_t>& bytes, int 
             line.StartVertex = Le32u(raw);
             line.EndVertex = Le32u(raw + 4);
             line.Flags = ReadLe16(raw + 8);
-            const std::size_t sides = layout == 2 ? 16 : 14;
+            const std::size_t sides = layout == map::LayoutHexen ? 16 : 14;
             line.SideDef1 = Le32u(raw + sides);
             line.SideDef2 = Le32u(raw + sides + 4);
         }
@@ -157,12 +159,12 @@ void ReadLineDefs(LevelData& level, const std::vector<std::uint8_t>& bytes, int 
             line.StartVertex = ReadLe16(raw);
             line.EndVertex = ReadLe16(raw + 2);
             line.Flags = ReadLe16(raw + 4);
-            const std::size_t sides = layout == 2 ? 12 : 10;
+            const std::size_t sides = layout == map::LayoutHexen ? 12 : 10;
             line.SideDef1 = SideIndex16(raw + sides);
             line.SideDef2 = SideIndex16(raw + sides + 2);
         }
         const std::size_t fields = extended ? 10 : 6;
-        if (layout == 2)
+        if (layout == map::LayoutHexen)
         {
             // The special stands in the type, its first argument in the tag, so the rest of
             // the editor treats both layouts alike.
@@ -216,7 +218,7 @@ void NoteNodeLumps(LevelData& level, int layout, bool newLevel)
                 Master().Edit(static_cast<std::size_t>(entry)).Size = 0;
             }
         }
-        if (behavior >= 0 && Wad().Game.Format != 4)
+        if (behavior >= 0 && Wad().Game.Format != map::GameHexen)
         {
             Master().Edit(static_cast<std::size_t>(behavior)).Size = 0;
         }
@@ -226,7 +228,7 @@ void NoteNodeLumps(LevelData& level, int layout, bool newLevel)
     level.NodeCount = LumpSize(nodes) / static_cast<std::int32_t>(NodeSize);
     level.RejectSize = LumpSize(reject);
     level.BlockmapSize = LumpSize(blockmap);
-    level.BehaviorSize = layout == 2 ? LumpSize(behavior) : 0;
+    level.BehaviorSize = layout == map::LayoutHexen ? LumpSize(behavior) : 0;
 }
 
 // Makes the level's file the current one, with only its stream open, and returns the
@@ -313,11 +315,13 @@ int ReadLevel(LevelData& level, std::string_view levelName, bool newLevel)
     OpenLevelFile(levelName);
     FileRec& file = Wad().Files[static_cast<std::size_t>(Wad().CurrentFile.FileNumber)];
     int layout = LevelLayoutOf(file.Stream.get(), levelName, -1);
-    layout = layout == 0 ? 1 : layout;
+    layout = layout == map::LayoutNone ? map::LayoutDoom : layout;
     level = LevelData{};
     level.LevelLayout = static_cast<std::uint16_t>(layout);
     const int format = Wad().Game.Format;
-    const int mismatch = layout == 2 && format != 4 ? 2 : (layout == 1 && format == 4 ? 1 : 0);
+    const int mismatch = layout == map::LayoutHexen && format != map::GameHexen
+                             ? 2
+                             : (layout == map::LayoutDoom && format == map::GameHexen ? 1 : 0);
 
     if (newLevel)
     {
@@ -338,7 +342,7 @@ int ReadLevel(LevelData& level, std::string_view levelName, bool newLevel)
         {
             const std::vector<std::uint8_t> lines = ReadLump(FindLevelLump("LINEDEFS", true));
             const std::size_t lineCount =
-                lines.size() / (layout == 2 ? HexenLineSize : DoomLineSize);
+                lines.size() / (layout == map::LayoutHexen ? HexenLineSize : DoomLineSize);
             ReadLineDefs(level, lines, layout,
                          lineCount >= ExtendedFormatCount || sideCount >= ExtendedFormatCount);
         }

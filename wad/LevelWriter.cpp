@@ -1,6 +1,7 @@
 // Writing a WAD front to back: the level's rows, copied lumps, the directory.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wad/LevelWriter.h"
+#include "map/GameCodes.h"
 
 #include "platform/Assert.h"
 #include "wad/CheckedFile.h"
@@ -21,21 +22,21 @@ constexpr std::size_t BlockBytes = 128000;
 
 std::size_t ThingSize(const RowLayout& layout)
 {
-    return layout.Layout == 2 ? HexenThingSize : DoomThingSize;
+    return layout.Layout == map::LayoutHexen ? HexenThingSize : DoomThingSize;
 }
 
 std::size_t LineSize(const RowLayout& layout)
 {
     if (layout.Wide)
     {
-        return layout.Layout == 2 ? ExtendedHexenLineSize : ExtendedDoomLineSize;
+        return layout.Layout == map::LayoutHexen ? ExtendedHexenLineSize : ExtendedDoomLineSize;
     }
-    return layout.Layout == 2 ? HexenLineSize : DoomLineSize;
+    return layout.Layout == map::LayoutHexen ? HexenLineSize : DoomLineSize;
 }
 
 void PutThing(std::uint8_t* raw, const map::Thing& thing, const RowLayout& layout)
 {
-    if (layout.Layout == 2)
+    if (layout.Layout == map::LayoutHexen)
     {
         WriteLe16(raw, thing.Tid);
         WriteLe16(raw + 2, static_cast<std::uint16_t>(thing.X));
@@ -80,7 +81,7 @@ void PutLineDef(std::uint8_t* raw, const map::LineDef& line, const RowLayout& la
         WriteLe16(raw + 4, flags);
     }
     std::size_t sides = fields + 4;
-    if (layout.Layout == 2)
+    if (layout.Layout == map::LayoutHexen)
     {
         // The special stands in the type field, its first argument in the tag field.
         raw[fields] = static_cast<std::uint8_t>(line.Type);
@@ -213,7 +214,7 @@ RowLayout ProjectRowLayout(const map::LevelData& level, bool writerSettings)
 {
     const WadState& wad = Wad();
     RowLayout rows;
-    rows.Layout = wad.Game.Format == 4 ? 2 : 1;
+    rows.Layout = map::LayoutOfFormat(wad.Game.Format);
     rows.Wide = level.LineDefs.Count() > 65534 || level.SideDefs.Count() > 65534;
     rows.ShowInvisibleLines = writerSettings && wad.Writer.ShowInvisibleLines;
     rows.ClearSectorSpecials = writerSettings && wad.Writer.ClearSectorSpecials;

@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "map/GameCodes.h"
 #include "map/LevelData.h"
 #include "wad/LumpDirectory.h"
 #include "wad/WadFormat.h"
@@ -19,7 +20,7 @@ namespace kelvar::wad
 /// How the rows are laid out.
 struct RowLayout
 {
-    int Layout = 1;                   // 1 Doom, 2 Hexen
+    int Layout = map::LayoutDoom;     // a map::LayoutCode
     bool Wide = false;                // the Extended Format's 32-bit LineDef rows
     bool ShowInvisibleLines = false;  // flag 128 cleared
     bool ClearSectorSpecials = false; // Sector types written as 0

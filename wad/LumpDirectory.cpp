@@ -1,6 +1,7 @@
 // The lump directory with its name index; reserved names and the level test.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wad/LumpDirectory.h"
+#include "map/GameCodes.h"
 
 #include "platform/Assert.h"
 
@@ -336,11 +337,11 @@ LevelNameParts LevelNameKind(const LumpName& name)
     const auto at = [&](std::size_t i) { return UpperAscii(name.Chars[i]); };
     if (length == 4 && at(0) == 'E' && IsDigit(at(1)) && at(2) == 'M' && IsDigit(at(3)))
     {
-        return {1, at(1) - '0', at(3) - '0'};
+        return {EpisodeMapName, at(1) - '0', at(3) - '0'};
     }
     if (length == 5 && name.StartsWith("MAP") && IsDigit(at(3)) && IsDigit(at(4)))
     {
-        return {2, 1, (at(3) - '0') * 10 + (at(4) - '0')};
+        return {MapNumberName, 1, (at(3) - '0') * 10 + (at(4) - '0')};
     }
     return {};
 }
@@ -357,7 +358,7 @@ int LevelAt(std::span<const LumpEntry> entries, std::size_t index, std::size_t t
     const auto nameAt = [&](std::size_t position) -> const LumpName&
     { return entries[index + 1 + position].Name; };
 
-    int layout = 1;
+    int layout = map::LayoutDoom;
     bool thingsSeen = false;
     for (std::size_t position = 0; position < remaining; ++position)
     {
@@ -370,7 +371,7 @@ int LevelAt(std::span<const LumpEntry> entries, std::size_t index, std::size_t t
         }
         if (name.Is("BEHAVIOR"))
         {
-            layout = 2;
+            layout = map::LayoutHexen;
         }
         else if (name.Is("THINGS"))
         {
@@ -380,7 +381,8 @@ int LevelAt(std::span<const LumpEntry> entries, std::size_t index, std::size_t t
             }
             thingsSeen = true;
         }
-        else if (layout == 2 && !name.StartsWith("GL_") && !last && name.StartsWith("SCRIPT"))
+        else if (layout == map::LayoutHexen && !name.StartsWith("GL_") && !last &&
+                 name.StartsWith("SCRIPT"))
         {
             if (!nameAt(position + 1).StartsWith("GL_"))
             {

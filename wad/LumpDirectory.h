@@ -121,10 +121,18 @@ private:
 /// 16 GL_NODES, 17 GL_PVS.
 int ReservedName(const LumpName& name);
 
-/// What a level name says: Kind 1 ExMy, 2 MAPxy (episode 1), 0 no level name.
+/// The two styles of level name.
+enum LevelNameStyle : int
+{
+    NotALevelName = 0,
+    EpisodeMapName = 1, // ExMy
+    MapNumberName = 2,  // MAPxy, of episode 1
+};
+
+/// What a level name says.
 struct LevelNameParts
 {
-    int Kind = 0;
+    int Kind = NotALevelName; // a LevelNameStyle
     int Episode = 0;
     int Map = 0;
 };

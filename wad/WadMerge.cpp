@@ -1,6 +1,7 @@
 // The merge pass: marker checks, the lump rule and the level rule for each PWAD entry.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wad/WadMerge.h"
+#include "map/GameCodes.h"
 
 #include "platform/Format.h"
 #include "platform/Messages.h"
@@ -305,7 +306,7 @@ bool AppendLevel(MergeScan& scan, std::size_t at, int count, int layout)
                         static_cast<int>(at), text.c_str())});
         return false;
     }
-    const bool hexenProject = wad.Game.Format == 4;
+    const bool hexenProject = wad.Game.Format == map::GameHexen;
     bool hasGl = false;
     bool behaviorAdded = false;
     for (int k = 0; k < count; ++k)
@@ -314,18 +315,19 @@ bool AppendLevel(MergeScan& scan, std::size_t at, int count, int layout)
         entry.FileNumber = static_cast<std::int16_t>(scan.FileNumber);
         const bool gl = entry.Name.StartsWith("GL_");
         hasGl = hasGl || gl;
-        if ((gl && !wad.Options.GlNodes) || (layout == 2 && !hexenProject && k == 11))
+        if ((gl && !wad.Options.GlNodes) ||
+            (layout == map::LayoutHexen && !hexenProject && k == 11))
         {
             continue;
         }
         master.Append(entry);
-        if (layout == 1 && hexenProject && k == 10)
+        if (layout == map::LayoutDoom && hexenProject && k == 10)
         {
             master.Append(EmptyEntry("BEHAVIOR", scan.FileNumber));
             behaviorAdded = true;
         }
     }
-    if (layout == 1 && hexenProject && !behaviorAdded)
+    if (layout == map::LayoutDoom && hexenProject && !behaviorAdded)
     {
         master.Append(EmptyEntry("BEHAVIOR", scan.FileNumber));
     }
@@ -431,7 +433,7 @@ std::size_t MergeLevel(MergeScan& scan, std::size_t at, int count, int layout)
     const LumpName name = own[at].Name;
     const std::string text = name.Text();
     const int index = static_cast<int>(at);
-    const char* format = layout == 2 ? "HEXENformat" : "DOOMformat";
+    const char* format = layout == map::LayoutHexen ? "HEXENformat" : "DOOMformat";
 
     NoteOverlap(scan, at, count, text);
     if (count < 11)
@@ -450,7 +452,7 @@ std::size_t MergeLevel(MergeScan& scan, std::size_t at, int count, int layout)
             "level displays, saving will fix this error",
             index, text.c_str(), format, count);
     }
-    const int expected = layout == 2 ? 12 : 11;
+    const int expected = layout == map::LayoutHexen ? 12 : 11;
     if (expected != wad.Game.ExpectedLevelEntries)
     {
         ++scan.OtherGame;
@@ -459,7 +461,7 @@ std::size_t MergeLevel(MergeScan& scan, std::size_t at, int count, int layout)
     {
         count = expected;
     }
-    const bool wantsE = wad.Game.Game == 1 || wad.Game.Game == 3;
+    const bool wantsE = map::IsEpisodicGame(wad.Game.Game);
     if (UpperAscii(name.Chars[0]) != (wantsE ? 'E' : 'M'))
     {
         LogLine({Format(" Level Name ** %s ** is not for this Game", text.c_str()),
@@ -472,7 +474,7 @@ std::size_t MergeLevel(MergeScan& scan, std::size_t at, int count, int layout)
     {
         hasBehavior = hasBehavior || own[at + static_cast<std::size_t>(k)].Name.Is("BEHAVIOR");
     }
-    if (masterAt < 0 && wad.Game.Format == 4 && !hasBehavior)
+    if (masterAt < 0 && wad.Game.Format == map::GameHexen && !hasBehavior)
     {
         LogLine(
             {Format("WARNING - Level ** %s ** is not HEXEN (missing BEHAVIOR)\n", text.c_str())});
@@ -578,7 +580,7 @@ void MergePwad(int fileNumber, bool warnings)
         DoubleMarker(own, at);
         int count = 0;
         const int layout = LevelAt(own.Entries(), at, own.Size(), count);
-        if (layout > 0)
+        if (layout != map::LayoutNone)
         {
             at += std::max<std::size_t>(MergeLevel(scan, at, count, layout), 1);
             continue;

@@ -13,6 +13,7 @@
 //   knowing the shell.
 #pragma once
 
+#include "map/GameCodes.h"
 #include "wad/LumpDirectory.h"
 #include "wad/LumpName.h"
 #include "wad/SaveOptions.h"
@@ -84,14 +85,14 @@ struct WadHooks
 /// One record of the file table.
 struct FileRec
 {
-    std::string FileName;         // path as opened
-    StreamPtr Stream;             // open stream or null
-    std::int16_t CacheId = 0;     // handed to the picture cache when the file goes
-    std::int16_t ListIndex = -1;  // index in OpenFiles; -1 for the IWAD
-    std::int16_t IsMain = 0;      // 1 for record 0
-    char State = 0;               // 0 free, 'O' open, 'C' closed with its directory kept
-    std::int16_t LevelLayout = 0; // 1 Doom, 2 Hexen, 0 no level seen
-    std::int32_t LumpCount = 0;   // entries read, later maintained
+    std::string FileName;        // path as opened
+    StreamPtr Stream;            // open stream or null
+    std::int16_t CacheId = 0;    // handed to the picture cache when the file goes
+    std::int16_t ListIndex = -1; // index in OpenFiles; -1 for the IWAD
+    std::int16_t IsMain = 0;     // 1 for record 0
+    char State = 0;              // 0 free, 'O' open, 'C' closed with its directory kept
+    std::int16_t LevelLayout = map::LayoutNone; // a map::LayoutCode
+    std::int32_t LumpCount = 0;                 // entries read, later maintained
     std::int32_t DirectoryOffset = 0;
     LumpName FirstLevelName; // or ".BAK" / "DEL" as marks
     LumpDirectory Directory; // the file's own directory; record 0: the master
@@ -120,10 +121,10 @@ struct LevelListEntry
 /// What the IWAD turned out to be, and the project format that follows from it.
 struct GameIdentity
 {
-    int Game = 0;            // 1 Doom, 2 Doom 2, 3 Heretic, 4 Hexen, 5 Strife
-    int Format = 0;          // the level format: the game, or 4 for any Hexen layout
-    std::string DisplayName; // "DOOM", "BOOM", "HERETIC", "HEXEN", "STRIFE", "ZDOOM"
-    std::string ConfigFile;  // "DOOM2.DFG" ...
+    int Game = 0;               // 1 Doom, 2 Doom 2, 3 Heretic, 4 Hexen, 5 Strife
+    int Format = map::GameNone; // the level format: the game, or GameHexen for a Hexen layout
+    std::string DisplayName;    // "DOOM", "BOOM", "HERETIC", "HEXEN", "STRIFE", "ZDOOM"
+    std::string ConfigFile;     // "DOOM2.DFG" ...
     int ExpectedLevelEntries = 11;
     bool ExtendedTypes = false;
     bool IwadHasBehavior = false;
