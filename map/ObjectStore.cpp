@@ -91,18 +91,24 @@ int TwoSidedUsers(const LevelData& level, std::uint32_t line, std::uint32_t side
 
 void DeleteSideDefOnly(LevelData& level, std::uint32_t object)
 {
-    for (LineDef& line : level.LineDefs)
+    const auto renumbered = [object](std::uint32_t side)
     {
-        for (std::uint32_t* side : {&line.SideDef1, &line.SideDef2})
+        if (side == object)
         {
-            if (*side == object)
-            {
-                *side = NoSideDef;
-            }
-            else if (*side != NoSideDef && *side > object)
-            {
-                --*side;
-            }
+            return NoSideDef;
+        }
+        return side != NoSideDef && side > object ? side - 1 : side;
+    };
+    for (std::size_t i = 0; i < level.LineDefs.size(); ++i)
+    {
+        // Read first: writing only the LineDefs that change keeps the rest shared with undo.
+        const LineDef& line = std::as_const(level).LineDefs[i];
+        const std::uint32_t side1 = renumbered(line.SideDef1);
+        const std::uint32_t side2 = renumbered(line.SideDef2);
+        if (side1 != line.SideDef1 || side2 != line.SideDef2)
+        {
+            level.LineDefs[i].SideDef1 = side1;
+            level.LineDefs[i].SideDef2 = side2;
         }
     }
     Erase(level.SideDefs, object);
@@ -110,7 +116,7 @@ void DeleteSideDefOnly(LevelData& level, std::uint32_t object)
 
 void DeleteLineDef(LevelData& level, std::uint32_t object)
 {
-    const LineDef line = level.LineDefs[object];
+    const LineDef line = std::as_const(level).LineDefs[object];
     std::uint32_t side1 = line.SideDef1;
     std::uint32_t side2 = line.SideDef2;
     const bool keep1 = side1 == NoSideDef || TwoSidedUsers(level, object, side1) > 0;
@@ -143,7 +149,7 @@ void DeleteVertex(LevelData& level, std::uint32_t object)
     ObjectList lines;
     for (std::size_t i = level.LineDefs.size(); i-- > 0;)
     {
-        const LineDef& line = level.LineDefs[i];
+        const LineDef& line = std::as_const(level).LineDefs[i];
         if (line.StartVertex == object || line.EndVertex == object)
         {
             ObjectListPush(lines, static_cast<std::int32_t>(i));
@@ -165,13 +171,13 @@ void DeleteSector(LevelData& level, std::uint32_t object)
     std::vector<std::uint32_t> affected;
     for (std::size_t i = 0; i < level.SideDefs.size(); ++i)
     {
-        SideDef& side = level.SideDefs[i];
+        const SideDef& side = std::as_const(level).SideDefs[i];
         if (side.Sector == object)
         {
             ObjectListPush(sides, static_cast<std::int32_t>(i));
             for (std::size_t l = 0; l < level.LineDefs.size(); ++l)
             {
-                const LineDef& line = level.LineDefs[l];
+                const LineDef& line = std::as_const(level).LineDefs[l];
                 if (line.SideDef1 == i || line.SideDef2 == i)
                 {
                     affected.push_back(static_cast<std::uint32_t>(l));
@@ -180,7 +186,7 @@ void DeleteSector(LevelData& level, std::uint32_t object)
         }
         else if (side.Sector != NoSector && side.Sector > object)
         {
-            --side.Sector;
+            --level.SideDefs[i].Sector;
         }
     }
     DeleteObjectList(level, KindSideDef, sides);
@@ -431,7 +437,7 @@ void PurgeOrphanVertices(LevelData& level, ObjectList& list)
     LevelChanged();
     std::vector<std::int32_t> candidates = list.Objects();
     ObjectListClear(list);
-    for (const LineDef& line : level.LineDefs)
+    for (const LineDef& line : std::as_const(level).LineDefs)
     {
         for (std::int32_t& candidate : candidates)
         {
@@ -454,10 +460,15 @@ void PurgeOrphanVertices(LevelData& level, ObjectList& list)
     for (std::size_t i = 0; i < work.size(); ++i)
     {
         const auto vertex = static_cast<std::uint32_t>(work[i]);
-        for (LineDef& line : level.LineDefs)
+        for (std::size_t l = 0; l < level.LineDefs.size(); ++l)
         {
-            line.StartVertex -= line.StartVertex >= vertex ? 1 : 0;
-            line.EndVertex -= line.EndVertex >= vertex ? 1 : 0;
+            const LineDef& line = std::as_const(level).LineDefs[l];
+            if (line.StartVertex >= vertex || line.EndVertex >= vertex)
+            {
+                LineDef& changed = level.LineDefs[l];
+                changed.StartVertex -= changed.StartVertex >= vertex ? 1 : 0;
+                changed.EndVertex -= changed.EndVertex >= vertex ? 1 : 0;
+            }
         }
         Erase(level.Vertexes, vertex);
         for (std::size_t j = i + 1; j < work.size(); ++j)
@@ -547,16 +558,27 @@ void RemoveUnmarked(LevelData& level, const KeepMarks& marks)
     Compact(level.Vertexes, vertexNumbers);
     Compact(level.SideDefs, sideNumbers);
     Compact(level.Sectors, sectorNumbers);
-    for (LineDef& line : level.LineDefs)
+    // Only records whose references change are written: the others stay shared with undo.
+    for (std::size_t i = 0; i < level.LineDefs.size(); ++i)
     {
+        LineDef line = std::as_const(level).LineDefs[i];
         line.StartVertex = Renumbered(line.StartVertex, vertexNumbers);
         line.EndVertex = Renumbered(line.EndVertex, vertexNumbers);
         line.SideDef1 = Renumbered(line.SideDef1, sideNumbers);
         line.SideDef2 = Renumbered(line.SideDef2, sideNumbers);
+        if (!(line == std::as_const(level).LineDefs[i]))
+        {
+            level.LineDefs[i] = line;
+        }
     }
-    for (SideDef& side : level.SideDefs)
+    for (std::size_t i = 0; i < level.SideDefs.size(); ++i)
     {
-        side.Sector = Renumbered(side.Sector, sectorNumbers);
+        const std::uint32_t sector =
+            Renumbered(std::as_const(level).SideDefs[i].Sector, sectorNumbers);
+        if (sector != std::as_const(level).SideDefs[i].Sector)
+        {
+            level.SideDefs[i].Sector = sector;
+        }
     }
     if (vertexesGone > 0)
     {
@@ -586,7 +608,7 @@ void MeasureLevel(LevelData& level)
     level.MinX = EmptyBoxMin;
     level.MaxY = EmptyBoxMax;
     level.MinY = EmptyBoxMin;
-    for (const Vertex& vertex : level.Vertexes)
+    for (const Vertex& vertex : std::as_const(level).Vertexes)
     {
         ExtendBounds(level, vertex);
     }
