@@ -1,0 +1,404 @@
+// Operations on Sectors: merge, join, door and lift makers, distribution.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "map/SectorOps.h"
+
+#include "map/MapState.h"
+#include "map/ObjectStore.h"
+#include "map/Selection.h"
+#include "platform/Format.h"
+#include "platform/Messages.h"
+
+#include <algorithm>
+#include <optional>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+namespace kelvar::map
+{
+
+namespace
+{
+
+// Flag words of the door and lift LineDefs.
+constexpr std::uint16_t HexenUseRepeatFlags = 1540; // two-sided, repeatable, used
+constexpr std::uint16_t HexenWalkRepeatFlags = 516; // two-sided, repeatable, walked over
+constexpr std::uint16_t TrackFlags = 17;            // impassable, lower unpegged
+
+// Door and lift specials.
+constexpr std::uint32_t DoomDoorType = 1;
+constexpr std::uint32_t HexenDoorType = 12;
+constexpr std::uint32_t LiftType = 62;
+constexpr std::uint32_t DoomLiftTriggerType = 88;
+
+bool HasSector(const LevelData& level, std::uint32_t side)
+{
+    return side < level.SideDefs.size() && level.SideDefs[side].Sector < level.Sectors.size();
+}
+
+std::uint32_t SectorOfSide(const LevelData& level, std::uint32_t side)
+{
+    return side < level.SideDefs.size() ? level.SideDefs[side].Sector : NoSector;
+}
+
+// The LineDefs of a Sector, by how they meet it.
+struct SectorLines
+{
+    std::vector<std::size_t> OnBack;  // two-sided, the Sector behind
+    std::vector<std::size_t> OnFront; // two-sided, the Sector in front
+    std::vector<std::size_t> OneSided;
+};
+
+SectorLines LinesOf(const LevelData& level, std::uint32_t sector)
+{
+    SectorLines lines;
+    for (std::size_t at = 0; at < level.LineDefs.size(); ++at)
+    {
+        const LineDef& line = level.LineDefs[at];
+        const bool front = SectorOfSide(level, line.SideDef1) == sector;
+        const bool back = SectorOfSide(level, line.SideDef2) == sector;
+        if (!front && !back)
+        {
+            continue;
+        }
+        if (line.SideDef1 == NoSideDef || line.SideDef2 == NoSideDef)
+        {
+            lines.OneSided.push_back(at);
+        }
+        else if (back)
+        {
+            lines.OnBack.push_back(at);
+        }
+        else
+        {
+            lines.OnFront.push_back(at);
+        }
+    }
+    return lines;
+}
+
+void FlipLine(LevelData& level, std::size_t at)
+{
+    LineDef& line = level.LineDefs[at];
+    std::swap(line.StartVertex, line.EndVertex);
+    std::swap(line.SideDef1, line.SideDef2);
+}
+
+// Asks the speed and delay of a Hexen mover under `caption`; nothing when cancelled.
+std::optional<MoverTiming> AskTiming(const char* caption, const char* speedPrompt,
+                                     const char* delayPrompt, MoverTiming initial)
+{
+    const std::optional<int> speed =
+        platform::TheUi().AskNumber(caption, speedPrompt, initial.Speed, 0, 255);
+    if (!speed)
+    {
+        return std::nullopt;
+    }
+    const std::optional<int> delay =
+        platform::TheUi().AskNumber(caption, delayPrompt, initial.Delay, 0, 255);
+    if (!delay)
+    {
+        return std::nullopt;
+    }
+    return MoverTiming{*speed, *delay};
+}
+
+void SetTiming(LineDef& line, MoverTiming timing)
+{
+    line.Args[0] = static_cast<std::uint8_t>(timing.Speed);
+    line.Args[1] = static_cast<std::uint8_t>(timing.Delay);
+}
+
+// True when the door may be made of a Sector with `twoSided` two-sided LineDefs.
+bool DoorSidesAgree(std::size_t twoSided, int sector)
+{
+    if (twoSided < 2)
+    {
+        platform::ShowMessageLines(0, "Door",
+                                   {platform::Format("Only %d LineDef with 2 sides for Sector %d",
+                                                     static_cast<int>(twoSided), sector),
+                                    "Add a second side to the LineDef(s)"});
+        return false;
+    }
+    if (twoSided > 2)
+    {
+        return platform::ShowMessageLines(
+                   platform::LinesCancel, "Door",
+                   {platform::Format("%d LineDefs with 2 sides Found for Sector %d",
+                                     static_cast<int>(twoSided), sector),
+                    "The door will have too many sides", "Continue ?"},
+                   platform::MessageButtons::YesNo) == 1;
+    }
+    return true;
+}
+
+} // namespace
+
+void MergeSectors(LevelData& level, const ObjectList& list)
+{
+    std::vector<std::int32_t> sectors = list.Objects();
+    if (sectors.empty())
+    {
+        return;
+    }
+    const auto head = static_cast<std::uint32_t>(sectors.front());
+    const std::unordered_set<std::uint32_t> merged(sectors.begin() + 1, sectors.end());
+    for (std::size_t at = 0; at < level.SideDefs.size(); ++at)
+    {
+        const std::uint32_t sector = std::as_const(level).SideDefs[at].Sector;
+        if (sector != head && merged.contains(sector))
+        {
+            level.SideDefs[at].Sector = head;
+        }
+    }
+    NoteChange(level, KindSector);
+}
+
+bool DeleteLineDefsJoinSectors(LevelData& level, const ObjectList& list)
+{
+    const std::vector<std::int32_t> lines = list.Objects();
+    for (const std::int32_t number : lines)
+    {
+        const LineDef& line = level.LineDefs[static_cast<std::size_t>(number)];
+        if (line.SideDef1 == NoSideDef || line.SideDef2 == NoSideDef)
+        {
+            platform::ShowMessageLines(platform::LinesError, "Join Sectors",
+                                       {platform::Format("LineDef %d has only one side", number)});
+            return false;
+        }
+        if (!HasSector(level, line.SideDef1) || !HasSector(level, line.SideDef2))
+        {
+            platform::ShowMessageLines(
+                platform::LinesError, "Join Sectors",
+                {platform::Format("LineDef %d has 2 sides,\nbut 1 side is not bound to a Sector",
+                                  number)});
+            return false;
+        }
+    }
+    for (const std::int32_t number : lines)
+    {
+        const LineDef line = std::as_const(level).LineDefs[static_cast<std::size_t>(number)];
+        ObjectList pair;
+        ObjectListPush(pair, static_cast<std::int32_t>(SectorOfSide(level, line.SideDef2)));
+        ObjectListPush(pair, static_cast<std::int32_t>(SectorOfSide(level, line.SideDef1)));
+        MergeSectors(level, pair);
+    }
+    ObjectList deleted;
+    for (const std::int32_t number : lines)
+    {
+        ObjectListPush(deleted, number);
+    }
+    DeleteObjectList(level, KindLineDef, deleted);
+    return true;
+}
+
+bool MakeDoorFromSector(LevelData& level, int sector, bool hexen)
+{
+    const auto number = static_cast<std::uint32_t>(sector);
+    const SectorLines lines = LinesOf(level, number);
+    if (!DoorSidesAgree(lines.OnBack.size() + lines.OnFront.size(), sector))
+    {
+        return false;
+    }
+    MoverTiming timing{16, 100};
+    if (hexen)
+    {
+        const std::optional<MoverTiming> asked =
+            AskTiming("Door Options", "Door Speed", "Door Delay", timing);
+        if (!asked)
+        {
+            return false;
+        }
+        timing = *asked;
+    }
+    const DefaultTextures& textures = Map().Textures;
+    std::vector<std::size_t> doors = lines.OnBack;
+    for (const std::size_t at : lines.OnFront)
+    {
+        FlipLine(level, at); // every door face points away from the door's Sector
+        doors.push_back(at);
+    }
+    for (const std::size_t at : doors)
+    {
+        LineDef& line = level.LineDefs[at];
+        line.Type = hexen ? HexenDoorType : DoomDoorType;
+        line.Flags = hexen ? HexenUseRepeatFlags : FlagTwoSided;
+        if (hexen)
+        {
+            SetTiming(line, timing);
+        }
+        const std::uint32_t front = line.SideDef1;
+        const std::uint32_t back = line.SideDef2;
+        level.SideDefs[front].UpperTexture = textures.Door;
+        level.SideDefs[front].NormalTexture = NoTexture;
+        level.SideDefs[back].NormalTexture = NoTexture;
+    }
+    for (const std::size_t at : lines.OneSided)
+    {
+        LineDef& line = level.LineDefs[at];
+        line.Flags = TrackFlags;
+        const std::uint32_t side = line.SideDef1 != NoSideDef ? line.SideDef1 : line.SideDef2;
+        SideDef& face = level.SideDefs[side];
+        face.NormalTexture = textures.DoorTrack;
+        face.UpperTexture = NoTexture;
+        face.LowerTexture = NoTexture;
+    }
+    Sector& door = level.Sectors[number];
+    door.CeilingHeight = door.FloorHeight;
+    door.CeilingTexture = textures.DoorCeiling;
+    NoteChange(level, KindSector);
+    return true;
+}
+
+bool MakeLiftFromSector(LevelData& level, int sector, int freeTag, bool hexen)
+{
+    const auto number = static_cast<std::uint32_t>(sector);
+    const SectorLines lines = LinesOf(level, number);
+    if (lines.OnBack.empty() && lines.OnFront.empty())
+    {
+        platform::ShowMessageLines(0, "Lift",
+                                   {"The Lift has all 1-sided lines?",
+                                    "Add at least one 2-sided line",
+                                    "that adjoins a Sector Lower or"});
+        return false;
+    }
+    MoverTiming timing{8, 50};
+    if (hexen)
+    {
+        const std::optional<MoverTiming> asked =
+            AskTiming("Lift Options", "Lift Speed", "Lift Delay", timing);
+        if (!asked)
+        {
+            return false;
+        }
+        timing = *asked;
+    }
+    // Every two-sided LineDef faces out of the lift, its neighbour in front.
+    std::vector<std::size_t> edges = lines.OnBack;
+    for (const std::size_t at : lines.OnFront)
+    {
+        FlipLine(level, at);
+        edges.push_back(at);
+    }
+    int lowest = 0x7FFF;
+    int highest = -0x8000;
+    for (const std::size_t at : edges)
+    {
+        const std::uint32_t neighbour =
+            SectorOfSide(level, std::as_const(level).LineDefs[at].SideDef1);
+        const int floor = std::as_const(level).Sectors[neighbour].FloorHeight;
+        lowest = std::min(lowest, floor);
+        highest = std::max(highest, floor);
+    }
+    Sector& lift = level.Sectors[number];
+    lift.FloorHeight = static_cast<std::int16_t>(std::max<int>(lift.FloorHeight, highest));
+    lift.CeilingHeight = static_cast<std::int16_t>(std::max<int>(lift.CeilingHeight, highest + 64));
+    lift.Tag = static_cast<std::uint16_t>(freeTag);
+    const int liftFloor = lift.FloorHeight;
+    const DefaultTextures& textures = Map().Textures;
+    for (const std::size_t at : edges)
+    {
+        LineDef& line = level.LineDefs[at];
+        line.Type = LiftType;
+        line.Tag = static_cast<std::uint16_t>(freeTag);
+        line.Flags = hexen ? HexenUseRepeatFlags : FlagTwoSided;
+        if (hexen)
+        {
+            SetTiming(line, timing);
+        }
+        SideDef& front = level.SideDefs[line.SideDef1];
+        if (front.LowerTexture == NoTexture)
+        {
+            front.LowerTexture = front.NormalTexture.IsNone() ? textures.Lift : front.NormalTexture;
+        }
+        const int neighbourFloor = std::as_const(level).Sectors[front.Sector].FloorHeight;
+        if (neighbourFloor > lowest)
+        {
+            level.SideDefs[line.SideDef2].LowerTexture = textures.Lift;
+        }
+        if (neighbourFloor >= liftFloor)
+        {
+            // Walked over from the top: the trigger side.
+            if (hexen)
+            {
+                line.Flags = HexenWalkRepeatFlags;
+            }
+            else
+            {
+                line.Type = DoomLiftTriggerType;
+            }
+            FlipLine(level, at);
+        }
+    }
+    for (const std::size_t at : lines.OneSided)
+    {
+        LineDef& line = level.LineDefs[at];
+        line.Flags = FlagImpassable;
+        const std::uint32_t side = line.SideDef1 != NoSideDef ? line.SideDef1 : line.SideDef2;
+        SideDef& wall = level.SideDefs[side];
+        if (wall.NormalTexture.IsNone())
+        {
+            wall.NormalTexture = textures.Normal;
+        }
+        wall.UpperTexture = NoTexture;
+        wall.LowerTexture = NoTexture;
+    }
+    NoteChange(level, KindSector);
+    return true;
+}
+
+bool Distribute(LevelData& level, const ObjectList& list, Distributed what)
+{
+    const int kind = what == Distributed::ThingHeight ? KindThing : KindSector;
+    int count = 0;
+    int head = -1;
+    int tail = -1;
+    if (!CountOrComplain(kind, false, 3, count, list, head, tail))
+    {
+        return false;
+    }
+    const auto valueOf = [&](int object) -> int
+    {
+        const auto at = static_cast<std::size_t>(object);
+        switch (what)
+        {
+        case Distributed::FloorHeight:
+            return std::as_const(level).Sectors[at].FloorHeight;
+        case Distributed::CeilingHeight:
+            return std::as_const(level).Sectors[at].CeilingHeight;
+        case Distributed::Light:
+            return std::as_const(level).Sectors[at].Light;
+        case Distributed::ThingHeight:
+            return std::as_const(level).Things[at].Z;
+        }
+        return 0;
+    };
+    const int first = valueOf(head);
+    const int last = valueOf(tail);
+    const std::vector<std::int32_t> objects = list.Objects();
+    for (std::size_t i = 0; i < objects.size(); ++i)
+    {
+        const auto value =
+            static_cast<std::int16_t>(first + static_cast<int>(i) * (last - first) / (count - 1));
+        const auto at = static_cast<std::size_t>(objects[i]);
+        switch (what)
+        {
+        case Distributed::FloorHeight:
+            level.Sectors[at].FloorHeight = value;
+            break;
+        case Distributed::CeilingHeight:
+            level.Sectors[at].CeilingHeight = value;
+            break;
+        case Distributed::Light:
+            level.Sectors[at].Light = value;
+            break;
+        case Distributed::ThingHeight:
+            level.Things[at].Z = value;
+            break;
+        }
+    }
+    NoteChange(level, kind);
+    return true;
+}
+
+} // namespace kelvar::map
