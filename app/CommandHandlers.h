@@ -22,6 +22,17 @@ void NewLevelCommand(int number, CommandSource source);    // 1023
 void ResetRecentCommand(int number, CommandSource source); // 123
 void StartupCommand(int number, CommandSource source);     // 1280, 1284
 
+// The Misc popups, their keys and Delete (MiscCommands.cpp).
+void MiscEntryCommand(int number, CommandSource source);    // 501 to 534, 462, 463, 475, 550, 553
+void AlignLineDefCommand(int number, CommandSource source); // 552
+void DeleteCommand(int number, CommandSource source);       // 260, 466
+void MiscMenuCommand(int number, CommandSource source);     // 1008: the mode's Misc popup
+
+/// Runs entry `index` of the Misc popup of `mode` on the selection, or on the highlighted
+/// object when nothing is selected: an undo step for any index above 0, the count guard for
+/// all but First Free Tag (2), the operation, and the redraw.
+void MiscCommand(int mode, int index);
+
 // Opening and closing PWADs (PwadCommands.cpp).
 void OpenPwadCommand(int number, CommandSource source);      // 1025, the recent PWADs
 void CloseAllFilesCommand(int number, CommandSource source); // 1024

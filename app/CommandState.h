@@ -45,6 +45,7 @@ struct CommandRequests
     bool CancelTool = false;       // end any interactive tool or band
     bool LayoutChanged = false;    // the info pane was shown or hidden
     bool QuitRequested = false;    // Exit: the window runs its exit prompt and closes
+    bool ShowMiscMenu = false;     // F8: the mode's Misc popup at the pointer
     bool MovePointer = false;      // put the pointer at PointerX, PointerY (window pixels)
     int PointerX = 0;
     int PointerY = 0;

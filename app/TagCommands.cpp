@@ -127,6 +127,19 @@ std::vector<int> TagsInUse(const map::LevelData& level, bool hexenFormat)
     return tags;
 }
 
+NumberStats FirstFreeNumber(std::vector<int> numbers)
+{
+    NumberStats stats;
+    stats.Count = static_cast<int>(numbers.size());
+    std::sort(numbers.begin(), numbers.end());
+    for (const int number : numbers)
+    {
+        stats.Free += number == stats.Free ? 1 : 0;
+        stats.Last = std::max(stats.Last, number);
+    }
+    return stats;
+}
+
 void SetTagCommand(int /*number*/, CommandSource /*source*/)
 {
     map::LevelData& level = map::Map().Level;

@@ -24,6 +24,19 @@ struct FreeNumbers
 /// in use.
 FreeNumbers FreeTagInfo(std::vector<int> numbers);
 
+/// The free-number statistics of the Misc menus and the lift maker, over the positive numbers
+/// in use: "free" starts at 1 and is the first number not in use, "last" the highest in use,
+/// and "count" how many uses there are.
+struct NumberStats
+{
+    int Free = 1;
+    int Last = 0;
+    int Count = 0;
+
+    bool operator==(const NumberStats&) const = default;
+};
+NumberStats FirstFreeNumber(std::vector<int> numbers);
+
 /// The positive tags of a level's LineDefs and Sectors. In the Hexen format a LineDef's tag is
 /// its special's first argument and counts only for a special that refers to Sectors or lines
 /// by tag.

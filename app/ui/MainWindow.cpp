@@ -326,6 +326,16 @@ void MainWindow::ActOnRequests()
         RefreshInfoPane();
     }
     Acting = false;
+    if (requests.ShowMiscMenu)
+    {
+        // F8: the popup opens at the pointer when it is over the map, else at the map's middle.
+        QPoint at = MapView->mapFromGlobal(QCursor::pos());
+        if (!MapView->rect().contains(at))
+        {
+            at = MapView->rect().center();
+        }
+        ShowMiscPopup(at);
+    }
     if (requests.QuitRequested)
     {
         close();

@@ -1,0 +1,403 @@
+// The Misc popups of the four edit modes (F8), the keys of their entries, and Delete: each
+// command takes an undo step, runs its operation on the selection (or the highlighted object)
+// and asks for the map, the status bar and the panes to be drawn again.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/CommandHandlers.h"
+#include "app/Commands.h"
+#include "app/Modes.h"
+#include "app/Session.h"
+#include "app/ShellState.h"
+#include "app/TagCommands.h"
+#include "check/SaveChecks.h"
+#include "map/GameCodes.h"
+#include "map/LineOps.h"
+#include "map/MapState.h"
+#include "map/ObjectStore.h"
+#include "map/SectorOps.h"
+#include "map/Undo.h"
+#include "map/VertexOps.h"
+#include "platform/Format.h"
+#include "platform/Messages.h"
+#include "platform/Ui.h"
+#include "wad/WadState.h"
+
+#include <utility>
+#include <vector>
+
+namespace kelvar::app
+{
+
+namespace
+{
+
+// A Misc entry: its mode and its index in the mode's popup.
+struct MiscEntry
+{
+    int Mode = 0;
+    int Index = 0;
+};
+
+MiscEntry EntryOf(int number)
+{
+    switch (number)
+    {
+    case CmdSplitAddVertex:
+    case CmdSplitAddVertexF:
+        return {ModeLineDefs, 3};
+    case CmdSwapSideDefs:
+        return {ModeLineDefs, 7};
+    case CmdFlipVertexesOnly:
+        return {ModeLineDefs, 8};
+    case CmdDeleteVertexJoin:
+        return {ModeVertexes, 3};
+    default:
+        break;
+    }
+    if (number >= CmdMiscSectorsFirst && number <= CmdMiscSectorsLast)
+    {
+        return {ModeSectors, number - 500};
+    }
+    if (number >= CmdMiscLineDefsFirst && number <= CmdMiscLineDefsLast)
+    {
+        return {ModeLineDefs, number - 509};
+    }
+    if (number >= CmdMiscThingsFirst && number <= CmdMiscThingsLast)
+    {
+        return {ModeThings, number - 524};
+    }
+    return {ModeVertexes, number - 529};
+}
+
+bool HexenFormat()
+{
+    return wad::Wad().Game.Format == map::GameHexen;
+}
+
+// The free numbers of a level: tags, and in the Hexen format polyobject numbers, TIDs and
+// line ids, each from the objects that carry them.
+struct LevelNumbers
+{
+    std::vector<int> Tags;
+    std::vector<int> PolyIds;
+    std::vector<int> Tids;
+    std::vector<int> LineIds;
+};
+
+constexpr std::uint32_t PolyStartLineType = 1;
+constexpr std::uint32_t LineIdentificationType = 121;
+
+LevelNumbers NumbersOf(const map::LevelData& level, bool hexen)
+{
+    LevelNumbers numbers;
+    numbers.Tags = TagsInUse(level, hexen);
+    if (!hexen)
+    {
+        return numbers;
+    }
+    for (const map::Thing& thing : level.Things)
+    {
+        if (thing.Tid > 0)
+        {
+            numbers.Tids.push_back(thing.Tid);
+        }
+    }
+    for (const map::LineDef& line : level.LineDefs)
+    {
+        const int first = line.Tag & 0xFF;
+        if (first > 0 && (line.Type & 0xFF) == PolyStartLineType)
+        {
+            numbers.PolyIds.push_back(first);
+        }
+        if (first > 0 && (line.Type & 0xFF) == LineIdentificationType)
+        {
+            numbers.LineIds.push_back(first);
+        }
+    }
+    return numbers;
+}
+
+// First Free Tag: the statistics of the level's numbers.
+void ShowFreeNumbers(const map::LevelData& level)
+{
+    const bool hexen = HexenFormat();
+    const LevelNumbers numbers = NumbersOf(level, hexen);
+    const NumberStats tags = FirstFreeNumber(numbers.Tags);
+    const auto h = [](int value) { return static_cast<short>(value); };
+    if (!hexen)
+    {
+        platform::ShowMessageLines(0, "tag stats",
+                                   {platform::Format("FreeTag\t%3hd", h(tags.Free)),
+                                    platform::Format("Highest\t%3hd", h(tags.Last)),
+                                    platform::Format("Tag#\t%3hd", h(tags.Count))});
+        return;
+    }
+    const NumberStats polys = FirstFreeNumber(numbers.PolyIds);
+    const NumberStats tids = FirstFreeNumber(numbers.Tids);
+    const NumberStats lines = FirstFreeNumber(numbers.LineIds);
+    platform::ShowMessageLines(0, "tag, poly, tid stats",
+                               {platform::Format("Free Tag    %3hd \tHighest %3hd \tLag#  = %3hd",
+                                                 h(tags.Free), h(tags.Last), h(tags.Count)),
+                                platform::Format("Free PolyId %3hd \tHighest %3hd \tCount = %3hd",
+                                                 h(polys.Free), h(polys.Last), h(polys.Count)),
+                                platform::Format("Free Tid    %3hd \tHighest %3hd \tCount = %3hd",
+                                                 h(tids.Free), h(tids.Last), h(tids.Count)),
+                                platform::Format("Free LineId %3hd \tHighest %3hd \tLdcnt = %3hd",
+                                                 h(lines.Free), h(lines.Last), h(lines.Count))});
+}
+
+// The fewest objects an entry needs, and whether it needs exactly that many; 1 for the rest.
+struct Needs
+{
+    int Count = 1;
+    bool Exactly = false;
+};
+
+Needs NeedsOf(MiscEntry entry)
+{
+    if (entry.Mode == ModeVertexes && entry.Index == 4)
+    {
+        return {2, false};
+    }
+    if (entry.Mode == ModeSectors && (entry.Index == 3 || entry.Index == 4))
+    {
+        return {1, true};
+    }
+    if (entry.Mode == ModeSectors && entry.Index == 8)
+    {
+        return {2, false};
+    }
+    return {};
+}
+
+void RunLineDefEntry(map::LevelData& level, int index, map::ObjectList& list)
+{
+    switch (index)
+    {
+    case 3:
+        map::SplitLineDefsAtMidpoint(level, list);
+        map::ClearSelection();
+        break;
+    case 5:
+        if (map::DeleteLineDefsJoinSectors(level, list))
+        {
+            (void)check::CheckUnused(level);
+            map::ClearSelection();
+        }
+        break;
+    case 6:
+        map::FlipLineDefs(level, list, map::FlipWhat::VertexesAndSides);
+        break;
+    case 7:
+        map::FlipLineDefs(level, list, map::FlipWhat::SidesOnly);
+        break;
+    case 8:
+        map::FlipLineDefs(level, list, map::FlipWhat::VertexesOnly);
+        break;
+    case 11:
+        map::RenumberSelected(level, map::KindLineDef, list);
+        break;
+    default:
+        break;
+    }
+}
+
+void RunSectorEntry(map::LevelData& level, int index, map::ObjectList& list)
+{
+    switch (index)
+    {
+    case 3:
+    {
+        const int tag = FirstFreeNumber(TagsInUse(level, HexenFormat())).Free;
+        map::MakeLiftFromSector(level, list.Head(), tag, HexenFormat());
+        break;
+    }
+    case 4:
+        map::MakeDoorFromSector(level, list.Head(), HexenFormat());
+        break;
+    case 5:
+        map::Distribute(level, list, map::Distributed::FloorHeight);
+        break;
+    case 6:
+        map::Distribute(level, list, map::Distributed::CeilingHeight);
+        break;
+    case 7:
+        map::Distribute(level, list, map::Distributed::Light);
+        break;
+    case 8:
+        map::MergeSectors(level, list);
+        break;
+    case 9:
+        map::RenumberSelected(level, map::KindSector, list);
+        break;
+    default:
+        break;
+    }
+}
+
+void RunVertexEntry(map::LevelData& level, int index, const map::ObjectList& list)
+{
+    if (index == 3)
+    {
+        map::JoinAtVertexes(level, list);
+    }
+    else if (index == 4)
+    {
+        map::MergeVertexes(level, list);
+    }
+    map::ClearSelection();
+}
+
+// What every command that changed the level asks of the window.
+void AfterEdit(map::LevelData& level)
+{
+    map::MeasureLevel(level);
+    map::SelectionState& select = map::Selected();
+    if (!map::IsValidObject(level, EditMode(), select.HighlightedObject))
+    {
+        select.HighlightedObject = -1;
+    }
+    CommandRequests& requests = Shell().Requests;
+    requests.RedrawMap = true;
+    requests.RefreshStatus = true;
+    requests.RefreshInfoPanes = true;
+}
+
+// The selection a command works on: an empty one takes the highlighted object first.
+void TakeHighlightIfEmpty(const map::LevelData& level, int mode)
+{
+    map::SelectionState& select = map::Selected();
+    if (select.Selection.Empty() && map::IsValidObject(level, mode, select.HighlightedObject))
+    {
+        map::ObjectListPush(select.Selection, select.HighlightedObject);
+    }
+}
+
+} // namespace
+
+void MiscCommand(int mode, int index)
+{
+    map::LevelData& level = map::Map().Level;
+    map::SelectionState& select = map::Selected();
+    TakeHighlightIfEmpty(level, mode);
+    if (index > 0)
+    {
+        (void)map::SaveUndoStep();
+    }
+    if (index == 2)
+    {
+        ShowFreeNumbers(level);
+        return;
+    }
+    const Needs needs = NeedsOf({mode, index});
+    int count = 0;
+    int head = -1;
+    int tail = -1;
+    if (!map::CountOrComplain(mode, needs.Exactly, needs.Count, count, select.Selection, head,
+                              tail))
+    {
+        return; // the step stays: the user may undo a refusal like any command
+    }
+    switch (mode)
+    {
+    case ModeThings:
+        if (index == 3)
+        {
+            map::Distribute(level, select.Selection, map::Distributed::ThingHeight);
+        }
+        break;
+    case ModeLineDefs:
+        RunLineDefEntry(level, index, select.Selection);
+        break;
+    case ModeVertexes:
+        RunVertexEntry(level, index, select.Selection);
+        break;
+    case ModeSectors:
+        RunSectorEntry(level, index, select.Selection);
+        break;
+    default:
+        break;
+    }
+    AfterEdit(level);
+}
+
+void MiscEntryCommand(int number, CommandSource /*source*/)
+{
+    const MiscEntry entry = EntryOf(number);
+    if (entry.Mode != EditMode())
+    {
+        return;
+    }
+    MiscCommand(entry.Mode, entry.Index);
+}
+
+void AlignLineDefCommand(int /*number*/, CommandSource /*source*/)
+{
+    map::MapState& map = map::Map();
+    const int line = map.Select.HighlightedObject;
+    if (!map::IsValidObject(map.Level, map::KindLineDef, line) || map.Options.GridSize <= 0)
+    {
+        return;
+    }
+    (void)map::SaveUndoStep();
+    if (!map::AlignLineDefToGrid(map.Level, line, map.Options.GridSize))
+    {
+        (void)map::DropLastUndoStep(); // a straight LineDef takes no step
+        return;
+    }
+    AfterEdit(map.Level);
+}
+
+void DeleteCommand(int number, CommandSource /*source*/)
+{
+    map::MapState& map = map::Map();
+    const int mode = EditMode();
+    if (map.Select.Selection.Empty() && map.Select.HighlightedObject < 0)
+    {
+        return;
+    }
+    const bool selected = !map.Select.Selection.Empty();
+    TakeHighlightIfEmpty(map.Level, mode);
+    const int count = map.Select.Selection.Size();
+    if (count == 0)
+    {
+        return;
+    }
+    if (mode != ModeThings && mode != ModeVertexes && !map.Options.ExpertMode)
+    {
+        const std::string question =
+            selected ? platform::Format("Do you really want to delete %d %ss?", count,
+                                        map::KindName(mode))
+                     : platform::Format("Do you really want to delete 1 %s?", map::KindName(mode));
+        if (platform::ShowMessageLines(platform::LinesCancel, "Delete",
+                                       {question, "This also deletes the objects bound to them"},
+                                       platform::MessageButtons::YesNo) != 1)
+        {
+            if (!selected)
+            {
+                map::ClearSelection();
+            }
+            return;
+        }
+    }
+    (void)map::SaveUndoStep();
+    // Shift+Delete turns the Delete Vertex and Join option round.
+    const bool join = map.Options.VertexDelJoin != (number == CmdDeleteObjectShift);
+    if (mode == ModeVertexes && join)
+    {
+        map::JoinAtVertexes(map.Level, map.Select.Selection);
+    }
+    else
+    {
+        map::DeleteObjectList(map.Level, mode, map.Select.Selection);
+    }
+    map::ClearSelection();
+    map.Select.HighlightedObject = -1;
+    AfterEdit(map.Level);
+}
+
+void MiscMenuCommand(int /*number*/, CommandSource /*source*/)
+{
+    Shell().Requests.ShowMiscMenu = true;
+}
+
+} // namespace kelvar::app

@@ -1,0 +1,182 @@
+// Tests of the Misc popups' commands, their keys and Delete as a user runs them: the
+// highlighted object standing in for an empty selection, the count guard, the undo step that
+// takes each back, First Free Tag's texts, and the Delete question.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/TagCommands.h"
+#include "map/Undo.h"
+#include "tests/app/CommandTestKit.h"
+#include "wad/WadState.h"
+
+namespace kelvar::app
+{
+namespace
+{
+
+TEST(FirstFreeNumber, StartsAtOneAndTakesTheFirstNumberNotInUse)
+{
+    EXPECT_EQ(FirstFreeNumber({}), (NumberStats{1, 0, 0}));
+    EXPECT_EQ(FirstFreeNumber({3, 4, 6}), (NumberStats{1, 6, 3})) << "1 is free below them";
+    EXPECT_EQ(FirstFreeNumber({2, 1, 1, 4}), (NumberStats{3, 4, 4})) << "any order, repeats";
+}
+
+class MiscCommandsTest : public CommandFixture
+{
+protected:
+    void TearDown() override
+    {
+        wad::ResetWad();
+        CommandFixture::TearDown();
+    }
+};
+
+TEST_F(MiscCommandsTest, TheHighlightedLineDefIsFlippedWhenNothingIsSelectedAndUndoTakesItBack)
+{
+    Edit(TwoRooms(), ModeLineDefs);
+    const map::LevelData before = map::Map().Level;
+    map::Selected().HighlightedObject = 4;
+    ASSERT_EQ(RunCommand(CmdFlipLineDef), CommandResult::Done);
+    const map::LineDef& flipped = map::Map().Level.LineDefs[4];
+    EXPECT_EQ(flipped.StartVertex, 2u);
+    EXPECT_EQ(flipped.SideDef1, 7u);
+
+    ASSERT_EQ(RunCommand(CmdUndo), CommandResult::Done);
+    EXPECT_EQ(map::Map().Level, before);
+    ASSERT_EQ(RunCommand(CmdRedo), CommandResult::Done);
+    EXPECT_EQ(map::Map().Level.LineDefs[4].StartVertex, 2u);
+}
+
+TEST_F(MiscCommandsTest, AnEmptySelectionIsRefusedAndTheStepStays)
+{
+    Edit(TwoRooms(), ModeVertexes);
+    ASSERT_EQ(RunCommand(CmdDeleteVertexJoin), CommandResult::Done);
+    EXPECT_EQ(Ui.Last().Title, "Select");
+    EXPECT_TRUE(Ui.Saw("Select at least 1 Vertexs"));
+    EXPECT_EQ(map::Map().Undo.Position, 0) << "the dispatcher's step stays on a refusal";
+}
+
+TEST_F(MiscCommandsTest, MergingSectorsNeedsTwoAndADoorExactlyOne)
+{
+    Edit(TwoRooms(), ModeSectors);
+    Mark({1});
+    ASSERT_EQ(RunCommand(508), CommandResult::Done); // Merge Sectors
+    EXPECT_TRUE(Ui.Saw("Select at least 2 Sectors"));
+    Mark({0, 1});
+    ASSERT_EQ(RunCommand(504), CommandResult::Done); // Make DOOR from Sector
+    EXPECT_TRUE(Ui.Saw("Select exactly 1 Sectors"));
+}
+
+TEST_F(MiscCommandsTest, FirstFreeTagShowsTheTagStatistics)
+{
+    map::LevelData level = TwoRooms();
+    level.Sectors[0].Tag = 1;
+    level.LineDefs[4].Tag = 3;
+    Edit(std::move(level), ModeSectors);
+    ASSERT_EQ(RunCommand(502), CommandResult::Done);
+    EXPECT_EQ(Ui.Last().Title, "tag stats");
+    EXPECT_EQ(Ui.Last().Lines,
+              (std::vector<std::string>{"FreeTag\t  2", "Highest\t  3", "Tag#\t  2"}));
+}
+
+TEST_F(MiscCommandsTest, ALiftTakesTheFirstFreeTag)
+{
+    map::LevelData level = TwoRooms();
+    level.Sectors[0].Tag = 1;
+    level.Sectors[0].FloorHeight = 64;
+    level.Sectors[1].Tag = 2;
+    Edit(std::move(level), ModeSectors);
+    Mark({1});
+    ASSERT_EQ(RunCommand(503), CommandResult::Done); // Make LIFT from Sector
+    EXPECT_EQ(map::Map().Level.Sectors[1].Tag, 3) << "1 and 2 are in use, its own old tag too";
+    EXPECT_EQ(map::Map().Level.Sectors[1].FloorHeight, 64);
+}
+
+TEST_F(MiscCommandsTest, DeleteAsksForLineDefsAndSectorsButNotForThings)
+{
+    Edit(TwoRooms(), ModeSectors);
+    const map::LevelData before = map::Map().Level;
+    map::Selected().HighlightedObject = 1;
+    Ui.Answer(0);
+    ASSERT_EQ(RunCommand(CmdDeleteObject), CommandResult::Done);
+    EXPECT_EQ(Ui.Last().Title, "Delete");
+    EXPECT_TRUE(Ui.Saw("Do you really want to delete 1 Sector?"));
+    EXPECT_TRUE(Ui.Saw("This also deletes the objects bound to them"));
+    EXPECT_EQ(map::Map().Level, before) << "no: nothing deleted";
+    EXPECT_TRUE(map::Selected().Selection.Empty()) << "the highlight was not left marked";
+
+    Mark({0, 1});
+    Ui.Answer(1);
+    ASSERT_EQ(RunCommand(CmdDeleteObject), CommandResult::Done);
+    EXPECT_TRUE(Ui.Saw("Do you really want to delete 2 Sectors?"));
+    EXPECT_EQ(map::Map().Level.Sectors.Count(), 0);
+    ASSERT_EQ(RunCommand(CmdUndo), CommandResult::Done);
+    EXPECT_EQ(map::Map().Level, before);
+
+    Ui.Clear();
+    Shell().Chk.EditMode = ModeThings;
+    Mark({2});
+    ASSERT_EQ(RunCommand(CmdDeleteObject), CommandResult::Done);
+    EXPECT_TRUE(Ui.Titles().empty()) << "Things go without a question";
+    EXPECT_EQ(map::Map().Level.Things.Count(), 2);
+}
+
+TEST_F(MiscCommandsTest, DeletingAVertexJoinsItsLinesAndShiftDeleteTurnsTheOptionRound)
+{
+    // A straight wall of two LineDefs through Vertex 1.
+    const map::LevelData wall = testkit::LevelBuilder()
+                                    .Sector()
+                                    .Vertex(0, 0)
+                                    .Vertex(64, 0)
+                                    .Vertex(128, 0)
+                                    .Side(0)
+                                    .Side(0)
+                                    .Line(0, 1, 0)
+                                    .Line(1, 2, 1)
+                                    .Build();
+    Edit(wall, ModeVertexes);
+    Mark({1});
+    ASSERT_EQ(RunCommand(CmdDeleteObject), CommandResult::Done);
+    EXPECT_EQ(map::Map().Level.LineDefs.Count(), 1) << "joined into one";
+
+    Edit(wall, ModeVertexes);
+    Mark({1});
+    ASSERT_EQ(RunCommand(CmdDeleteObjectShift), CommandResult::Done);
+    EXPECT_EQ(map::Map().Level.LineDefs.Count(), 0) << "deleted with its lines";
+}
+
+TEST_F(MiscCommandsTest, EveryMiscEntryIsEnabledOrWaitsForItsTool)
+{
+    const std::vector<int> built = {502,
+                                    503,
+                                    504,
+                                    505,
+                                    506,
+                                    507,
+                                    508,
+                                    509,
+                                    511,
+                                    514,
+                                    515,
+                                    520,
+                                    526,
+                                    527,
+                                    531,
+                                    533,
+                                    CmdSplitAddVertex,
+                                    CmdSwapSideDefs,
+                                    CmdFlipVertexesOnly,
+                                    CmdAlignLineDef,
+                                    CmdDeleteVertexJoin,
+                                    CmdMiscMenu};
+    for (const int number : built)
+    {
+        EXPECT_TRUE(IsCommandAvailable(number)) << number;
+    }
+    const std::vector<int> waiting = {501, 510, 518, 519, 525, 530, 534, CmdSplitLineDefSector};
+    for (const int number : waiting)
+    {
+        EXPECT_FALSE(IsCommandAvailable(number)) << number << " belongs to a tool not built";
+    }
+}
+
+} // namespace
+} // namespace kelvar::app
