@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/Commands.h"
 
+#include "cli/EditCommands.h"
 #include "cli/GameCommands.h"
 #include "cli/KeyCommands.h"
 #include "cli/LevelCommands.h"
@@ -46,6 +47,14 @@ void PrintUsage(std::FILE* out)
                "  save IWAD [PWAD...] MAPNAME -o OUT.wad [--nodes]\n"
                "                          the level saved into OUT.wad as Save Level does (Build\n"
                "                          Node with --nodes); questions take their first answer\n"
+               "  edit IWAD [PWAD...] MAPNAME -o OUT.wad [--nodes] -- SCRIPT\n"
+               "                          the level changed by a script of editor commands,\n"
+               "                          then saved as save does. Commands, separated by ';':\n"
+               "                          mode things|linedefs|vertexes|sectors; select N...;\n"
+               "                          box X1 Y1 X2 Y2; highlight N; clear; misc INDEX (the\n"
+               "                          mode's Misc popup entry); delete; insert; undo; redo;\n"
+               "                          run NUMBER (any command). Questions take their first\n"
+               "                          answer, number prompts their offered value\n"
                "  status FILE             a status file's frame and every named field\n"
                "  status --build DIR      writes all control files into DIR\n"
                "  types GAME things|lines|sectors [--opt FILE]\n"
@@ -99,6 +108,10 @@ int Run(int argc, char** argv)
     if (command == "save")
     {
         return SaveLevel(rest);
+    }
+    if (command == "edit")
+    {
+        return EditLevel(rest);
     }
     if (command == "status" && !rest.empty())
     {

@@ -4,10 +4,10 @@
 
 #include "app/SaveDispatcher.h"
 #include "app/Session.h"
+#include "cli/BatchUi.h"
 #include "cli/Commands.h"
 #include "cli/WadCommands.h"
 #include "map/MapState.h"
-#include "platform/ConsoleUi.h"
 #include "platform/Paths.h"
 #include "wad/WadState.h"
 
@@ -19,60 +19,6 @@ namespace kelvar::cli
 namespace
 {
 
-// The console, with every question answered by its first button and every file dialog by
-// the output file. The one exception: an I/O error's "Quit now ?" is answered No, so the save
-// stops and the old file is put back instead of the program ending half way.
-class BatchUi final : public platform::Ui
-{
-public:
-    explicit BatchUi(std::filesystem::path output) : Output(std::move(output)) {}
-
-    int Show(const platform::Message& message) override
-    {
-        if (message.IsQuestion() && message.Text().find("Quit now") != std::string::npos)
-        {
-            return Refusing.Show(message);
-        }
-        return Console.Show(message);
-    }
-    void ShowTextFile(const std::string& caption, const std::filesystem::path& file) override
-    {
-        Console.ShowTextFile(caption, file);
-    }
-    std::optional<std::filesystem::path> ChooseFile(const platform::FileChoice&) override
-    {
-        return Output;
-    }
-    std::optional<int> ChooseFromList(const std::string& caption,
-                                      const std::vector<std::string>& items) override
-    {
-        return Console.ChooseFromList(caption, items);
-    }
-    std::optional<int> AskNumber(const std::string& caption, const std::string& prompt, int initial,
-                                 int low, int high) override
-    {
-        return Console.AskNumber(caption, prompt, initial, low, high);
-    }
-    std::optional<std::string> AskText(const std::string& caption, const std::string& prompt,
-                                       const std::string& initial) override
-    {
-        return Console.AskText(caption, prompt, initial);
-    }
-    void SetStatusText(const std::string& text) override { Console.SetStatusText(text); }
-    void ShowProgress(const std::string& caption, const std::string& detail) override
-    {
-        Console.ShowProgress(caption, detail);
-    }
-    void EndProgress() override { Console.EndProgress(); }
-    bool PollEscape() override { return false; }
-    void Beep() override {}
-
-private:
-    platform::ConsoleUi Console{stderr, 1};
-    platform::ConsoleUi Refusing{stderr, 0};
-    std::filesystem::path Output;
-};
-
 struct SaveRequest
 {
     std::vector<std::string> Files;
@@ -81,7 +27,7 @@ struct SaveRequest
     bool Nodes = false;
 };
 
-bool ParseRequest(const std::vector<std::string>& arguments, SaveRequest& request)
+bool ParseRequest(const std::vector<std::string>& arguments, SaveRequest& request, bool editing)
 {
     std::vector<std::string> positional;
     for (std::size_t i = 0; i < arguments.size(); ++i)
@@ -101,7 +47,8 @@ bool ParseRequest(const std::vector<std::string>& arguments, SaveRequest& reques
     }
     if (positional.size() < 2 || request.Output.empty())
     {
-        std::fprintf(stderr, "kelvar-cli: save IWAD [PWAD...] MAPNAME -o OUT.wad [--nodes]\n");
+        std::fprintf(stderr, "kelvar-cli: %s IWAD [PWAD...] MAPNAME -o OUT.wad [--nodes]%s\n",
+                     editing ? "edit" : "save", editing ? " -- COMMAND..." : "");
         return false;
     }
     request.Level = positional.back();
@@ -111,10 +58,10 @@ bool ParseRequest(const std::vector<std::string>& arguments, SaveRequest& reques
 
 } // namespace
 
-int SaveLevel(const std::vector<std::string>& arguments)
+int SaveLevel(const std::vector<std::string>& arguments, const LevelEdit& edit)
 {
     SaveRequest request;
-    if (!ParseRequest(arguments, request))
+    if (!ParseRequest(arguments, request, static_cast<bool>(edit)))
     {
         return ExitUsage;
     }
@@ -134,6 +81,14 @@ int SaveLevel(const std::vector<std::string>& arguments)
     }
     app::Session().LevelLoaded = true;
     app::Session().AppState = app::AppEditing;
+    if (edit)
+    {
+        const int edited = edit();
+        if (edited != ExitOk)
+        {
+            return edited;
+        }
+    }
 
     const int code = request.Nodes ? wad::BuildNodesCode : wad::SaveLevelCode;
     if (app::SaveDispatcher(code, std::nullopt, true) != app::SaveDone)
