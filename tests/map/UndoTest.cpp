@@ -3,8 +3,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "map/Undo.h"
 
+#include "map/LineOps.h"
 #include "map/MapState.h"
 #include "map/ObjectStore.h"
+#include "map/SectorOps.h"
+#include "map/VertexOps.h"
 #include "platform/test/RecordingUi.h"
 #include "tests/testkit/LevelBuilder.h"
 #include "tests/testkit/WadFixture.h"
@@ -208,12 +211,82 @@ struct PlainUndo
     }
 };
 
-// A random edit of the kinds commands make: moves, field changes, insertions, deletions.
+// A list of `count` distinct random objects below `total`.
+ObjectList RandomList(std::mt19937& random, std::int32_t total, int count)
+{
+    ObjectList list;
+    while (list.Size() < count)
+    {
+        const auto object = static_cast<std::int32_t>(random() % static_cast<unsigned>(total));
+        if (!ObjectListContains(list, object))
+        {
+            ObjectListPush(list, object);
+        }
+    }
+    return list;
+}
+
+// One of the Misc menus' operations that asks nothing, on random objects.
+void RandomOperation(LevelData& level, std::mt19937& random)
+{
+    switch (random() % 8)
+    {
+    case 0:
+        SplitLineDefsAtMidpoint(level, RandomList(random, level.LineDefs.Count(), 2));
+        break;
+    case 1:
+        FlipLineDefs(level, RandomList(random, level.LineDefs.Count(), 3),
+                     static_cast<FlipWhat>(random() % 3));
+        break;
+    case 2:
+        MergeSectors(level, RandomList(random, level.Sectors.Count(), 2));
+        break;
+    case 3:
+        (void)Distribute(level, RandomList(random, level.Sectors.Count(), 4),
+                         static_cast<Distributed>(random() % 3));
+        break;
+    case 4:
+    {
+        ObjectList list = RandomList(random, level.Sectors.Count(), 3);
+        RenumberSelected(level, random() % 2 == 0 ? KindSector : KindLineDef, list);
+        break;
+    }
+    case 5:
+        MergeVertexes(level, RandomList(random, level.Vertexes.Count(), 2));
+        break;
+    case 6:
+    {
+        // A wall between two Sectors, so the join goes ahead.
+        const auto line =
+            static_cast<int>(random() % static_cast<unsigned>(level.LineDefs.Count()));
+        const LineDef& wall = std::as_const(level).LineDefs[static_cast<std::size_t>(line)];
+        const auto hasSector = [&](std::uint32_t side)
+        {
+            return side < level.SideDefs.size() &&
+                   std::as_const(level).SideDefs[side].Sector < level.Sectors.size();
+        };
+        if (hasSector(wall.SideDef1) && hasSector(wall.SideDef2))
+        {
+            ObjectList one;
+            ObjectListPush(one, line);
+            EXPECT_TRUE(DeleteLineDefsJoinSectors(level, one));
+        }
+        break;
+    }
+    default:
+        (void)AlignLineDefToGrid(
+            level, static_cast<int>(random() % static_cast<unsigned>(level.LineDefs.Count())), 64);
+        break;
+    }
+}
+
+// A random edit of the kinds commands make: moves, field changes, insertions, deletions, and
+// the object operations.
 void RandomEdit(LevelData& level, std::mt19937& random)
 {
     const auto pick = [&](std::int32_t count)
     { return static_cast<std::size_t>(std::uniform_int_distribution<int>(0, count - 1)(random)); };
-    switch (std::uniform_int_distribution<int>(0, 6)(random))
+    switch (std::uniform_int_distribution<int>(0, 9)(random))
     {
     case 0:
         level.Vertexes[pick(level.Vertexes.Count())].X += 8;
@@ -241,9 +314,12 @@ void RandomEdit(LevelData& level, std::mt19937& random)
     case 5:
         InsertObject(level, KindVertex, -1, static_cast<int>(random() % 3000), 5);
         break;
-    default:
+    case 6:
         level.SideDefs[pick(level.SideDefs.Count())].XOffset += 1;
         NoteChange(level, KindSideDef);
+        break;
+    default:
+        RandomOperation(level, random);
         break;
     }
 }
@@ -261,7 +337,7 @@ TEST_F(UndoWalk, ThousandsOfEditsUndosAndRedosAgreeWithFullCopies)
     PlainUndo model;
     PlainLevel plain = PlainLevel::Of(Map().Level);
     std::mt19937 random(20261124);
-    for (int step = 0; step < 3000; ++step)
+    for (int step = 0; step < 4000; ++step)
     {
         const int action = std::uniform_int_distribution<int>(0, 9)(random);
         if (action < 6)
