@@ -1,12 +1,12 @@
 // The status bar and info pane texts of the current state.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/PaneTexts.h"
-#include "map/GameCodes.h"
 
 #include "app/Modes.h"
 #include "app/Session.h"
 #include "app/ShellState.h"
 #include "game/GameState.h"
+#include "map/GameCodes.h"
 #include "map/MapState.h"
 #include "view/ViewState.h"
 

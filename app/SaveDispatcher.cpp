@@ -1,13 +1,13 @@
 // The save commands of the editor: checks, file, write, reload; backups and the crash save.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/SaveDispatcher.h"
-#include "map/GameCodes.h"
 
 #include "app/LevelSave.h"
 #include "app/PreSaveChecks.h"
 #include "app/SaveTarget.h"
 #include "app/Session.h"
 #include "app/ShellState.h"
+#include "map/GameCodes.h"
 #include "map/MapState.h"
 #include "platform/InstanceLock.h"
 #include "platform/Messages.h"

@@ -1,8 +1,8 @@
 // The built-in defaults of KELVAR.CHK, projects, game configurations and tool files.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/StatusDefaults.h"
-#include "map/GameCodes.h"
 
+#include "map/GameCodes.h"
 #include "wad/GameIdentity.h"
 
 #include <cstdlib>

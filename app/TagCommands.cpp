@@ -1,13 +1,13 @@
 // Set tag or height (Alt+T) and the free tag search its dialog shows.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/TagCommands.h"
-#include "map/GameCodes.h"
 
 #include "app/CommandHandlers.h"
 #include "app/Modes.h"
 #include "app/Session.h"
 #include "app/ShellState.h"
 #include "game/TypeLookup.h"
+#include "map/GameCodes.h"
 #include "map/MapState.h"
 #include "map/ObjectStore.h"
 #include "platform/Format.h"

@@ -1,10 +1,10 @@
 // kelvar-cli commands over one level: level.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/LevelCommands.h"
-#include "map/GameCodes.h"
 
 #include "cli/Commands.h"
 #include "cli/WadCommands.h"
+#include "map/GameCodes.h"
 #include "map/LevelData.h"
 #include "wad/LevelList.h"
 #include "wad/LevelReader.h"

@@ -1,8 +1,8 @@
 // The one instance of the game definitions' state, and the choice of the game's tables.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "game/GameState.h"
-#include "map/GameCodes.h"
 
+#include "map/GameCodes.h"
 #include "wad/WadState.h"
 
 namespace kelvar::game

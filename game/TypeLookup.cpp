@@ -1,10 +1,10 @@
 // The lookups of Thing, LineDef and Sector types in the active tables.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "game/TypeLookup.h"
-#include "map/GameCodes.h"
 
 #include "game/GameState.h"
 #include "game/TypeTables.h"
+#include "map/GameCodes.h"
 
 namespace kelvar::game
 {

@@ -1,9 +1,9 @@
 // The pop-up menus from which a type is picked.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "game/TypeMenus.h"
-#include "map/GameCodes.h"
 
 #include "game/GameState.h"
+#include "map/GameCodes.h"
 #include "map/LevelData.h"
 #include "platform/Format.h"
 

@@ -1,8 +1,8 @@
 // Test Level: the game started on the level's PWAD with a warp to the level.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/TestLevel.h"
-#include "map/GameCodes.h"
 
+#include "map/GameCodes.h"
 #include "map/MapState.h"
 #include "platform/Fatal.h"
 #include "platform/Format.h"

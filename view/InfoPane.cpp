@@ -1,10 +1,10 @@
 // The info pane texts of Things, LineDefs, Vertexes and Sectors, and the status bar fields.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "view/InfoPane.h"
-#include "map/GameCodes.h"
 
 #include "game/TypeLookup.h"
 #include "game/TypeRows.h"
+#include "map/GameCodes.h"
 #include "map/Selection.h"
 #include "platform/Format.h"
 #include "view/HitTest.h"

@@ -2,9 +2,9 @@
 // type's colour.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "view/TypeLooks.h"
-#include "map/GameCodes.h"
 
 #include "game/TypeLookup.h"
+#include "map/GameCodes.h"
 
 namespace kelvar::view
 {

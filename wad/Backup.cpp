@@ -2,8 +2,8 @@
 // with the rest of the file in group mode. Raw material for a recovery, never opened as a WAD.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wad/Backup.h"
-#include "map/GameCodes.h"
 
+#include "map/GameCodes.h"
 #include "platform/Messages.h"
 #include "wad/CheckedFile.h"
 #include "wad/FileTable.h"

@@ -1,8 +1,8 @@
 // Choosing the IWAD and telling which game it belongs to.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wad/GameIdentity.h"
-#include "map/GameCodes.h"
 
+#include "map/GameCodes.h"
 #include "platform/Format.h"
 #include "platform/Messages.h"
 #include "platform/Ui.h"

@@ -1,8 +1,8 @@
 // A level alone in a new PWAD of its own, for another program to read: the 3D viewer's copy.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wad/LevelCopy.h"
-#include "map/GameCodes.h"
 
+#include "map/GameCodes.h"
 #include "wad/CheckedFile.h"
 #include "wad/FindLump.h"
 #include "wad/LevelWriter.h"

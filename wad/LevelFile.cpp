@@ -2,8 +2,8 @@
 // the level's lumps in the canonical order, the reject table, the directory.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wad/LevelFile.h"
-#include "map/GameCodes.h"
 
+#include "map/GameCodes.h"
 #include "platform/Fatal.h"
 #include "platform/Format.h"
 #include "platform/Messages.h"

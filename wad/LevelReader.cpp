@@ -1,8 +1,8 @@
 // The level reader: finding the level, reading and widening its lumps, the layout test.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wad/LevelReader.h"
-#include "map/GameCodes.h"
 
+#include "map/GameCodes.h"
 #include "map/MapState.h"
 #include "map/ObjectStore.h"
 #include "map/SideDefPacking.h"

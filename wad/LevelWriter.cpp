@@ -1,8 +1,8 @@
 // Writing a WAD front to back: the level's rows, copied lumps, the directory.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wad/LevelWriter.h"
-#include "map/GameCodes.h"
 
+#include "map/GameCodes.h"
 #include "platform/Assert.h"
 #include "wad/CheckedFile.h"
 #include "wad/FileTable.h"

@@ -1,8 +1,8 @@
 // The lump directory with its name index; reserved names and the level test.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wad/LumpDirectory.h"
-#include "map/GameCodes.h"
 
+#include "map/GameCodes.h"
 #include "platform/Assert.h"
 
 #include <algorithm>

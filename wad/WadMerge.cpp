@@ -1,8 +1,8 @@
 // The merge pass: marker checks, the lump rule and the level rule for each PWAD entry.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wad/WadMerge.h"
-#include "map/GameCodes.h"
 
+#include "map/GameCodes.h"
 #include "platform/Format.h"
 #include "platform/Messages.h"
 #include "wad/ErrorLog.h"
