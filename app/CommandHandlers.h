@@ -27,6 +27,8 @@ void MiscEntryCommand(int number, CommandSource source);    // 501 to 534, 462, 
 void AlignLineDefCommand(int number, CommandSource source); // 552
 void DeleteCommand(int number, CommandSource source);       // 260, 466
 void MiscMenuCommand(int number, CommandSource source);     // 1008: the mode's Misc popup
+// Insert in Things and Sectors modes (InsertCommands.cpp).
+void InsertCommand(int number, CommandSource source); // 206, 465
 
 /// Runs entry `index` of the Misc popup of `mode` on the selection, or on the highlighted
 /// object when nothing is selected: an undo step for any index above 0, the count guard for

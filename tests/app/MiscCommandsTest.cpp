@@ -5,6 +5,8 @@
 #include "app/TagCommands.h"
 #include "map/Undo.h"
 #include "tests/app/CommandTestKit.h"
+#include "view/ViewState.h"
+#include "view/Viewport.h"
 #include "wad/WadState.h"
 
 namespace kelvar::app
@@ -141,6 +143,46 @@ TEST_F(MiscCommandsTest, DeletingAVertexJoinsItsLinesAndShiftDeleteTurnsTheOptio
     Mark({1});
     ASSERT_EQ(RunCommand(CmdDeleteObjectShift), CommandResult::Done);
     EXPECT_EQ(map::Map().Level.LineDefs.Count(), 0) << "deleted with its lines";
+}
+
+TEST_F(MiscCommandsTest, InsertPutsAThingOnTheGridAtThePointerClonedFromTheHighlight)
+{
+    Edit(TwoRooms(), ModeThings);
+    const map::LevelData before = map::Map().Level;
+    map::Selected().HighlightedObject = 1; // a 3004 at (200, 64)
+    view::View().Pointer = {437, 291, false};
+    view::View().Settings.GridSize = 32;
+    ASSERT_EQ(RunCommand(CmdAddObject), CommandResult::Done);
+    const map::LevelData& level = map::Map().Level;
+    ASSERT_EQ(level.Things.Count(), 4);
+    const map::Thing& added = level.Things[3];
+    EXPECT_EQ(added.Type, 3004);
+    EXPECT_EQ(added.X % 32, 0) << "on the grid";
+    EXPECT_EQ(added.Y % 32, 0);
+    EXPECT_LE(std::abs(added.X - view::ScreenToMapX(view::View().Viewport, 437)), 16);
+    EXPECT_EQ(Highlighted(), 3);
+    ASSERT_EQ(RunCommand(CmdUndo), CommandResult::Done);
+    EXPECT_EQ(map::Map().Level, before);
+}
+
+TEST_F(MiscCommandsTest, InsertAsksTwiceBeforeASectorAndDoesNothingInLineDefsMode)
+{
+    Edit(TwoRooms(), ModeSectors);
+    map::Selected().HighlightedObject = 1;
+    Ui.Answer(0);
+    ASSERT_EQ(RunCommand(CmdInsertObject), CommandResult::Done);
+    EXPECT_EQ(Ui.Last().Title, "New Sector");
+    EXPECT_EQ(Ui.Last().Lines, (std::vector<std::string>{"Create a Sector ?", "Are you SURE ?"}));
+    EXPECT_EQ(map::Map().Level.Sectors.Count(), 2);
+    Ui.Answer(1);
+    ASSERT_EQ(RunCommand(CmdInsertObject), CommandResult::Done);
+    ASSERT_EQ(map::Map().Level.Sectors.Count(), 3);
+    EXPECT_EQ(map::Map().Level.Sectors[2], map::Map().Level.Sectors[1])
+        << "cloned from the highlight";
+    EXPECT_EQ(Highlighted(), 2);
+
+    Shell().Chk.EditMode = ModeLineDefs;
+    EXPECT_EQ(RunCommand(CmdInsertObject), CommandResult::WrongMode);
 }
 
 TEST_F(MiscCommandsTest, EveryMiscEntryIsEnabledOrWaitsForItsTool)
