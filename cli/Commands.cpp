@@ -10,6 +10,7 @@
 #include "cli/SaveCommands.h"
 #include "cli/StatusCommands.h"
 #include "cli/WadCommands.h"
+#include "map/Selection.h"
 #include "platform/ConsoleUi.h"
 #include "platform/Fatal.h"
 #include "platform/Paths.h"
@@ -68,6 +69,23 @@ void PrintUsage(std::FILE* out)
 }
 
 } // namespace
+
+int EditModeOfWord(const std::string& word)
+{
+    if (word == "things")
+    {
+        return map::ModeThings;
+    }
+    if (word == "linedefs")
+    {
+        return map::ModeLineDefs;
+    }
+    if (word == "vertexes")
+    {
+        return map::ModeVertexes;
+    }
+    return word == "sectors" ? map::ModeSectors : 0;
+}
 
 int Run(int argc, char** argv)
 {

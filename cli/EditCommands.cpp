@@ -65,25 +65,22 @@ std::optional<int> MiscNumber(int mode, int index)
     }
 }
 
+// The command that sets the edit mode a word names.
 std::optional<int> ModeCommandOf(const std::string& word)
 {
-    if (word == "things")
+    switch (EditModeOfWord(word))
     {
+    case map::ModeThings:
         return app::CmdThingsMode;
-    }
-    if (word == "linedefs")
-    {
+    case map::ModeLineDefs:
         return app::CmdLineDefsMode;
-    }
-    if (word == "vertexes")
-    {
+    case map::ModeVertexes:
         return app::CmdVertexesMode;
-    }
-    if (word == "sectors")
-    {
+    case map::ModeSectors:
         return app::CmdSectorsMode;
+    default:
+        return std::nullopt;
     }
-    return std::nullopt;
 }
 
 int Refuse(const std::string& command, const char* why)

@@ -27,23 +27,6 @@ struct RenderRequest
     int Height = 960;
 };
 
-int ModeOf(const std::string& word)
-{
-    if (word == "things")
-    {
-        return view::ModeThings;
-    }
-    if (word == "linedefs")
-    {
-        return view::ModeLineDefs;
-    }
-    if (word == "vertexes")
-    {
-        return view::ModeVertexes;
-    }
-    return word == "sectors" ? view::ModeSectors : 0;
-}
-
 // Reads the arguments; false (after saying why) when they don't make a request.
 bool ParseRequest(const std::vector<std::string>& arguments, RenderRequest& request)
 {
@@ -58,7 +41,7 @@ bool ParseRequest(const std::vector<std::string>& arguments, RenderRequest& requ
         }
         else if (word == "--mode" && hasValue)
         {
-            request.Mode = ModeOf(arguments[++i]);
+            request.Mode = EditModeOfWord(arguments[++i]);
             if (request.Mode == 0)
             {
                 std::fprintf(stderr,

@@ -84,23 +84,22 @@ void FlipLine(LevelData& level, std::size_t at)
     std::swap(line.SideDef1, line.SideDef2);
 }
 
-// Asks the speed and delay of a Hexen mover under `caption`; nothing when cancelled.
-std::optional<MoverTiming> AskTiming(const char* caption, const char* speedPrompt,
-                                     const char* delayPrompt, MoverTiming initial)
+// Asks the speed and delay of a Hexen mover under `caption`, starting from `timing`; false
+// when cancelled.
+bool AskTiming(const char* caption, const char* speedPrompt, const char* delayPrompt,
+               MoverTiming& timing)
 {
     const std::optional<int> speed =
-        platform::TheUi().AskNumber(caption, speedPrompt, initial.Speed, 0, 255);
-    if (!speed)
-    {
-        return std::nullopt;
-    }
+        platform::TheUi().AskNumber(caption, speedPrompt, timing.Speed, 0, 255);
     const std::optional<int> delay =
-        platform::TheUi().AskNumber(caption, delayPrompt, initial.Delay, 0, 255);
+        speed ? platform::TheUi().AskNumber(caption, delayPrompt, timing.Delay, 0, 255)
+              : std::nullopt;
     if (!delay)
     {
-        return std::nullopt;
+        return false;
     }
-    return MoverTiming{*speed, *delay};
+    timing = {*speed, *delay};
+    return true;
 }
 
 void SetTiming(LineDef& line, MoverTiming timing)
@@ -201,15 +200,9 @@ bool MakeDoorFromSector(LevelData& level, int sector, bool hexen)
         return false;
     }
     MoverTiming timing{16, 100};
-    if (hexen)
+    if (hexen && !AskTiming("Door Options", "Door Speed", "Door Delay", timing))
     {
-        const std::optional<MoverTiming> asked =
-            AskTiming("Door Options", "Door Speed", "Door Delay", timing);
-        if (!asked)
-        {
-            return false;
-        }
-        timing = *asked;
+        return false;
     }
     const DefaultTextures& textures = Map().Textures;
     std::vector<std::size_t> doors = lines.OnBack;
@@ -263,15 +256,9 @@ bool MakeLiftFromSector(LevelData& level, int sector, int freeTag, bool hexen)
         return false;
     }
     MoverTiming timing{8, 50};
-    if (hexen)
+    if (hexen && !AskTiming("Lift Options", "Lift Speed", "Lift Delay", timing))
     {
-        const std::optional<MoverTiming> asked =
-            AskTiming("Lift Options", "Lift Speed", "Lift Delay", timing);
-        if (!asked)
-        {
-            return false;
-        }
-        timing = *asked;
+        return false;
     }
     // Every two-sided LineDef faces out of the lift, its neighbour in front.
     std::vector<std::size_t> edges = lines.OnBack;
