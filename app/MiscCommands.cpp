@@ -12,6 +12,7 @@
 #include "map/GameCodes.h"
 #include "map/LineOps.h"
 #include "map/MapState.h"
+#include "map/MoverOps.h"
 #include "map/ObjectStore.h"
 #include "map/SectorOps.h"
 #include "map/Undo.h"

@@ -1,4 +1,4 @@
-// Operations on Sectors: merge, join, door and lift makers, distribution.
+// Operations on Sectors: merge, join across deleted LineDefs, distribution.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "map/SectorOps.h"
 
@@ -20,118 +20,17 @@ namespace kelvar::map
 namespace
 {
 
-// Flag words of the door and lift LineDefs.
-constexpr std::uint16_t HexenUseRepeatFlags = 1540; // two-sided, repeatable, used
-constexpr std::uint16_t HexenWalkRepeatFlags = 516; // two-sided, repeatable, walked over
-constexpr std::uint16_t TrackFlags = 17;            // impassable, lower unpegged
-
-// Door and lift specials.
-constexpr std::uint32_t DoomDoorType = 1;
-constexpr std::uint32_t HexenDoorType = 12;
-constexpr std::uint32_t LiftType = 62;
-constexpr std::uint32_t DoomLiftTriggerType = 88;
-
 bool HasSector(const LevelData& level, std::uint32_t side)
 {
     return side < level.SideDefs.size() && level.SideDefs[side].Sector < level.Sectors.size();
 }
 
+} // namespace
+
 std::uint32_t SectorOfSide(const LevelData& level, std::uint32_t side)
 {
     return side < level.SideDefs.size() ? level.SideDefs[side].Sector : NoSector;
 }
-
-// The LineDefs of a Sector, by how they meet it.
-struct SectorLines
-{
-    std::vector<std::size_t> OnBack;  // two-sided, the Sector behind
-    std::vector<std::size_t> OnFront; // two-sided, the Sector in front
-    std::vector<std::size_t> OneSided;
-};
-
-SectorLines LinesOf(const LevelData& level, std::uint32_t sector)
-{
-    SectorLines lines;
-    for (std::size_t at = 0; at < level.LineDefs.size(); ++at)
-    {
-        const LineDef& line = level.LineDefs[at];
-        const bool front = SectorOfSide(level, line.SideDef1) == sector;
-        const bool back = SectorOfSide(level, line.SideDef2) == sector;
-        if (!front && !back)
-        {
-            continue;
-        }
-        if (line.SideDef1 == NoSideDef || line.SideDef2 == NoSideDef)
-        {
-            lines.OneSided.push_back(at);
-        }
-        else if (back)
-        {
-            lines.OnBack.push_back(at);
-        }
-        else
-        {
-            lines.OnFront.push_back(at);
-        }
-    }
-    return lines;
-}
-
-void FlipLine(LevelData& level, std::size_t at)
-{
-    LineDef& line = level.LineDefs[at];
-    std::swap(line.StartVertex, line.EndVertex);
-    std::swap(line.SideDef1, line.SideDef2);
-}
-
-// Asks the speed and delay of a Hexen mover under `caption`, starting from `timing`; false
-// when cancelled.
-bool AskTiming(const char* caption, const char* speedPrompt, const char* delayPrompt,
-               MoverTiming& timing)
-{
-    const std::optional<int> speed =
-        platform::TheUi().AskNumber(caption, speedPrompt, timing.Speed, 0, 255);
-    const std::optional<int> delay =
-        speed ? platform::TheUi().AskNumber(caption, delayPrompt, timing.Delay, 0, 255)
-              : std::nullopt;
-    if (!delay)
-    {
-        return false;
-    }
-    timing = {*speed, *delay};
-    return true;
-}
-
-void SetTiming(LineDef& line, MoverTiming timing)
-{
-    line.Args[0] = static_cast<std::uint8_t>(timing.Speed);
-    line.Args[1] = static_cast<std::uint8_t>(timing.Delay);
-}
-
-// True when the door may be made of a Sector with `twoSided` two-sided LineDefs.
-bool DoorSidesAgree(std::size_t twoSided, int sector)
-{
-    if (twoSided < 2)
-    {
-        platform::ShowMessageLines(0, "Door",
-                                   {platform::Format("Only %d LineDef with 2 sides for Sector %d",
-                                                     static_cast<int>(twoSided), sector),
-                                    "Add a second side to the LineDef(s)"});
-        return false;
-    }
-    if (twoSided > 2)
-    {
-        return platform::ShowMessageLines(
-                   platform::LinesCancel, "Door",
-                   {platform::Format("%d LineDefs with 2 sides Found for Sector %d",
-                                     static_cast<int>(twoSided), sector),
-                    "The door will have too many sides", "Continue ?"},
-                   platform::MessageButtons::YesNo) == 1;
-    }
-    return true;
-}
-
-} // namespace
 
 void MergeSectors(LevelData& level, const ObjectList& list)
 {
@@ -158,7 +57,7 @@ bool DeleteLineDefsJoinSectors(LevelData& level, const ObjectList& list)
     const std::vector<std::int32_t> lines = list.Objects();
     for (const std::int32_t number : lines)
     {
-        const LineDef& line = level.LineDefs[static_cast<std::size_t>(number)];
+        const LineDef& line = std::as_const(level).LineDefs[static_cast<std::size_t>(number)];
         if (line.SideDef1 == NoSideDef || line.SideDef2 == NoSideDef)
         {
             platform::ShowMessageLines(platform::LinesError, "Join Sectors",
@@ -188,149 +87,6 @@ bool DeleteLineDefsJoinSectors(LevelData& level, const ObjectList& list)
         ObjectListPush(deleted, number);
     }
     DeleteObjectList(level, KindLineDef, deleted);
-    return true;
-}
-
-bool MakeDoorFromSector(LevelData& level, int sector, bool hexen)
-{
-    const auto number = static_cast<std::uint32_t>(sector);
-    const SectorLines lines = LinesOf(level, number);
-    if (!DoorSidesAgree(lines.OnBack.size() + lines.OnFront.size(), sector))
-    {
-        return false;
-    }
-    MoverTiming timing{16, 100};
-    if (hexen && !AskTiming("Door Options", "Door Speed", "Door Delay", timing))
-    {
-        return false;
-    }
-    const DefaultTextures& textures = Map().Textures;
-    std::vector<std::size_t> doors = lines.OnBack;
-    for (const std::size_t at : lines.OnFront)
-    {
-        FlipLine(level, at); // every door face points away from the door's Sector
-        doors.push_back(at);
-    }
-    for (const std::size_t at : doors)
-    {
-        LineDef& line = level.LineDefs[at];
-        line.Type = hexen ? HexenDoorType : DoomDoorType;
-        line.Flags = hexen ? HexenUseRepeatFlags : FlagTwoSided;
-        if (hexen)
-        {
-            SetTiming(line, timing);
-        }
-        const std::uint32_t front = line.SideDef1;
-        const std::uint32_t back = line.SideDef2;
-        level.SideDefs[front].UpperTexture = textures.Door;
-        level.SideDefs[front].NormalTexture = NoTexture;
-        level.SideDefs[back].NormalTexture = NoTexture;
-    }
-    for (const std::size_t at : lines.OneSided)
-    {
-        LineDef& line = level.LineDefs[at];
-        line.Flags = TrackFlags;
-        const std::uint32_t side = line.SideDef1 != NoSideDef ? line.SideDef1 : line.SideDef2;
-        SideDef& face = level.SideDefs[side];
-        face.NormalTexture = textures.DoorTrack;
-        face.UpperTexture = NoTexture;
-        face.LowerTexture = NoTexture;
-    }
-    Sector& door = level.Sectors[number];
-    door.CeilingHeight = door.FloorHeight;
-    door.CeilingTexture = textures.DoorCeiling;
-    NoteChange(level, KindSector);
-    return true;
-}
-
-bool MakeLiftFromSector(LevelData& level, int sector, int freeTag, bool hexen)
-{
-    const auto number = static_cast<std::uint32_t>(sector);
-    const SectorLines lines = LinesOf(level, number);
-    if (lines.OnBack.empty() && lines.OnFront.empty())
-    {
-        platform::ShowMessageLines(0, "Lift",
-                                   {"The Lift has all 1-sided lines?",
-                                    "Add at least one 2-sided line",
-                                    "that adjoins a Sector Lower or"});
-        return false;
-    }
-    MoverTiming timing{8, 50};
-    if (hexen && !AskTiming("Lift Options", "Lift Speed", "Lift Delay", timing))
-    {
-        return false;
-    }
-    // Every two-sided LineDef faces out of the lift, its neighbour in front.
-    std::vector<std::size_t> edges = lines.OnBack;
-    for (const std::size_t at : lines.OnFront)
-    {
-        FlipLine(level, at);
-        edges.push_back(at);
-    }
-    int lowest = 0x7FFF;
-    int highest = -0x8000;
-    for (const std::size_t at : edges)
-    {
-        const std::uint32_t neighbour =
-            SectorOfSide(level, std::as_const(level).LineDefs[at].SideDef1);
-        const int floor = std::as_const(level).Sectors[neighbour].FloorHeight;
-        lowest = std::min(lowest, floor);
-        highest = std::max(highest, floor);
-    }
-    Sector& lift = level.Sectors[number];
-    lift.FloorHeight = static_cast<std::int16_t>(std::max<int>(lift.FloorHeight, highest));
-    lift.CeilingHeight = static_cast<std::int16_t>(std::max<int>(lift.CeilingHeight, highest + 64));
-    lift.Tag = static_cast<std::uint16_t>(freeTag);
-    const int liftFloor = lift.FloorHeight;
-    const DefaultTextures& textures = Map().Textures;
-    for (const std::size_t at : edges)
-    {
-        LineDef& line = level.LineDefs[at];
-        line.Type = LiftType;
-        line.Tag = static_cast<std::uint16_t>(freeTag);
-        line.Flags = hexen ? HexenUseRepeatFlags : FlagTwoSided;
-        if (hexen)
-        {
-            SetTiming(line, timing);
-        }
-        SideDef& front = level.SideDefs[line.SideDef1];
-        if (front.LowerTexture == NoTexture)
-        {
-            front.LowerTexture = front.NormalTexture.IsNone() ? textures.Lift : front.NormalTexture;
-        }
-        const int neighbourFloor = std::as_const(level).Sectors[front.Sector].FloorHeight;
-        if (neighbourFloor > lowest)
-        {
-            level.SideDefs[line.SideDef2].LowerTexture = textures.Lift;
-        }
-        if (neighbourFloor >= liftFloor)
-        {
-            // Walked over from the top: the trigger side.
-            if (hexen)
-            {
-                line.Flags = HexenWalkRepeatFlags;
-            }
-            else
-            {
-                line.Type = DoomLiftTriggerType;
-            }
-            FlipLine(level, at);
-        }
-    }
-    for (const std::size_t at : lines.OneSided)
-    {
-        LineDef& line = level.LineDefs[at];
-        line.Flags = FlagImpassable;
-        const std::uint32_t side = line.SideDef1 != NoSideDef ? line.SideDef1 : line.SideDef2;
-        SideDef& wall = level.SideDefs[side];
-        if (wall.NormalTexture.IsNone())
-        {
-            wall.NormalTexture = textures.Normal;
-        }
-        wall.UpperTexture = NoTexture;
-        wall.LowerTexture = NoTexture;
-    }
-    NoteChange(level, KindSector);
     return true;
 }
 

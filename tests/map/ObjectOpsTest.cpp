@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "map/LineOps.h"
 #include "map/MapState.h"
+#include "map/MoverOps.h"
 #include "map/ObjectStore.h"
 #include "map/SectorOps.h"
 #include "map/Undo.h"

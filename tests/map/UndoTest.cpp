@@ -5,6 +5,7 @@
 
 #include "map/LineOps.h"
 #include "map/MapState.h"
+#include "map/MoverOps.h"
 #include "map/ObjectStore.h"
 #include "map/SectorOps.h"
 #include "map/VertexOps.h"
