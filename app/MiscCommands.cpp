@@ -194,6 +194,9 @@ void RunLineDefEntry(map::LevelData& level, int index, map::ObjectList& list)
     case 8:
         map::FlipLineDefs(level, list, map::FlipWhat::VertexesOnly);
         break;
+    case 9:
+        map::MakeDoorFromLineDefs(level, list, HexenFormat());
+        break;
     case 11:
         map::RenumberSelected(level, map::KindLineDef, list);
         break;

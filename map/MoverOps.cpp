@@ -9,6 +9,8 @@
 #include "platform/Messages.h"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -120,6 +122,129 @@ bool DoorSidesAgree(std::size_t twoSided, int sector)
     return true;
 }
 
+// A two-sided LineDef becomes a door face: the door special, the door texture above its
+// front, no middle textures.
+void MakeDoorFace(LevelData& level, std::size_t at, bool hexen, MoverTiming timing)
+{
+    LineDef& line = level.LineDefs[at];
+    line.Type = hexen ? HexenDoorType : DoomDoorType;
+    line.Flags = hexen ? HexenUseRepeatFlags : FlagTwoSided;
+    if (hexen)
+    {
+        SetTiming(line, timing);
+    }
+    const std::uint32_t front = line.SideDef1;
+    const std::uint32_t back = line.SideDef2;
+    level.SideDefs[front].UpperTexture = Map().Textures.Door;
+    level.SideDefs[front].NormalTexture = NoTexture;
+    level.SideDefs[back].NormalTexture = NoTexture;
+}
+
+// A one-sided LineDef becomes a door track: impassable, lower unpegged, the track texture.
+void MakeTrack(LevelData& level, std::size_t at)
+{
+    LineDef& line = level.LineDefs[at];
+    line.Flags = TrackFlags;
+    const std::uint32_t side = line.SideDef1 != NoSideDef ? line.SideDef1 : line.SideDef2;
+    SideDef& face = level.SideDefs[side];
+    face.NormalTexture = Map().Textures.DoorTrack;
+    face.UpperTexture = NoTexture;
+    face.LowerTexture = NoTexture;
+}
+
+// Four LineDefs as two pairs that meet end to end, and which of each pair is the door face.
+struct DoorQuad
+{
+    std::array<std::size_t, 4> Lines{}; // door, track, door, track
+};
+
+bool ShareAVertex(const LineDef& a, const LineDef& b)
+{
+    return a.StartVertex == b.StartVertex || a.StartVertex == b.EndVertex ||
+           a.EndVertex == b.StartVertex || a.EndVertex == b.EndVertex;
+}
+
+struct Point
+{
+    double X = 0;
+    double Y = 0;
+};
+
+Point PointAlong(const LevelData& level, const LineDef& line, double fraction)
+{
+    const Vertex& start = level.Vertexes[line.StartVertex];
+    const Vertex& end = level.Vertexes[line.EndVertex];
+    return {start.X + (end.X - start.X) * fraction, start.Y + (end.Y - start.Y) * fraction};
+}
+
+double Distance(Point a, Point b)
+{
+    return std::hypot(a.X - b.X, a.Y - b.Y);
+}
+
+// Of a pair, the door face first: the LineDef whose point a third along lies nearer to the
+// middle of the other pair.
+std::array<std::size_t, 2> DoorFirst(const LevelData& level, std::size_t a, std::size_t b,
+                                     std::size_t c, std::size_t d)
+{
+    const Point c1 = PointAlong(level, level.LineDefs[c], 0.5);
+    const Point d1 = PointAlong(level, level.LineDefs[d], 0.5);
+    const Point middle{(c1.X + d1.X) / 2, (c1.Y + d1.Y) / 2};
+    const double nearA = Distance(PointAlong(level, level.LineDefs[a], 1.0 / 3), middle);
+    const double nearB = Distance(PointAlong(level, level.LineDefs[b], 1.0 / 3), middle);
+    return nearA <= nearB ? std::array<std::size_t, 2>{a, b} : std::array<std::size_t, 2>{b, a};
+}
+
+std::optional<DoorQuad> FindDoorQuad(const LevelData& level, const std::vector<std::int32_t>& lines)
+{
+    std::array<std::size_t, 4> at{};
+    for (std::size_t i = 0; i < 4; ++i)
+    {
+        at[i] = static_cast<std::size_t>(lines[i]);
+    }
+    // The first LineDef's partner, then the other two must meet as well.
+    for (std::size_t partner = 1; partner < 4; ++partner)
+    {
+        std::array<std::size_t, 2> rest{};
+        std::size_t n = 0;
+        for (std::size_t i = 1; i < 4; ++i)
+        {
+            if (i != partner)
+            {
+                rest[n++] = at[i];
+            }
+        }
+        if (ShareAVertex(level.LineDefs[at[0]], level.LineDefs[at[partner]]) &&
+            ShareAVertex(level.LineDefs[rest[0]], level.LineDefs[rest[1]]))
+        {
+            const auto first = DoorFirst(level, at[0], at[partner], rest[0], rest[1]);
+            const auto second = DoorFirst(level, rest[0], rest[1], at[0], at[partner]);
+            return DoorQuad{{first[0], first[1], second[0], second[1]}};
+        }
+    }
+    return std::nullopt;
+}
+
+// A door face's sides: a back facing the door's Sector when it has none, and a front when it
+// lacks one, with the warning that its Sector must be checked by hand.
+void AddDoorSides(LevelData& level, std::size_t at, std::uint32_t sector)
+{
+    if (std::as_const(level).LineDefs[at].SideDef2 == NoSideDef)
+    {
+        const auto back = static_cast<std::uint32_t>(InsertObject(level, KindSideDef, -1, 0, 0));
+        level.SideDefs[back].Sector = sector;
+        level.LineDefs[at].SideDef2 = back;
+    }
+    if (std::as_const(level).LineDefs[at].SideDef1 == NoSideDef)
+    {
+        const auto front = static_cast<std::uint32_t>(InsertObject(level, KindSideDef, -1, 0, 0));
+        level.LineDefs[at].SideDef1 = front;
+        platform::ShowMessageLines(0, "Door LineDefs",
+                                   {"Missing sideDef1 was added", "You must manually edit the",
+                                    "LineDef and Check the Sector Ref!"});
+    }
+}
+
 } // namespace
 
 bool MakeDoorFromSector(LevelData& level, int sector, bool hexen)
@@ -135,7 +260,6 @@ bool MakeDoorFromSector(LevelData& level, int sector, bool hexen)
     {
         return false;
     }
-    const DefaultTextures& textures = Map().Textures;
     std::vector<std::size_t> doors = lines.OnBack;
     for (const std::size_t at : lines.OnFront)
     {
@@ -144,32 +268,15 @@ bool MakeDoorFromSector(LevelData& level, int sector, bool hexen)
     }
     for (const std::size_t at : doors)
     {
-        LineDef& line = level.LineDefs[at];
-        line.Type = hexen ? HexenDoorType : DoomDoorType;
-        line.Flags = hexen ? HexenUseRepeatFlags : FlagTwoSided;
-        if (hexen)
-        {
-            SetTiming(line, timing);
-        }
-        const std::uint32_t front = line.SideDef1;
-        const std::uint32_t back = line.SideDef2;
-        level.SideDefs[front].UpperTexture = textures.Door;
-        level.SideDefs[front].NormalTexture = NoTexture;
-        level.SideDefs[back].NormalTexture = NoTexture;
+        MakeDoorFace(level, at, hexen, timing);
     }
     for (const std::size_t at : lines.OneSided)
     {
-        LineDef& line = level.LineDefs[at];
-        line.Flags = TrackFlags;
-        const std::uint32_t side = line.SideDef1 != NoSideDef ? line.SideDef1 : line.SideDef2;
-        SideDef& face = level.SideDefs[side];
-        face.NormalTexture = textures.DoorTrack;
-        face.UpperTexture = NoTexture;
-        face.LowerTexture = NoTexture;
+        MakeTrack(level, at);
     }
     Sector& door = level.Sectors[number];
     door.CeilingHeight = door.FloorHeight;
-    door.CeilingTexture = textures.DoorCeiling;
+    door.CeilingTexture = Map().Textures.DoorCeiling;
     NoteChange(level, KindSector);
     return true;
 }
@@ -261,6 +368,59 @@ bool MakeLiftFromSector(LevelData& level, int sector, int freeTag, bool hexen)
         wall.UpperTexture = NoTexture;
         wall.LowerTexture = NoTexture;
     }
+    NoteChange(level, KindSector);
+    return true;
+}
+
+bool MakeDoorFromLineDefs(LevelData& level, const ObjectList& list, bool hexen)
+{
+    const std::vector<std::int32_t> lines = list.Objects();
+    if (lines.size() != 4)
+    {
+        platform::ShowMessageLines(
+            0, "Door Error",
+            {"Select EXACTLY 4 LineDefs",
+             platform::Format("You have %d selected", static_cast<int>(lines.size()))});
+        return false;
+    }
+    const std::optional<DoorQuad> quad = FindDoorQuad(level, lines);
+    if (!quad)
+    {
+        platform::ShowMessageLines(
+            0, "Door LineDefs",
+            {"LineDefs Not Selected Correctly", "The LineDefs must all touch each other"});
+        return false;
+    }
+    MoverTiming timing{16, 100};
+    if (hexen && !AskTiming("Door Options", "Door Speed", "Door Delay", timing))
+    {
+        return false;
+    }
+    const auto [door1, track1, door2, track2] = quad->Lines;
+    // The passage the door stands in: the Sector the tracks were in.
+    const std::uint32_t passage =
+        SectorOfSide(level, std::as_const(level).LineDefs[track1].SideDef1);
+    const auto sector = static_cast<std::uint32_t>(InsertObject(level, KindSector, -1, 0, 0));
+    for (const std::size_t door : {door1, door2})
+    {
+        AddDoorSides(level, door, sector);
+        MakeDoorFace(level, door, hexen, timing);
+    }
+    for (const std::size_t track : {track1, track2})
+    {
+        const std::uint32_t side = std::as_const(level).LineDefs[track].SideDef1;
+        if (side != NoSideDef)
+        {
+            level.SideDefs[side].Sector = sector;
+        }
+        MakeTrack(level, track);
+    }
+    Sector& made = level.Sectors[sector];
+    const std::int16_t floor =
+        passage < level.Sectors.size() ? std::as_const(level).Sectors[passage].FloorHeight : 0;
+    made.FloorHeight = floor;
+    made.CeilingHeight = floor;
+    made.CeilingTexture = Map().Textures.DoorCeiling;
     NoteChange(level, KindSector);
     return true;
 }

@@ -27,6 +27,12 @@ struct MoverTiming
 /// speed and delay. Returns true when the door was made.
 bool MakeDoorFromSector(LevelData& level, int sector, bool hexen);
 
+/// Makes a door of four LineDefs drawn across a passage: two pairs that meet end to end, the
+/// LineDef of each pair nearer the other pair being the door face and the other its track. A
+/// new Sector, closed at the floor of the passage, takes the faces' backs and the tracks'
+/// sides. Refuses another number of LineDefs, or four that don't make two such pairs.
+bool MakeDoorFromLineDefs(LevelData& level, const ObjectList& list, bool hexen);
+
 /// Makes a lift of `sector`: raised to its highest neighbour's floor, tagged with `freeTag`,
 /// its two-sided LineDefs lowering it, those from neighbours at its top walked over. Refuses
 /// a Sector without a two-sided LineDef. Returns true when the lift was made.

@@ -430,6 +430,61 @@ TEST_F(ObjectOpsTest, ADoorRefusesTooFewTwoSidedLinesAndAsksAboutTooMany)
     EXPECT_EQ(Level(), three);
 }
 
+// A passage, Sector 0 from x 0 to 256, with a door drawn across it from x 120 to 136: its two
+// faces (LineDefs 4 and 6, across the passage) and its tracks (5 and 7, along the walls).
+testkit::LevelBuilder DoorDrawnInAPassage()
+{
+    testkit::LevelBuilder passage;
+    passage.Room(0, 0, 256, 128);
+    passage.Level().Sectors[0].FloorHeight = 24;
+    passage.Vertex(120, 0).Vertex(136, 0).Vertex(136, 128).Vertex(120, 128); // 4 to 7
+    passage.Side(0).Side(0).Side(0).Side(0);                                 // 4 to 7
+    passage.Line(7, 4, 4).Line(4, 5, 5).Line(5, 6, 6).Line(6, 7, 7);
+    return passage;
+}
+
+TEST_F(ObjectOpsTest, FourLinesDrawnAcrossAPassageBecomeADoorWithItsTracks)
+{
+    Map().Level = DoorDrawnInAPassage().Build();
+    const LevelData after = FourStates(
+        [](LevelData& level) {
+            EXPECT_TRUE(MakeDoorFromLineDefs(level, Marked({5, 4, 7, 6}), false));
+        });
+    ASSERT_EQ(after.Sectors.Count(), 2);
+    const Sector& door = after.Sectors[1];
+    EXPECT_EQ(door.FloorHeight, 24) << "closed at the passage's floor";
+    EXPECT_EQ(door.CeilingHeight, 24);
+    EXPECT_EQ(door.CeilingTexture, Map().Textures.DoorCeiling);
+    for (const std::size_t face : {4u, 6u})
+    {
+        const LineDef& line = after.LineDefs[face];
+        EXPECT_EQ(line.Type, 1u) << face;
+        EXPECT_EQ(line.Flags, FlagTwoSided);
+        ASSERT_NE(line.SideDef2, NoSideDef);
+        EXPECT_EQ(after.SideDefs[line.SideDef2].Sector, 1u);
+        EXPECT_EQ(after.SideDefs[line.SideDef1].UpperTexture, Map().Textures.Door);
+    }
+    for (const std::size_t track : {5u, 7u})
+    {
+        const LineDef& line = after.LineDefs[track];
+        EXPECT_EQ(line.Flags, 17) << track;
+        EXPECT_EQ(after.SideDefs[line.SideDef1].Sector, 1u);
+        EXPECT_EQ(after.SideDefs[line.SideDef1].NormalTexture, Map().Textures.DoorTrack);
+    }
+}
+
+TEST_F(ObjectOpsTest, ADoorOfLineDefsNeedsFourThatMeetInPairs)
+{
+    Map().Level = DoorDrawnInAPassage().Build();
+    const LevelData before = Level();
+    EXPECT_FALSE(MakeDoorFromLineDefs(Map().Level, Marked({4, 5, 6}), false));
+    EXPECT_EQ(Ui.Last().Title, "Door Error");
+    EXPECT_TRUE(Ui.Saw("You have 3 selected"));
+    EXPECT_FALSE(MakeDoorFromLineDefs(Map().Level, Marked({0, 2, 4, 6}), false));
+    EXPECT_TRUE(Ui.Saw("The LineDefs must all touch each other"));
+    EXPECT_EQ(Level(), before);
+}
+
 TEST_F(ObjectOpsTest, ALiftRisesToItsHighestNeighbourAndTriggersFromThere)
 {
     Map().Level = ThreeRooms(0, 0, 64).Build();
