@@ -23,10 +23,11 @@ void ResetRecentCommand(int number, CommandSource source); // 123
 void StartupCommand(int number, CommandSource source);     // 1280, 1284
 
 // The Misc popups, their keys and Delete (MiscCommands.cpp).
-void MiscEntryCommand(int number, CommandSource source);    // 501 to 534, 462, 463, 475, 550, 553
-void AlignLineDefCommand(int number, CommandSource source); // 552
-void DeleteCommand(int number, CommandSource source);       // 260, 466
-void MiscMenuCommand(int number, CommandSource source);     // 1008: the mode's Misc popup
+void MiscEntryCommand(int number, CommandSource source);      // 501 to 534, 462, 463, 475, 550, 553
+void AlignLineDefCommand(int number, CommandSource source);   // 552
+void AlignTexturesYCommand(int number, CommandSource source); // 479, 481, 535, 536, 601
+void DeleteCommand(int number, CommandSource source);         // 260, 466
+void MiscMenuCommand(int number, CommandSource source);       // 1008: the mode's Misc popup
 // Insert in Things and Sectors modes (InsertCommands.cpp).
 void InsertCommand(int number, CommandSource source); // 206, 465
 

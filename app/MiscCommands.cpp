@@ -15,6 +15,7 @@
 #include "map/MoverOps.h"
 #include "map/ObjectStore.h"
 #include "map/SectorOps.h"
+#include "map/TextureAlign.h"
 #include "map/Undo.h"
 #include "map/VertexOps.h"
 #include "platform/Format.h"
@@ -346,6 +347,43 @@ void AlignLineDefCommand(int /*number*/, CommandSource /*source*/)
     if (!map::AlignLineDefToGrid(map.Level, line, map.Options.GridSize))
     {
         (void)map::DropLastUndoStep(); // a straight LineDef takes no step
+        return;
+    }
+    AfterEdit(map.Level);
+}
+
+void AlignTexturesYCommand(int number, CommandSource /*source*/)
+{
+    map::MapState& map = map::Map();
+    TakeHighlightIfEmpty(map.Level, ModeLineDefs);
+    if (map.Select.Selection.Empty())
+    {
+        platform::TheUi().Beep();
+        return;
+    }
+    (void)map::SaveUndoStep();
+    map::AlignResult result = map::AlignResult::NothingDone;
+    if (number == CmdAlignY)
+    {
+        // Both sides: the second when the first did nothing.
+        result = map::AlignTexturesY(map.Level, map.Select.Selection, 1);
+        if (result != map::AlignResult::Done)
+        {
+            result = map::AlignTexturesY(map.Level, map.Select.Selection, 2);
+        }
+    }
+    else
+    {
+        const bool first = number == CmdAlignYShift || number == CmdAlignYSide1;
+        result = map::AlignTexturesY(map.Level, map.Select.Selection, first ? 1 : 2);
+    }
+    if (result == map::AlignResult::AllPegged)
+    {
+        platform::ShowMessageLines(0, "Align Textures", {"Pegged Textures are Ignored!"});
+    }
+    if (result != map::AlignResult::Done)
+    {
+        (void)map::DropLastUndoStep();
         return;
     }
     AfterEdit(map.Level);

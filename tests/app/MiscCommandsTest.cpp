@@ -185,6 +185,19 @@ TEST_F(MiscCommandsTest, InsertAsksTwiceBeforeASectorAndDoesNothingInLineDefsMod
     EXPECT_EQ(RunCommand(CmdInsertObject), CommandResult::WrongMode);
 }
 
+TEST_F(MiscCommandsTest, AligningOnlyUnpeggedLinesTellsSoAndTakesNoStep)
+{
+    map::LevelData level = TwoRooms();
+    level.LineDefs[0].Flags |= 8;
+    level.LineDefs[1].Flags |= 16;
+    Edit(std::move(level), ModeLineDefs);
+    Mark({0, 1});
+    ASSERT_EQ(RunCommand(CmdAlignY), CommandResult::Done);
+    EXPECT_TRUE(Ui.Saw("Pegged Textures are Ignored!"));
+    EXPECT_EQ(map::Map().Undo.Position, -1) << "nothing done, nothing to undo";
+    EXPECT_EQ(map::Map().Level.ChangeCount, 0);
+}
+
 TEST_F(MiscCommandsTest, EveryMiscEntryIsEnabledOrWaitsForItsTool)
 {
     const std::vector<int> built = {502,
@@ -207,6 +220,9 @@ TEST_F(MiscCommandsTest, EveryMiscEntryIsEnabledOrWaitsForItsTool)
                                     CmdSplitAddVertex,
                                     CmdSwapSideDefs,
                                     CmdFlipVertexesOnly,
+                                    CmdAlignY,
+                                    CmdAlignYShift,
+                                    CmdAlignYSide2,
                                     CmdAlignLineDef,
                                     CmdDeleteVertexJoin,
                                     CmdMiscMenu};

@@ -6,6 +6,7 @@
 #include "map/MoverOps.h"
 #include "map/ObjectStore.h"
 #include "map/SectorOps.h"
+#include "map/TextureAlign.h"
 #include "map/Undo.h"
 #include "map/VertexOps.h"
 #include "platform/test/RecordingUi.h"
@@ -234,6 +235,52 @@ TEST_F(ObjectOpsTest, JoiningRefusesALineDefWithOneSideAndChangesNothing)
     EXPECT_FALSE(DeleteLineDefsJoinSectors(Map().Level, Marked({4, 0})));
     EXPECT_TRUE(Ui.Saw("LineDef 0 has only one side"));
     EXPECT_EQ(Level(), before);
+}
+
+TEST_F(ObjectOpsTest, VerticalOffsetsFollowTheFirstSidesCeilingAndWrapAt128)
+{
+    testkit::LevelBuilder rooms = ThreeRooms(0, 0, 0);
+    rooms.Level().Sectors[0].CeilingHeight = 128;
+    rooms.Level().Sectors[1].CeilingHeight = 100;
+    rooms.Level().Sectors[2].CeilingHeight = 300;
+    Map().Level = rooms.Build();
+    // The tops of the three rooms, the west one marked last: it is the reference.
+    const LevelData after = FourStates(
+        [](LevelData& level) {
+            EXPECT_EQ(AlignTexturesY(level, Marked({5, 3, 1}), 1), AlignResult::Done);
+        });
+    EXPECT_EQ(after.SideDefs[after.LineDefs[1].SideDef1].YOffset, 0);
+    EXPECT_EQ(after.SideDefs[after.LineDefs[3].SideDef1].YOffset, 28);
+    EXPECT_EQ(after.SideDefs[after.LineDefs[5].SideDef1].YOffset, -44)
+        << "128 - 300 = -172 keeps its sign and wraps at 128, whatever the texture's height";
+}
+
+TEST_F(ObjectOpsTest, ASidesCeilingIsTheLowerOfTheTwoWhereTheOtherIsAboveItsFloor)
+{
+    testkit::LevelBuilder rooms = ThreeRooms(0, 0, 0);
+    rooms.Level().Sectors[0].CeilingHeight = 96;
+    rooms.Level().Sectors[1].CeilingHeight = 160;
+    const LevelData level = rooms.Build();
+    const LineDef& shared = level.LineDefs[8]; // Sector 1 in front, 0 behind
+    EXPECT_EQ(SideCeiling(level, shared, 1), 96);
+    EXPECT_EQ(SideCeiling(level, shared, 2), 96);
+    testkit::LevelBuilder low = ThreeRooms(0, 200, 0);
+    low.Level().Sectors[1].CeilingHeight = 260;
+    const LevelData raised = low.Build();
+    EXPECT_EQ(SideCeiling(raised, raised.LineDefs[8], 1), 260) << "the other is below this floor";
+}
+
+TEST_F(ObjectOpsTest, UnpeggedLineDefsAreLeftAndAllUnpeggedIsTold)
+{
+    Map().Level = ThreeRooms(0, 0, 0).Build();
+    Map().Level.LineDefs[3].Flags |= FlagUpperUnpegged;
+    Map().Level.SideDefs[Map().Level.LineDefs[3].SideDef1].YOffset = 7;
+    EXPECT_EQ(AlignTexturesY(Map().Level, Marked({3, 1}), 1), AlignResult::Done);
+    EXPECT_EQ(Level().SideDefs[Level().LineDefs[3].SideDef1].YOffset, 7);
+    Map().Level.LineDefs[1].Flags |= FlagLowerUnpegged;
+    EXPECT_EQ(AlignTexturesY(Map().Level, Marked({3, 1}), 1), AlignResult::AllPegged);
+    EXPECT_EQ(AlignTexturesY(Map().Level, Marked({0}), 2), AlignResult::NothingDone)
+        << "a one-sided LineDef has no second side";
 }
 
 // The Vertex menu.
