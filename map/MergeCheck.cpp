@@ -232,8 +232,9 @@ void MergeSuperimposed(LevelData& level, std::vector<std::int32_t>& candidates,
         {
             const std::int32_t kept = candidates[i];
             const std::int32_t removed = candidates[j];
-            if (kept < 0 || removed < 0 || kept == removed || !Superimposed(level.LineDefs[static_cast<std::size_t>(kept)],
-                                                 level.LineDefs[static_cast<std::size_t>(removed)]))
+            if (kept < 0 || removed < 0 || kept == removed ||
+                !Superimposed(level.LineDefs[static_cast<std::size_t>(kept)],
+                              level.LineDefs[static_cast<std::size_t>(removed)]))
             {
                 continue;
             }
