@@ -72,7 +72,7 @@ public:
             Blocks.pop_back();
         }
     }
-    /// Makes the count `count`, new records default.
+    /// Makes the count `count`, new records default. Growth goes a block at a time.
     void resize(std::size_t count)
     {
         while (Size > count)
@@ -81,7 +81,20 @@ public:
         }
         while (Size < count)
         {
-            emplace_back();
+            const std::size_t offset = Size % BlockRecords;
+            const std::size_t added = std::min(count - Size, BlockRecords - offset);
+            if (offset == 0)
+            {
+                Blocks.push_back(std::make_shared<Block>()); // records made default
+            }
+            else
+            {
+                // Records a pop left behind in the last block are made default again.
+                Block* block = Own(Blocks.size() - 1);
+                std::fill(block->begin() + static_cast<std::ptrdiff_t>(offset),
+                          block->begin() + static_cast<std::ptrdiff_t>(offset + added), Record{});
+            }
+            Size += added;
         }
     }
     void clear()
@@ -89,12 +102,28 @@ public:
         Blocks.clear();
         Size = 0;
     }
-    /// Removes the record at `index`; the later ones move down one place.
+    /// Removes the record at `index`; the later ones move down one place, a block at a time.
     void erase(std::size_t index)
     {
-        for (std::size_t i = index; i + 1 < Size; ++i)
+        const std::size_t last = (Size - 1) / BlockRecords;
+        std::size_t at = index / BlockRecords;
+        std::size_t from = index % BlockRecords;
+        Block* block = Own(at);
+        for (;;)
         {
-            (*this)[i] = static_cast<const ObjectArray&>(*this)[i + 1];
+            const std::size_t end = at == last ? (Size - 1) % BlockRecords + 1 : BlockRecords;
+            std::move(block->begin() + static_cast<std::ptrdiff_t>(from + 1),
+                      block->begin() + static_cast<std::ptrdiff_t>(end),
+                      block->begin() + static_cast<std::ptrdiff_t>(from));
+            if (at == last)
+            {
+                break;
+            }
+            Block* next = Own(at + 1);
+            (*block)[BlockRecords - 1] = (*next)[0];
+            block = next;
+            ++at;
+            from = 0;
         }
         pop_back();
     }
@@ -107,10 +136,14 @@ public:
     void Assign(const std::vector<Record>& records)
     {
         clear();
-        for (const Record& record : records)
+        for (std::size_t from = 0; from < records.size(); from += BlockRecords)
         {
-            push_back(record);
+            auto block = std::make_shared<Block>();
+            const std::size_t count = std::min(BlockRecords, records.size() - from);
+            std::copy_n(records.begin() + static_cast<std::ptrdiff_t>(from), count, block->begin());
+            Blocks.push_back(std::move(block));
         }
+        Size = records.size();
     }
 
     /// Iterators by position: a const one reads, a non-const one makes the element's block
