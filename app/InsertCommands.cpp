@@ -1,13 +1,16 @@
-// Insert (Add, Ctrl+N) in Things and Sectors modes: a new object cloned from the highlighted
-// one, taken back by undo like every edit.
+// Insert (Add, Ctrl+N) in Things, Sectors and LineDefs modes: a Thing or a Sector cloned from
+// the highlighted one, or a new Sector for one side of the selected LineDefs; taken back by
+// undo like every edit.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/CommandHandlers.h"
 #include "app/Modes.h"
 #include "app/ShellState.h"
 #include "map/MapState.h"
 #include "map/ObjectStore.h"
+#include "map/SectorOps.h"
 #include "map/Undo.h"
 #include "platform/Messages.h"
+#include "platform/Ui.h"
 #include "view/ViewState.h"
 #include "view/Viewport.h"
 
@@ -62,6 +65,92 @@ void InsertSector(map::LevelData& level)
     Changed();
 }
 
+// The side the user wants the new Sector on: 1, 2, or 0 when cancelled.
+int AskSideForSector()
+{
+    platform::Message question;
+    question.Title = "New Sector";
+    question.Lines = {"This also adds any SideDefs missing", "Replace sideDef1 or sideDef2 Sector",
+                      "Do NOT do this on Packed SideDefs"};
+    question.Icon = platform::MessageIcon::Question;
+    question.Buttons = platform::MessageButtons::YesNoCancel;
+    question.ButtonTexts = {"SideDef&1", "SideDef&2", "Cancel"};
+    switch (platform::TheUi().Show(question))
+    {
+    case 1:
+        return 1;
+    case 0:
+        return 2;
+    default:
+        return 0;
+    }
+}
+
+// The Sector the new one is cloned from: of the first listed LineDef with a side in a Sector,
+// the chosen side's first; -1 (defaults) when none has one.
+int TemplateSector(const map::LevelData& level, const std::vector<std::int32_t>& lines, int side)
+{
+    for (const std::int32_t number : lines)
+    {
+        const map::LineDef& line = level.LineDefs[static_cast<std::size_t>(number)];
+        const std::uint32_t chosen = side == 1 ? line.SideDef1 : line.SideDef2;
+        const std::uint32_t other = side == 1 ? line.SideDef2 : line.SideDef1;
+        for (const std::uint32_t face : {chosen, other})
+        {
+            const std::uint32_t sector = map::SectorOfSide(level, face);
+            if (sector < level.Sectors.size())
+            {
+                return static_cast<int>(sector);
+            }
+        }
+    }
+    return -1;
+}
+
+// A new Sector for the chosen side of the selected LineDefs; the mode becomes Sectors.
+void InsertSectorForLines(map::LevelData& level)
+{
+    map::SelectionState& select = map::Selected();
+    std::vector<std::int32_t> lines = select.Selection.Objects();
+    if (lines.empty() && map::IsValidObject(level, ModeLineDefs, select.HighlightedObject))
+    {
+        lines = {select.HighlightedObject};
+    }
+    if (lines.empty())
+    {
+        platform::TheUi().Beep();
+        return;
+    }
+    const int side = AskSideForSector();
+    if (side == 0)
+    {
+        return;
+    }
+    (void)map::SaveUndoStep();
+    const int sector =
+        map::InsertObject(level, map::KindSector, TemplateSector(level, lines, side), 0, 0);
+    for (const std::int32_t number : lines)
+    {
+        const auto at = static_cast<std::size_t>(number);
+        std::uint32_t face = side == 1 ? level.LineDefs[at].SideDef1 : level.LineDefs[at].SideDef2;
+        if (face == map::NoSideDef)
+        {
+            face = static_cast<std::uint32_t>(map::InsertObject(level, map::KindSideDef, -1, 0, 0));
+            map::LineDef& line = level.LineDefs[at];
+            (side == 1 ? line.SideDef1 : line.SideDef2) = face;
+            if (side == 2)
+            {
+                line.Flags = static_cast<std::uint16_t>(line.Flags | map::FlagTwoSided);
+            }
+        }
+        level.SideDefs[face].Sector = static_cast<std::uint32_t>(sector);
+    }
+    map::ClearSelection();
+    ChooseMode(ModeSectors);
+    select.HighlightedObject = sector;
+    Changed();
+}
+
 } // namespace
 
 void InsertCommand(int /*number*/, CommandSource /*source*/)
@@ -74,6 +163,10 @@ void InsertCommand(int /*number*/, CommandSource /*source*/)
     else if (EditMode() == ModeSectors)
     {
         InsertSector(level);
+    }
+    else if (EditMode() == ModeLineDefs)
+    {
+        InsertSectorForLines(level);
     }
 }
 

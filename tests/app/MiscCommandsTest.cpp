@@ -165,7 +165,7 @@ TEST_F(MiscCommandsTest, InsertPutsAThingOnTheGridAtThePointerClonedFromTheHighl
     EXPECT_EQ(map::Map().Level, before);
 }
 
-TEST_F(MiscCommandsTest, InsertAsksTwiceBeforeASectorAndDoesNothingInLineDefsMode)
+TEST_F(MiscCommandsTest, InsertAsksTwiceBeforeASectorAndDoesNothingInVertexesMode)
 {
     Edit(TwoRooms(), ModeSectors);
     map::Selected().HighlightedObject = 1;
@@ -181,7 +181,7 @@ TEST_F(MiscCommandsTest, InsertAsksTwiceBeforeASectorAndDoesNothingInLineDefsMod
         << "cloned from the highlight";
     EXPECT_EQ(Highlighted(), 2);
 
-    Shell().Chk.EditMode = ModeLineDefs;
+    Shell().Chk.EditMode = ModeVertexes;
     EXPECT_EQ(RunCommand(CmdInsertObject), CommandResult::WrongMode);
 }
 
@@ -196,6 +196,42 @@ TEST_F(MiscCommandsTest, AligningOnlyUnpeggedLinesTellsSoAndTakesNoStep)
     EXPECT_TRUE(Ui.Saw("Pegged Textures are Ignored!"));
     EXPECT_EQ(map::Map().Undo.Position, -1) << "nothing done, nothing to undo";
     EXPECT_EQ(map::Map().Level.ChangeCount, 0);
+}
+
+TEST_F(MiscCommandsTest, InsertGivesTheSelectedLineDefsANewSectorOnTheChosenSide)
+{
+    Edit(TwoRooms(), ModeLineDefs);
+    Mark({0, 1});
+    Ui.Answer(0); // the second button: SideDef2
+    ASSERT_EQ(RunCommand(CmdInsertObject), CommandResult::Done);
+    EXPECT_EQ(Ui.Last().Title, "New Sector");
+    EXPECT_TRUE(Ui.Saw("Replace sideDef1 or sideDef2 Sector"));
+    const map::LevelData& level = map::Map().Level;
+    ASSERT_EQ(level.Sectors.Count(), 3);
+    EXPECT_EQ(level.Sectors[2], level.Sectors[0]) << "cloned from the lines' own Sector";
+    for (const std::size_t at : {0u, 1u})
+    {
+        const map::LineDef& line = level.LineDefs[at];
+        ASSERT_NE(line.SideDef2, map::NoSideDef) << "the missing side is added";
+        EXPECT_EQ(level.SideDefs[line.SideDef2].Sector, 2u);
+        EXPECT_NE(line.Flags & map::FlagTwoSided, 0);
+        EXPECT_EQ(level.SideDefs[line.SideDef1].Sector, 0u) << "the other side stays";
+    }
+    EXPECT_EQ(EditMode(), ModeSectors);
+    EXPECT_EQ(Highlighted(), 2);
+
+    ASSERT_EQ(RunCommand(CmdUndo), CommandResult::Done);
+    EXPECT_EQ(map::Map().Level, TwoRooms());
+}
+
+TEST_F(MiscCommandsTest, ACancelledSideChoiceChangesNothing)
+{
+    Edit(TwoRooms(), ModeLineDefs);
+    Mark({4});
+    Ui.Answer(2);
+    ASSERT_EQ(RunCommand(CmdAddObject), CommandResult::Done);
+    EXPECT_EQ(map::Map().Level, TwoRooms());
+    EXPECT_EQ(map::Map().Undo.Position, -1);
 }
 
 TEST_F(MiscCommandsTest, EveryMiscEntryIsEnabledOrWaitsForItsTool)
