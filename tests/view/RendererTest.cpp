@@ -8,6 +8,7 @@
 #include "platform/test/RecordingCanvas.h"
 #include "tests/testkit/LevelBuilder.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace kelvar::view
@@ -357,6 +358,34 @@ TEST(RasterCanvas, DrawsLinesShapesAndText)
     canvas.MoveTo(-100000, 5);
     canvas.LineTo(100000, 5); // far beyond the canvas: cut back, no hang
     EXPECT_EQ(canvas.PixelAt(39, 5), 0xFF0000u);
+}
+
+TEST(RasterCanvas, BlitsEveryMaskPixelWhereverItFallsAndFillsClipped)
+{
+    const std::uint32_t colors[] = {0x000000, 0xFF0000, 0x00FF00};
+    platform::RasterCanvas canvas(37, 11, colors);
+    canvas.FillRect({-5, -5, 100, 100}, 2); // beyond every edge: clipped
+    EXPECT_EQ(canvas.PixelAt(0, 0), 0x00FF00u);
+    EXPECT_EQ(canvas.PixelAt(36, 10), 0x00FF00u);
+    // A mask wider than the canvas, placed off its left edge, with set bits scattered among
+    // runs of clear ones of every length.
+    platform::MonoBitmap mask;
+    mask.Width = 45;
+    mask.Height = 3;
+    mask.Bits.assign(static_cast<std::size_t>(mask.Width * mask.Height), 0);
+    // Runs of exactly eight clear bits before a set one, and runs of other lengths.
+    const std::vector<int> set = {0, 1, 3, 12, 21, 22, 31, 33, 44};
+    for (const int x : set)
+    {
+        mask.Bits[static_cast<std::size_t>(mask.Width + x)] = 1; // row 1
+    }
+    canvas.BlitMask(mask, -3, 4, 1);
+    for (int x = 0; x < 37; ++x)
+    {
+        const bool wanted = std::find(set.begin(), set.end(), x + 3) != set.end();
+        EXPECT_EQ(canvas.PixelAt(x, 5), wanted ? 0xFF0000u : 0x00FF00u) << "x " << x;
+        EXPECT_EQ(canvas.PixelAt(x, 4), 0x00FF00u) << "a clear row, x " << x;
+    }
 }
 
 } // namespace
