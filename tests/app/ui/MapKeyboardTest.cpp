@@ -3,17 +3,19 @@
 // the keys back when a menu or dialog closes.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/app/ui/MainWindowFixture.h"
+#include "tests/app/ui/WhenUp.h"
 
 #include "platform/qt/QtUi.h"
 
 #include <QMenuBar>
-#include <QTimer>
 #include <functional>
 
 namespace kelvar::app
 {
 namespace
 {
+
+using testkit::WhenModal;
 
 // The recording Ui of the fixture for what the test scripts, and the real Qt Ui for Escape,
 // progress and the number prompt, so Escapes take the same way as the user's.
@@ -70,26 +72,6 @@ private:
     platform::RecordingUi& Recording;
     platform::QtUi Real;
 };
-
-/// Runs `act` on the modal dialog once it is up.
-void WhenModal(std::function<void(QWidget*)> act)
-{
-    auto* timer = new QTimer;
-    timer->setInterval(10);
-    QObject::connect(timer, &QTimer::timeout,
-                     [timer, act]
-                     {
-                         QWidget* modal = QApplication::activeModalWidget();
-                         if (modal == nullptr)
-                         {
-                             return;
-                         }
-                         timer->stop();
-                         timer->deleteLater();
-                         act(modal);
-                     });
-    timer->start();
-}
 
 class MapKeyboardTest : public MainWindowTest
 {

@@ -3,9 +3,9 @@
 // Delete, Ctrl+Z and Ctrl+Y reach the level.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/app/ui/MainWindowFixture.h"
+#include "tests/app/ui/WhenUp.h"
 
 #include <QMenu>
-#include <QTimer>
 #include <functional>
 
 namespace kelvar::app
@@ -13,25 +13,7 @@ namespace kelvar::app
 namespace
 {
 
-/// Runs `act` on the popup menu once it is up.
-void WhenPopup(std::function<void(QMenu*)> act)
-{
-    auto* timer = new QTimer;
-    timer->setInterval(10);
-    QObject::connect(timer, &QTimer::timeout,
-                     [timer, act]
-                     {
-                         auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-                         if (menu == nullptr)
-                         {
-                             return;
-                         }
-                         timer->stop();
-                         timer->deleteLater();
-                         act(menu);
-                     });
-    timer->start();
-}
+using testkit::WhenPopup;
 
 QAction* EntryNamed(QMenu* menu, const QString& name)
 {

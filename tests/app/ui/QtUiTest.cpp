@@ -2,6 +2,7 @@
 // answer each button gives, and which Escapes a long operation sees.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/qt/QtUi.h"
+#include "tests/app/ui/WhenUp.h"
 
 #include <QApplication>
 #include <QDialogButtonBox>
@@ -21,25 +22,7 @@ namespace kelvar::platform
 namespace
 {
 
-/// Runs `act` on the modal dialog once it is up.
-void WhenModal(std::function<void(QWidget*)> act)
-{
-    auto* timer = new QTimer;
-    timer->setInterval(10);
-    QObject::connect(timer, &QTimer::timeout,
-                     [timer, act]
-                     {
-                         QWidget* modal = QApplication::activeModalWidget();
-                         if (modal == nullptr)
-                         {
-                             return;
-                         }
-                         timer->stop();
-                         timer->deleteLater();
-                         act(modal);
-                     });
-    timer->start();
-}
+using testkit::WhenModal;
 
 QPushButton* ButtonNamed(QWidget* dialog, const QString& text)
 {
