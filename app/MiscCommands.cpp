@@ -15,6 +15,7 @@
 #include "map/MoverOps.h"
 #include "map/ObjectStore.h"
 #include "map/SectorOps.h"
+#include "map/StairOps.h"
 #include "map/TextureAlign.h"
 #include "map/Undo.h"
 #include "map/VertexOps.h"
@@ -197,6 +198,10 @@ void RunLineDefEntry(map::LevelData& level, int index, map::ObjectList& list)
         break;
     case 9:
         map::MakeDoorFromLineDefs(level, list, HexenFormat());
+        break;
+    case 10:
+        map::MakeStairs(level, list);
+        map::ClearSelection();
         break;
     case 11:
         map::RenumberSelected(level, map::KindLineDef, list);

@@ -129,14 +129,14 @@ constexpr RouteRow RouteTable[] = {
     {CmdEditObject, CmdEditObject, AnyMode, nullptr, "edit objects"},
     {CmdEditObjectT, CmdEditObjectT, AnyMode, nullptr, "edit objects"},
     // The Misc popups: Rotate and Scale belongs to the drag tools, the Sector splits to the
-    // Sector construction, the stairs to the builders.
+    // Sector construction.
     {501, 501, Sectors, nullptr, "Rotate and Scale"},
     {502, CmdMiscSectorsLast, Sectors, MiscEntryCommand, "Misc popup of Sectors"},
     {510, 510, LineDefs, nullptr, "Rotate and Scale"},
     {511, 511, LineDefs, MiscEntryCommand, "First Free Tag"},
     {514, 515, LineDefs, MiscEntryCommand, "Join Sectors, Flip"},
     {518, 518, LineDefs, MiscEntryCommand, "Make door from 4 Linedefs"},
-    {519, 519, LineDefs, nullptr, "Make Stairs from 2 Linedefs"},
+    {519, 519, LineDefs, MiscEntryCommand, "Make Stairs from 2 Linedefs"},
     {520, 520, LineDefs, MiscEntryCommand, "Renumber Selected Linedefs"},
     {525, 525, Things, nullptr, "Rotate and Scale"},
     {526, 527, Things, MiscEntryCommand, "Misc popup of Things"},

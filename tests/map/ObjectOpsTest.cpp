@@ -6,6 +6,7 @@
 #include "map/MoverOps.h"
 #include "map/ObjectStore.h"
 #include "map/SectorOps.h"
+#include "map/StairOps.h"
 #include "map/TextureAlign.h"
 #include "map/Undo.h"
 #include "map/VertexOps.h"
@@ -281,6 +282,100 @@ TEST_F(ObjectOpsTest, UnpeggedLineDefsAreLeftAndAllUnpeggedIsTold)
     EXPECT_EQ(AlignTexturesY(Map().Level, Marked({3, 1}), 1), AlignResult::AllPegged);
     EXPECT_EQ(AlignTexturesY(Map().Level, Marked({0}), 2), AlignResult::NothingDone)
         << "a one-sided LineDef has no second side";
+}
+
+TEST_F(ObjectOpsTest, StairsBetweenARoomsTopAndBottomStepUpFromItsWestWall)
+{
+    Map().Level = testkit::LevelBuilder().Room(0, 0, 256, 128).Build(); // 1 top, 3 bottom
+    Ui.AnswerNumber(4).AnswerNumber(8).Answer(0);
+    const LevelData after = FourStates(
+        [](LevelData& level) {
+            EXPECT_TRUE(MakeStairs(level, Marked({1, 3})));
+        });
+    ASSERT_EQ(after.Sectors.Count(), 5);
+    for (int step = 0; step < 4; ++step)
+    {
+        EXPECT_EQ(after.Sectors[static_cast<std::size_t>(1 + step)].FloorHeight, 8 * (step + 1));
+    }
+    EXPECT_EQ(after.LineDefs.Count(), 4 + 6 + 3) << "two walls in four parts, three risers";
+    for (const SideDef& side : after.SideDefs)
+    {
+        EXPECT_NE(side.Sector, 0u) << "every side of the room is on a step now";
+    }
+    // The risers: two-sided, the lower step in front, the riser texture below.
+    int risers = 0;
+    for (const LineDef& line : after.LineDefs)
+    {
+        if (line.SideDef2 == NoSideDef)
+        {
+            continue;
+        }
+        ++risers;
+        const Sector& front = after.Sectors[after.SideDefs[line.SideDef1].Sector];
+        const Sector& back = after.Sectors[after.SideDefs[line.SideDef2].Sector];
+        EXPECT_EQ(back.FloorHeight - front.FloorHeight, 8);
+        EXPECT_EQ(after.SideDefs[line.SideDef1].LowerTexture, TextureName::From("STONE4"));
+        EXPECT_EQ(line.Flags & (FlagTwoSided | FlagImpassable), FlagTwoSided);
+    }
+    EXPECT_EQ(risers, 3);
+}
+
+TEST_F(ObjectOpsTest, ReversedStairsGoingDownStartFromTheOtherEnd)
+{
+    Map().Level = testkit::LevelBuilder().Room(0, 0, 256, 128).Build(); // 0 west, 2 east walls
+    Ui.AnswerNumber(2).AnswerNumber(-8).Answer(1);
+    const LevelData after = FourStates(
+        [](LevelData& level) {
+            EXPECT_TRUE(MakeStairs(level, Marked({1, 3})));
+        });
+    const auto floorBehind = [&](std::size_t wall)
+    { return after.Sectors[after.SideDefs[after.LineDefs[wall].SideDef1].Sector].FloorHeight; };
+    EXPECT_EQ(floorBehind(2), -8) << "the first step is at the east end";
+    EXPECT_EQ(floorBehind(0), -16);
+    for (const LineDef& line : after.LineDefs)
+    {
+        if (line.SideDef2 != NoSideDef)
+        {
+            EXPECT_LT(after.Sectors[after.SideDefs[line.SideDef1].Sector].FloorHeight,
+                      after.Sectors[after.SideDefs[line.SideDef2].Sector].FloorHeight)
+                << "the riser's front faces the lower step";
+        }
+    }
+}
+
+TEST_F(ObjectOpsTest, StairsNeedTwoLinesApartFacingOneSector)
+{
+    Map().Level = testkit::LevelBuilder().Room(0, 0, 256, 128).Build();
+    const LevelData before = Level();
+    EXPECT_FALSE(MakeStairs(Map().Level, Marked({1})));
+    EXPECT_TRUE(Ui.Saw("You have 1 LineDefs selected"));
+    EXPECT_FALSE(MakeStairs(Map().Level, Marked({0, 1})));
+    EXPECT_TRUE(Ui.Saw("a common Vertex!"));
+    Ui.AnswerNumber(64).AnswerNumber(8).Answer(0);
+    EXPECT_FALSE(MakeStairs(Map().Level, Marked({0, 2})));
+    EXPECT_TRUE(Ui.Saw("Steps are too small 2")) << "128 / 64 is not above 2";
+    EXPECT_EQ(Level(), before);
+    // A room whose bottom is shorter than its top: 60 steps fit the top only.
+    Map().Level = testkit::LevelBuilder()
+                      .Sector()
+                      .Vertex(0, 0)
+                      .Vertex(0, 128)
+                      .Vertex(256, 128)
+                      .Vertex(100, 0)
+                      .Side(0)
+                      .Side(0)
+                      .Side(0)
+                      .Side(0)
+                      .Line(0, 1, 0)
+                      .Line(1, 2, 1)
+                      .Line(2, 3, 2)
+                      .Line(3, 0, 3)
+                      .Build();
+    const LevelData uneven = Level();
+    Ui.AnswerNumber(60).AnswerNumber(8).Answer(0);
+    EXPECT_FALSE(MakeStairs(Map().Level, Marked({1, 3})));
+    EXPECT_TRUE(Ui.Saw("Steps are too small 1"));
+    EXPECT_EQ(Level(), uneven) << "neither LineDef is cut";
 }
 
 // The Vertex menu.
