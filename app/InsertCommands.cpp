@@ -4,7 +4,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/CommandHandlers.h"
 #include "app/Modes.h"
-#include "app/ShellState.h"
 #include "map/MapState.h"
 #include "map/ObjectStore.h"
 #include "map/SectorOps.h"
@@ -13,6 +12,8 @@
 #include "platform/Ui.h"
 #include "view/ViewState.h"
 #include "view/Viewport.h"
+
+#include <utility>
 
 namespace kelvar::app
 {
@@ -27,14 +28,6 @@ int TemplateOf(const map::LevelData& level, int mode)
     return map::IsValidObject(level, mode, highlighted) ? highlighted : -1;
 }
 
-void Changed()
-{
-    CommandRequests& requests = Shell().Requests;
-    requests.RedrawMap = true;
-    requests.RefreshStatus = true;
-    requests.RefreshInfoPanes = true;
-}
-
 // A Thing at the pointer, on the grid.
 void InsertThing(map::LevelData& level)
 {
@@ -46,7 +39,6 @@ void InsertThing(map::LevelData& level)
     (void)map::SaveUndoStep();
     const int added = map::InsertObject(level, map::KindThing, TemplateOf(level, ModeThings), x, y);
     map::Selected().HighlightedObject = added;
-    Changed();
 }
 
 // A Sector, after the user confirms twice: it has no lines yet.
@@ -62,7 +54,6 @@ void InsertSector(map::LevelData& level)
     const int added =
         map::InsertObject(level, map::KindSector, TemplateOf(level, ModeSectors), 0, 0);
     map::Selected().HighlightedObject = added;
-    Changed();
 }
 
 // The side the user wants the new Sector on: 1, 2, or 0 when cancelled.
@@ -93,8 +84,8 @@ int TemplateSector(const map::LevelData& level, const std::vector<std::int32_t>&
     for (const std::int32_t number : lines)
     {
         const map::LineDef& line = level.LineDefs[static_cast<std::size_t>(number)];
-        const std::uint32_t chosen = side == 1 ? line.SideDef1 : line.SideDef2;
-        const std::uint32_t other = side == 1 ? line.SideDef2 : line.SideDef1;
+        const std::uint32_t chosen = line.Side(side);
+        const std::uint32_t other = line.Side(side == 1 ? 2 : 1);
         for (const std::uint32_t face : {chosen, other})
         {
             const std::uint32_t sector = map::SectorOfSide(level, face);
@@ -111,11 +102,7 @@ int TemplateSector(const map::LevelData& level, const std::vector<std::int32_t>&
 void InsertSectorForLines(map::LevelData& level)
 {
     map::SelectionState& select = map::Selected();
-    std::vector<std::int32_t> lines = select.Selection.Objects();
-    if (lines.empty() && map::IsValidObject(level, ModeLineDefs, select.HighlightedObject))
-    {
-        lines = {select.HighlightedObject};
-    }
+    const std::vector<std::int32_t> lines = map::SelectionOrHighlight(level, ModeLineDefs);
     if (lines.empty())
     {
         platform::TheUi().Beep();
@@ -132,12 +119,12 @@ void InsertSectorForLines(map::LevelData& level)
     for (const std::int32_t number : lines)
     {
         const auto at = static_cast<std::size_t>(number);
-        std::uint32_t face = side == 1 ? level.LineDefs[at].SideDef1 : level.LineDefs[at].SideDef2;
+        std::uint32_t face = std::as_const(level).LineDefs[at].Side(side);
         if (face == map::NoSideDef)
         {
             face = static_cast<std::uint32_t>(map::InsertObject(level, map::KindSideDef, -1, 0, 0));
             map::LineDef& line = level.LineDefs[at];
-            (side == 1 ? line.SideDef1 : line.SideDef2) = face;
+            line.Side(side) = face;
             if (side == 2)
             {
                 line.Flags = static_cast<std::uint16_t>(line.Flags | map::FlagTwoSided);
@@ -148,7 +135,6 @@ void InsertSectorForLines(map::LevelData& level)
     map::ClearSelection();
     ChooseMode(ModeSectors);
     select.HighlightedObject = sector;
-    Changed();
 }
 
 } // namespace

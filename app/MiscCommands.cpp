@@ -1,6 +1,6 @@
 // The Misc popups of the four edit modes (F8), the keys of their entries, and Delete: each
-// command takes an undo step, runs its operation on the selection (or the highlighted object)
-// and asks for the map, the status bar and the panes to be drawn again.
+// command takes an undo step and runs its operation on the selection (or the highlighted
+// object); the router then has the map, the status bar and the panes drawn again.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/CommandHandlers.h"
 #include "app/Commands.h"
@@ -257,7 +257,7 @@ void RunVertexEntry(map::LevelData& level, int index, const map::ObjectList& lis
     map::ClearSelection();
 }
 
-// What every command that changed the level asks of the window.
+// After an edit: the bounding box measured again, and a highlight the edit removed dropped.
 void AfterEdit(map::LevelData& level)
 {
     map::MeasureLevel(level);
@@ -266,10 +266,6 @@ void AfterEdit(map::LevelData& level)
     {
         select.HighlightedObject = -1;
     }
-    CommandRequests& requests = Shell().Requests;
-    requests.RedrawMap = true;
-    requests.RefreshStatus = true;
-    requests.RefreshInfoPanes = true;
 }
 
 // The selection a command works on: an empty one takes the highlighted object first.

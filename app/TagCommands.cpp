@@ -60,22 +60,6 @@ bool SetTag(map::LevelData& level, int mode, int object, int value, bool hexenFo
     return true;
 }
 
-// The objects a command on the selection works on: the selection, newest first, or the
-// highlighted object alone.
-std::vector<std::int32_t> SelectionOrHighlight(const map::LevelData& level, int mode)
-{
-    const map::SelectionState& select = map::Selected();
-    if (select.Selection.Size() > 0)
-    {
-        return select.Selection.Objects();
-    }
-    if (map::IsValidObject(level, mode, select.HighlightedObject))
-    {
-        return {select.HighlightedObject};
-    }
-    return {};
-}
-
 } // namespace
 
 FreeNumbers FreeTagInfo(std::vector<int> numbers)
@@ -144,7 +128,7 @@ void SetTagCommand(int /*number*/, CommandSource /*source*/)
 {
     map::LevelData& level = map::Map().Level;
     const int mode = EditMode();
-    const std::vector<std::int32_t> objects = SelectionOrHighlight(level, mode);
+    const std::vector<std::int32_t> objects = map::SelectionOrHighlight(level, mode);
     if (!Session().LevelLoaded || objects.empty())
     {
         return;

@@ -468,7 +468,8 @@ bool ReadSectionHeader(OptReader& reader, std::string_view line)
 void ReadLine(OptReader& reader, std::string line)
 {
     // The last character is taken for the newline, so a last line without one loses a real
-    // character, as it always has.
+    // character: OPT files are written with a newline after every line, and this keeps their
+    // reading the same whoever wrote them.
     line.pop_back();
     const std::size_t start = line.find_first_not_of(" \t");
     if (start == std::string::npos || line[start] == '/')

@@ -106,6 +106,10 @@ struct LineDef
     std::uint32_t SideDef2 = NoSideDef; // back
     std::array<std::uint8_t, 4> Args{}; // Hexen layout: second to fifth arguments
 
+    /// The SideDef reference of side `which`: 1 the front, 2 the back.
+    std::uint32_t Side(int which) const { return which == 1 ? SideDef1 : SideDef2; }
+    std::uint32_t& Side(int which) { return which == 1 ? SideDef1 : SideDef2; }
+
     bool operator==(const LineDef&) const = default;
 };
 

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "map/LineOps.h"
 
-#include "map/MapState.h"
 #include "map/ObjectStore.h"
 
 #include <cstdlib>
@@ -164,22 +163,19 @@ void RenumberSelected(LevelData& level, int kind, ObjectList& list)
     {
         return;
     }
-    WaitForSave();
-    const bool wasBusy = std::exchange(Map().StoreBusy, true);
+    const StoreChange busy;
     std::vector<std::int32_t> newestFirst = list.Objects();
     const std::vector<std::int32_t> firstMarked(newestFirst.rbegin(), newestFirst.rend());
+    const std::size_t count = kind == KindLineDef ? level.LineDefs.size() : level.Sectors.size();
+    const std::vector<std::uint32_t> newNumber = FrontPermutation(count, firstMarked);
     if (kind == KindLineDef)
     {
-        const std::vector<std::uint32_t> newNumber =
-            FrontPermutation(level.LineDefs.size(), firstMarked);
         Permute(level.LineDefs, newNumber);
-        Renumber(newestFirst, newNumber);
     }
     else
     {
-        const std::vector<std::uint32_t> newNumber =
-            FrontPermutation(level.Sectors.size(), firstMarked);
         Permute(level.Sectors, newNumber);
+        // Every side keeps its Sector under the Sector's new number.
         for (std::size_t at = 0; at < level.SideDefs.size(); ++at)
         {
             const std::uint32_t sector = std::as_const(level).SideDefs[at].Sector;
@@ -188,15 +184,14 @@ void RenumberSelected(LevelData& level, int kind, ObjectList& list)
                 level.SideDefs[at].Sector = newNumber[sector];
             }
         }
-        Renumber(newestFirst, newNumber);
     }
     // The list keeps its order and follows its objects.
+    Renumber(newestFirst, newNumber);
     ObjectListClear(list);
     for (auto it = newestFirst.rbegin(); it != newestFirst.rend(); ++it)
     {
         ObjectListPush(list, *it);
     }
-    Map().StoreBusy = wasBusy;
     NoteChange(level, kind);
 }
 

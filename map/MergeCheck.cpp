@@ -346,7 +346,7 @@ bool SidesFaceTheirSectors(LevelData& level, int kept, const std::array<std::uin
         for (int attempt = 0; attempt < 2; ++attempt)
         {
             const LineDef& line = std::as_const(level).LineDefs[at];
-            const std::uint32_t face = side == 1 ? line.SideDef1 : line.SideDef2;
+            const std::uint32_t face = line.Side(side);
             if (face >= level.SideDefs.size())
             {
                 break;

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "map/MoverOps.h"
 
+#include "map/Geometry.h"
 #include "map/MapState.h"
 #include "map/ObjectStore.h"
 #include "map/SectorOps.h"
@@ -162,24 +163,6 @@ bool ShareAVertex(const LineDef& a, const LineDef& b)
 {
     return a.StartVertex == b.StartVertex || a.StartVertex == b.EndVertex ||
            a.EndVertex == b.StartVertex || a.EndVertex == b.EndVertex;
-}
-
-struct Point
-{
-    double X = 0;
-    double Y = 0;
-};
-
-Point PointAlong(const LevelData& level, const LineDef& line, double fraction)
-{
-    const Vertex& start = level.Vertexes[line.StartVertex];
-    const Vertex& end = level.Vertexes[line.EndVertex];
-    return {start.X + (end.X - start.X) * fraction, start.Y + (end.Y - start.Y) * fraction};
-}
-
-double Distance(Point a, Point b)
-{
-    return std::hypot(a.X - b.X, a.Y - b.Y);
 }
 
 // Of a pair, the door face first: the LineDef whose point a third along lies nearer to the

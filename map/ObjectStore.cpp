@@ -18,20 +18,6 @@ namespace kelvar::map
 namespace
 {
 
-// Sets a flag for the life of the guard and puts its old value back.
-class FlagGuard
-{
-public:
-    explicit FlagGuard(bool& flag) : Flag(flag), Old(std::exchange(flag, true)) {}
-    ~FlagGuard() { Flag = Old; }
-    FlagGuard(const FlagGuard&) = delete;
-    FlagGuard& operator=(const FlagGuard&) = delete;
-
-private:
-    bool& Flag;
-    bool Old;
-};
-
 template <typename Record> void Resize(ObjectArray<Record>& array, int kind, int delta)
 {
     if (delta < 1)
@@ -236,8 +222,7 @@ std::int32_t GrowthStep(int kind)
 
 void ResizeObject(LevelData& level, int kind, int delta)
 {
-    WaitForSave();
-    FlagGuard busy(Map().StoreBusy);
+    const StoreChange busy;
     switch (kind)
     {
     case KindThing:
@@ -389,8 +374,7 @@ void DeleteObject(LevelData& level, int kind, int object)
     {
         level.GeometryChangeCount = 1;
     }
-    WaitForSave();
-    FlagGuard busy(Map().StoreBusy);
+    const StoreChange busy;
     const auto number = static_cast<std::uint32_t>(object);
     switch (kind)
     {
@@ -553,8 +537,7 @@ void RemoveUnmarked(LevelData& level, const KeepMarks& marks)
         return;
     }
     LevelChanged();
-    WaitForSave();
-    FlagGuard busy(Map().StoreBusy);
+    const StoreChange busy;
     Compact(level.Vertexes, vertexNumbers);
     Compact(level.SideDefs, sideNumbers);
     Compact(level.Sectors, sectorNumbers);
@@ -677,6 +660,17 @@ void SetSideFlags(LineDef& line)
     {
         line.Flags = static_cast<std::uint16_t>((line.Flags & ~FlagTwoSided) | FlagImpassable);
     }
+}
+
+StoreChange::StoreChange()
+{
+    WaitForSave();
+    WasBusy = std::exchange(Map().StoreBusy, true);
+}
+
+StoreChange::~StoreChange()
+{
+    Map().StoreBusy = WasBusy;
 }
 
 void WaitForSave()

@@ -84,4 +84,18 @@ void NoteChange(LevelData& level, int kind);
 /// finish?".
 void WaitForSave();
 
+/// For the life of the guard an array is being changed: it first waits for a running save,
+/// then holds StoreBusy set (the timed auto-save waits), and puts the flag back at the end.
+class StoreChange
+{
+public:
+    StoreChange();
+    ~StoreChange();
+    StoreChange(const StoreChange&) = delete;
+    StoreChange& operator=(const StoreChange&) = delete;
+
+private:
+    bool WasBusy;
+};
+
 } // namespace kelvar::map

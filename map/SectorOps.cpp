@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "map/SectorOps.h"
 
-#include "map/MapState.h"
 #include "map/ObjectStore.h"
 #include "map/Selection.h"
 #include "platform/Format.h"

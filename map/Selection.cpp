@@ -113,6 +113,20 @@ bool CountOrComplain(int kind, bool exactly, int wanted, int& outCount, const Ob
     return true;
 }
 
+std::vector<std::int32_t> SelectionOrHighlight(const LevelData& level, int kind)
+{
+    const SelectionState& select = Selected();
+    if (!select.Selection.Empty())
+    {
+        return select.Selection.Objects();
+    }
+    if (IsValidObject(level, kind, select.HighlightedObject))
+    {
+        return {select.HighlightedObject};
+    }
+    return {};
+}
+
 void ToggleHighlighted(bool additive)
 {
     SelectionState& state = Selected();

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstdint>
+#include <vector>
 
 namespace kelvar::map
 {
@@ -90,6 +91,10 @@ void FinishBoxSelection(const LevelData& level, int kind, double x1, double y1, 
 /// LineDef to Sector (Sectors wholly bordered by selected lines), Vertex to LineDef; any
 /// other change empties it. The new mode's highlight comes back from when it was left.
 void TranslateSelection(const LevelData& level, int oldMode, int newMode);
+
+/// The objects a command on the selection works on: the selection, newest first, or the
+/// highlighted object of `kind` alone, or none.
+std::vector<std::int32_t> SelectionOrHighlight(const LevelData& level, int kind);
 
 /// Clears the selection and the tag walk.
 void ClearSelection();

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "map/StairOps.h"
 
+#include "map/Geometry.h"
 #include "map/LineOps.h"
-#include "map/MapState.h"
 #include "map/ObjectStore.h"
 #include "map/SectorOps.h"
 #include "platform/Format.h"
@@ -23,38 +23,6 @@ namespace
 const TextureName StairFloor = TextureName::From("FLAT5_4");
 const TextureName StairCeiling = TextureName::From("FLAT4");
 const TextureName StairRiser = TextureName::From("STONE4");
-
-struct Point
-{
-    double X = 0;
-    double Y = 0;
-};
-
-Point At(const LevelData& level, std::uint32_t vertex)
-{
-    return {double(level.Vertexes[vertex].X), double(level.Vertexes[vertex].Y)};
-}
-
-Point Middle(const LevelData& level, const LineDef& line)
-{
-    const Point a = At(level, line.StartVertex);
-    const Point b = At(level, line.EndVertex);
-    return {(a.X + b.X) / 2, (a.Y + b.Y) / 2};
-}
-
-// 1 when `point` lies right of the LineDef (its front), 2 when left.
-int SideTowards(const LevelData& level, const LineDef& line, Point point)
-{
-    const Point a = At(level, line.StartVertex);
-    const Point b = At(level, line.EndVertex);
-    const double cross = (b.X - a.X) * (point.Y - a.Y) - (b.Y - a.Y) * (point.X - a.X);
-    return cross < 0 ? 1 : 2;
-}
-
-std::uint32_t SideNumber(const LineDef& line, int side)
-{
-    return side == 1 ? line.SideDef1 : line.SideDef2;
-}
 
 bool Refuse(const std::string& title, const std::vector<std::string>& lines)
 {
@@ -105,15 +73,13 @@ std::optional<StairAnswers> AskStairs(int sector)
 // The side of a dividing LineDef that faces `point` is put in `sector`; a missing one is made.
 void FaceTowards(LevelData& level, int line, Point point, std::uint32_t sector)
 {
-    const int side =
-        SideTowards(level, std::as_const(level).LineDefs[static_cast<std::size_t>(line)], point);
-    std::uint32_t face =
-        SideNumber(std::as_const(level).LineDefs[static_cast<std::size_t>(line)], side);
+    const LineDef& divider = std::as_const(level).LineDefs[static_cast<std::size_t>(line)];
+    const int side = SideFacing(level, divider, point);
+    std::uint32_t face = divider.Side(side);
     if (face == NoSideDef)
     {
         face = static_cast<std::uint32_t>(InsertObject(level, KindSideDef, -1, 0, 0));
-        LineDef& changed = level.LineDefs[static_cast<std::size_t>(line)];
-        (side == 1 ? changed.SideDef1 : changed.SideDef2) = face;
+        level.LineDefs[static_cast<std::size_t>(line)].Side(side) = face;
         level.SideDefs[face].NormalTexture = NoTexture;
     }
     level.SideDefs[face].Sector = sector;
@@ -187,7 +153,7 @@ void MakeBoundary(LevelData& level, std::uint32_t v1, std::uint32_t v2, std::uin
         made.StartVertex = v1;
         made.EndVertex = v2;
     }
-    const Point a = At(level, v1);
+    const Point a = VertexPoint(level, v1);
     const Point outside = {2 * a.X - inside.X, 2 * a.Y - inside.Y};
     FaceTowards(level, line, inside, inner);
     if (wall)
@@ -209,24 +175,35 @@ void MakeBoundary(LevelData& level, std::uint32_t v1, std::uint32_t v2, std::uin
     level.SideDefs[riser.SideDef2].NormalTexture = NoTexture;
 }
 
+// True when `line` cut into `parts` gives parts over 2 map units; else "Steps are too small %d".
+bool PartsFit(const LevelData& level, const LineDef& line, int parts)
+{
+    const double fraction =
+        Distance(VertexPoint(level, line.StartVertex), VertexPoint(level, line.EndVertex)) / parts;
+    if (fraction > 2.0)
+    {
+        return true;
+    }
+    platform::ShowMessageLines(
+        0, "Stair error", {platform::Format("Steps are too small %d", static_cast<int>(fraction))});
+    return false;
+}
+
 } // namespace
 
 std::vector<int> SplitEven(LevelData& level, int line, int parts)
 {
     const LineDef whole = std::as_const(level).LineDefs[static_cast<std::size_t>(line)];
-    const Point start = At(level, whole.StartVertex);
-    const Point end = At(level, whole.EndVertex);
+    if (!PartsFit(level, whole, parts))
+    {
+        return {};
+    }
+    const Point start = VertexPoint(level, whole.StartVertex);
+    const Point end = VertexPoint(level, whole.EndVertex);
     const double dx = end.X - start.X;
     const double dy = end.Y - start.Y;
     const double length = std::hypot(dx, dy);
     const double fraction = length / parts;
-    if (!(fraction > 2.0))
-    {
-        platform::ShowMessageLines(
-            0, "Stair error",
-            {platform::Format("Steps are too small %d", static_cast<int>(fraction))});
-        return {};
-    }
     std::vector<int> pieces = {line};
     for (int k = 1; k < parts; ++k)
     {
@@ -260,8 +237,8 @@ bool MakeStairs(LevelData& level, const ObjectList& list)
         return Refuse("Stair error", {"The 2 LineDefs share", "a common Vertex!"});
     }
     // The sides that face each other, and whether the two run the same way.
-    const std::uint32_t sideA = SideNumber(a, SideTowards(level, a, Middle(level, b)));
-    const std::uint32_t sideB = SideNumber(b, SideTowards(level, b, Middle(level, a)));
+    const std::uint32_t sideA = a.Side(SideFacing(level, a, PointAlong(level, b, 0.5)));
+    const std::uint32_t sideB = b.Side(SideFacing(level, b, PointAlong(level, a, 0.5)));
     const std::uint32_t sectorA = SectorOfSide(level, sideA);
     const std::uint32_t sectorB = SectorOfSide(level, sideB);
     if (sectorA != sectorB || sectorA >= level.Sectors.size())
@@ -271,26 +248,18 @@ bool MakeStairs(LevelData& level, const ObjectList& list)
                        platform::Format("the same sector %d,%d?", static_cast<int>(sectorA),
                                         static_cast<int>(sectorB))});
     }
-    const Point aStart = At(level, a.StartVertex);
-    const bool sameWay =
-        std::hypot(aStart.X - At(level, b.StartVertex).X, aStart.Y - At(level, b.StartVertex).Y) <
-        std::hypot(aStart.X - At(level, b.EndVertex).X, aStart.Y - At(level, b.EndVertex).Y);
+    const Point aStart = VertexPoint(level, a.StartVertex);
+    const bool sameWay = Distance(aStart, VertexPoint(level, b.StartVertex)) <
+                         Distance(aStart, VertexPoint(level, b.EndVertex));
     const std::optional<StairAnswers> answers = AskStairs(static_cast<int>(sectorA));
     if (!answers)
     {
         return false;
     }
     // Both LineDefs must take the steps before either is cut.
-    for (const LineDef& line : {a, b})
+    if (!PartsFit(level, a, answers->Steps) || !PartsFit(level, b, answers->Steps))
     {
-        const Point from = At(level, line.StartVertex);
-        const Point to = At(level, line.EndVertex);
-        const double fraction = std::hypot(to.X - from.X, to.Y - from.Y) / answers->Steps;
-        if (!(fraction > 2.0))
-        {
-            return Refuse("Stair error",
-                          {platform::Format("Steps are too small %d", static_cast<int>(fraction))});
-        }
+        return false;
     }
     std::vector<int> partsA = SplitEven(level, first, answers->Steps);
     std::vector<int> partsB = SplitEven(level, second, answers->Steps);
@@ -323,7 +292,7 @@ bool MakeStairs(LevelData& level, const ObjectList& list)
         const std::uint32_t before = k == 0 ? sectorA : steps[k - 1];
         const std::uint32_t after = last ? sectorA : steps[k];
         const Point inside =
-            Middle(level, std::as_const(level).LineDefs[static_cast<std::size_t>(partA)]);
+            PointAlong(level, std::as_const(level).LineDefs[static_cast<std::size_t>(partA)], 0.5);
         MakeBoundary(level, v1, v2, last ? before : after, last ? after : before, inside);
     }
     NoteChange(level, KindSector);

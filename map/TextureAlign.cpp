@@ -15,11 +15,6 @@ namespace kelvar::map
 namespace
 {
 
-std::uint32_t SideOf(const LineDef& line, int side)
-{
-    return side == 1 ? line.SideDef1 : line.SideDef2;
-}
-
 bool Unpegged(const LineDef& line)
 {
     return (line.Flags & (FlagUpperUnpegged | FlagLowerUnpegged)) != 0;
@@ -29,13 +24,13 @@ bool Unpegged(const LineDef& line)
 
 int SideCeiling(const LevelData& level, const LineDef& line, int side)
 {
-    const std::uint32_t own = SectorOfSide(level, SideOf(line, side));
+    const std::uint32_t own = SectorOfSide(level, line.Side(side));
     if (own >= level.Sectors.size())
     {
         return 0;
     }
     const Sector& mine = level.Sectors[own];
-    const std::uint32_t other = SectorOfSide(level, SideOf(line, side == 1 ? 2 : 1));
+    const std::uint32_t other = SectorOfSide(level, line.Side(side == 1 ? 2 : 1));
     if (other < level.Sectors.size() && level.Sectors[other].CeilingHeight > mine.FloorHeight)
     {
         return std::min<int>(mine.CeilingHeight, level.Sectors[other].CeilingHeight);
@@ -55,7 +50,7 @@ AlignResult AlignTexturesY(LevelData& level, const ObjectList& list, int side)
             continue;
         }
         anyPegged = true;
-        const std::uint32_t face = SideOf(line, side);
+        const std::uint32_t face = line.Side(side);
         if (face >= level.SideDefs.size())
         {
             continue;

@@ -13,26 +13,11 @@ namespace kelvar::map
 namespace
 {
 
-// Sets a flag for as long as it lives and puts its old value back.
-class FlagGuard
-{
-public:
-    explicit FlagGuard(bool& flag) : Flag(flag), Old(flag) { Flag = true; }
-    ~FlagGuard() { Flag = Old; }
-    FlagGuard(const FlagGuard&) = delete;
-    FlagGuard& operator=(const FlagGuard&) = delete;
-
-private:
-    bool& Flag;
-    bool Old;
-};
-
 // The exchange of undo and redo: the level and the step trade places whole, with the store
 // kept from a timed save meanwhile.
 void Exchange(LevelData& level, LevelData& step)
 {
-    WaitForSave();
-    FlagGuard busy(Map().StoreBusy);
+    const StoreChange busy;
     std::swap(level, step);
     level.NodesCurrent = 0;
     LevelChanged();

@@ -58,7 +58,7 @@ struct CustomBuilderPaths
 /// The custom builder's parameter text with its variables replaced. Left to right, the
 /// first of %LEVEL %TEMPWAD %PWAD %PWADDIR %KELVARDIR $PWAD $PWADDIR $KELVARDIR ~KELVAR.WAD
 /// #PWAD #PWADDIR #KELVARDIR that matches (case ignored) is replaced; so %PWAD wins over
-/// %PWADDIR and "DIR" stays behind, as it always has.
+/// %PWADDIR and "DIR" stays behind: builders' parameter texts are written to that rule.
 std::string ExpandBuilderParameters(std::string_view parameters, const CustomBuilderPaths& paths);
 
 /// The custom builder's command line: its program, a blank, the expanded parameters. The

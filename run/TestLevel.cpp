@@ -37,7 +37,7 @@ std::filesystem::path Absolute(const std::filesystem::path& path)
 }
 
 // A file name on the game's command line: in double quotes when asked for. Without them a
-// name with a blank falls apart into two arguments, as it always did.
+// name with a blank falls apart into two arguments: engines take their command line that way.
 std::string FileName(const std::filesystem::path& path, bool quote)
 {
     return quote ? "\"" + path.string() + "\"" : path.string();
