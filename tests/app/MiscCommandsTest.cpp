@@ -123,17 +123,7 @@ TEST_F(MiscCommandsTest, DeleteAsksForLineDefsAndSectorsButNotForThings)
 
 TEST_F(MiscCommandsTest, DeletingAVertexJoinsItsLinesAndShiftDeleteTurnsTheOptionRound)
 {
-    // A straight wall of two LineDefs through Vertex 1.
-    const map::LevelData wall = testkit::LevelBuilder()
-                                    .Sector()
-                                    .Vertex(0, 0)
-                                    .Vertex(64, 0)
-                                    .Vertex(128, 0)
-                                    .Side(0)
-                                    .Side(0)
-                                    .Line(0, 1, 0)
-                                    .Line(1, 2, 1)
-                                    .Build();
+    const map::LevelData wall = testkit::WallOfTwoLines(); // LineDefs 0 and 1 meet at Vertex 1
     Edit(wall, ModeVertexes);
     Mark({1});
     ASSERT_EQ(RunCommand(CmdDeleteObject), CommandResult::Done);

@@ -356,21 +356,7 @@ TEST_F(ObjectOpsTest, StairsNeedTwoLinesApartFacingOneSector)
     EXPECT_TRUE(Ui.Saw("Steps are too small 2")) << "128 / 64 is not above 2";
     EXPECT_EQ(Level(), before);
     // A room whose bottom is shorter than its top: 60 steps fit the top only.
-    Map().Level = testkit::LevelBuilder()
-                      .Sector()
-                      .Vertex(0, 0)
-                      .Vertex(0, 128)
-                      .Vertex(256, 128)
-                      .Vertex(100, 0)
-                      .Side(0)
-                      .Side(0)
-                      .Side(0)
-                      .Side(0)
-                      .Line(0, 1, 0)
-                      .Line(1, 2, 1)
-                      .Line(2, 3, 2)
-                      .Line(3, 0, 3)
-                      .Build();
+    Map().Level = testkit::LevelBuilder().Polygon({{0, 0}, {0, 128}, {256, 128}, {100, 0}}).Build();
     const LevelData uneven = Level();
     Ui.AnswerNumber(60).AnswerNumber(8).Answer(0);
     EXPECT_FALSE(MakeStairs(Map().Level, Marked({1, 3})));
@@ -382,16 +368,7 @@ TEST_F(ObjectOpsTest, StairsNeedTwoLinesApartFacingOneSector)
 
 TEST_F(ObjectOpsTest, DeletingAVertexBetweenALineEndingAndOneStartingJoinsThem)
 {
-    Map().Level = testkit::LevelBuilder()
-                      .Sector()
-                      .Vertex(0, 0)
-                      .Vertex(64, 0)
-                      .Vertex(128, 0)
-                      .Side(0, "FIRST")
-                      .Side(0, "SECOND")
-                      .Line(0, 1, 0)
-                      .Line(1, 2, 1)
-                      .Build();
+    Map().Level = testkit::WallOfTwoLines();
     const LevelData after =
         FourStates([](LevelData& level) { JoinAtVertexes(level, Marked({1})); });
     ASSERT_EQ(after.LineDefs.Count(), 1);

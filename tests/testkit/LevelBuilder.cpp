@@ -80,15 +80,24 @@ LevelBuilder& LevelBuilder::Line(std::uint32_t start, std::uint32_t end, std::ui
 
 LevelBuilder& LevelBuilder::Room(int x, int y, int width, int height)
 {
+    return Polygon({{x, y}, {x, y + height}, {x + width, y + height}, {x + width, y}});
+}
+
+LevelBuilder& LevelBuilder::Polygon(std::initializer_list<std::pair<int, int>> corners)
+{
     const auto sector = static_cast<std::uint32_t>(Data.Sectors.Count());
     const auto first = static_cast<std::uint32_t>(Data.Vertexes.Count());
+    const auto count = static_cast<std::uint32_t>(corners.size());
     Sector();
-    Vertex(x, y).Vertex(x, y + height).Vertex(x + width, y + height).Vertex(x + width, y);
-    for (std::uint32_t i = 0; i < 4; ++i)
+    for (const auto& [x, y] : corners)
+    {
+        Vertex(x, y);
+    }
+    for (std::uint32_t i = 0; i < count; ++i)
     {
         const auto side = static_cast<std::uint32_t>(Data.SideDefs.Count());
         Side(sector);
-        Line(first + i, first + (i + 1) % 4, side);
+        Line(first + i, first + (i + 1) % count, side);
     }
     return *this;
 }
@@ -253,6 +262,14 @@ LevelBuilder TwoRoomsBuilder()
 map::LevelData TwoRooms()
 {
     return TwoRoomsBuilder().Build();
+}
+
+map::LevelData WallOfTwoLines()
+{
+    LevelBuilder wall;
+    wall.Sector().Vertex(0, 0).Vertex(64, 0).Vertex(128, 0);
+    wall.Side(0, "FIRST").Side(0, "SECOND").Line(0, 1, 0).Line(1, 2, 1);
+    return wall.Build();
 }
 
 } // namespace kelvar::testkit

@@ -40,6 +40,10 @@ public:
     /// A closed square room: its Sector, four Vertexes, four one-sided LineDefs running
     /// clockwise (their right sides face in) and their SideDefs.
     LevelBuilder& Room(int x, int y, int width, int height);
+    /// A closed room of any shape: its Sector, a Vertex at each corner, and one-sided LineDefs
+    /// from each corner to the next and from the last back to the first, with their SideDefs.
+    /// Corners given clockwise make the sides face in.
+    LevelBuilder& Polygon(std::initializer_list<std::pair<int, int>> corners);
     /// A Thing.
     LevelBuilder& Thing(int x, int y, std::uint16_t type, std::uint16_t angle = 0,
                         std::uint16_t flags = 7);
@@ -73,5 +77,10 @@ LevelBuilder TwoRoomsBuilder();
 
 /// TwoRoomsBuilder's level, bounds measured.
 map::LevelData TwoRooms();
+
+/// A straight wall along y = 0 through Vertex 1 at (64, 0): LineDef 0 runs from Vertex 0 to 1
+/// with a side textured FIRST, LineDef 1 from 1 to 2 with one textured SECOND, both facing
+/// Sector 0.
+map::LevelData WallOfTwoLines();
 
 } // namespace kelvar::testkit
