@@ -76,6 +76,19 @@ void FlipLine(LevelData& level, std::size_t at)
     std::swap(line.SideDef1, line.SideDef2);
 }
 
+// The Sector's two-sided LineDefs, those with the Sector in front turned round, so that all
+// face out of it: the neighbour in front, the Sector behind.
+std::vector<std::size_t> FacingOut(LevelData& level, const SectorLines& lines)
+{
+    std::vector<std::size_t> out = lines.OnBack;
+    for (const std::size_t at : lines.OnFront)
+    {
+        FlipLine(level, at);
+        out.push_back(at);
+    }
+    return out;
+}
+
 // Asks the speed and delay of a Hexen mover under `caption`, starting from `timing`; false
 // when cancelled.
 bool AskTiming(const char* caption, const char* speedPrompt, const char* delayPrompt,
@@ -243,13 +256,7 @@ bool MakeDoorFromSector(LevelData& level, int sector, bool hexen)
     {
         return false;
     }
-    std::vector<std::size_t> doors = lines.OnBack;
-    for (const std::size_t at : lines.OnFront)
-    {
-        FlipLine(level, at); // every door face points away from the door's Sector
-        doors.push_back(at);
-    }
-    for (const std::size_t at : doors)
+    for (const std::size_t at : FacingOut(level, lines))
     {
         MakeDoorFace(level, at, hexen, timing);
     }
@@ -281,13 +288,7 @@ bool MakeLiftFromSector(LevelData& level, int sector, int freeTag, bool hexen)
     {
         return false;
     }
-    // Every two-sided LineDef faces out of the lift, its neighbour in front.
-    std::vector<std::size_t> edges = lines.OnBack;
-    for (const std::size_t at : lines.OnFront)
-    {
-        FlipLine(level, at);
-        edges.push_back(at);
-    }
+    const std::vector<std::size_t> edges = FacingOut(level, lines);
     int lowest = 0x7FFF;
     int highest = -0x8000;
     for (const std::size_t at : edges)

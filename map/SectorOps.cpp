@@ -24,6 +24,24 @@ bool HasSector(const LevelData& level, std::uint32_t side)
     return side < level.SideDefs.size() && level.SideDefs[side].Sector < level.Sectors.size();
 }
 
+// The field a distribution sets, of object `at`: read through a const level, written through
+// a level of one's own.
+template <typename Level> auto& FieldOf(Level& level, std::size_t at, Distributed what)
+{
+    switch (what)
+    {
+    case Distributed::CeilingHeight:
+        return level.Sectors[at].CeilingHeight;
+    case Distributed::Light:
+        return level.Sectors[at].Light;
+    case Distributed::ThingHeight:
+        return level.Things[at].Z;
+    case Distributed::FloorHeight:
+        break;
+    }
+    return level.Sectors[at].FloorHeight;
+}
+
 } // namespace
 
 std::uint32_t SectorOfSide(const LevelData& level, std::uint32_t side)
@@ -99,45 +117,13 @@ bool Distribute(LevelData& level, const ObjectList& list, Distributed what)
     {
         return false;
     }
-    const auto valueOf = [&](int object) -> int
-    {
-        const auto at = static_cast<std::size_t>(object);
-        switch (what)
-        {
-        case Distributed::FloorHeight:
-            return std::as_const(level).Sectors[at].FloorHeight;
-        case Distributed::CeilingHeight:
-            return std::as_const(level).Sectors[at].CeilingHeight;
-        case Distributed::Light:
-            return std::as_const(level).Sectors[at].Light;
-        case Distributed::ThingHeight:
-            return std::as_const(level).Things[at].Z;
-        }
-        return 0;
-    };
-    const int first = valueOf(head);
-    const int last = valueOf(tail);
+    const int first = FieldOf(std::as_const(level), static_cast<std::size_t>(head), what);
+    const int last = FieldOf(std::as_const(level), static_cast<std::size_t>(tail), what);
     const std::vector<std::int32_t> objects = list.Objects();
     for (std::size_t i = 0; i < objects.size(); ++i)
     {
-        const auto value =
+        FieldOf(level, static_cast<std::size_t>(objects[i]), what) =
             static_cast<std::int16_t>(first + static_cast<int>(i) * (last - first) / (count - 1));
-        const auto at = static_cast<std::size_t>(objects[i]);
-        switch (what)
-        {
-        case Distributed::FloorHeight:
-            level.Sectors[at].FloorHeight = value;
-            break;
-        case Distributed::CeilingHeight:
-            level.Sectors[at].CeilingHeight = value;
-            break;
-        case Distributed::Light:
-            level.Sectors[at].Light = value;
-            break;
-        case Distributed::ThingHeight:
-            level.Things[at].Z = value;
-            break;
-        }
     }
     NoteChange(level, kind);
     return true;
