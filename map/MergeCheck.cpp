@@ -50,11 +50,6 @@ bool Cancelled(std::size_t step)
     return step % 100 == 99 && platform::TheUi().PollEscape();
 }
 
-bool SameSpot(const Vertex& a, const Vertex& b)
-{
-    return a.X == b.X && a.Y == b.Y;
-}
-
 bool Joins(const LineDef& line, std::uint32_t vertex)
 {
     return line.StartVertex == vertex || line.EndVertex == vertex;
@@ -83,7 +78,7 @@ void MergeVertexDuplicates(LevelData& level, std::vector<std::int32_t>& listed,
         const Vertex spot = level.Vertexes[static_cast<std::size_t>(vertex)];
         for (std::int32_t other = 0; other < level.Vertexes.Count(); ++other)
         {
-            if (other == vertex || !SameSpot(spot, level.Vertexes[static_cast<std::size_t>(other)]))
+            if (other == vertex || !(spot == level.Vertexes[static_cast<std::size_t>(other)]))
             {
                 continue;
             }
@@ -182,7 +177,7 @@ void SplitLinesAtVertexes(LevelData& level, std::vector<std::int32_t>& listed,
             }
             const Vertex& a = level.Vertexes[line.StartVertex];
             const Vertex& b = level.Vertexes[line.EndVertex];
-            if (SameSpot(spot, a) || SameSpot(spot, b))
+            if (spot == a || spot == b)
             {
                 continue; // a split there would leave a LineDef of no length
             }
