@@ -68,10 +68,10 @@ void Renumbered(std::vector<std::int32_t>& numbers, std::int32_t deleted, std::i
 void MergeVertexDuplicates(LevelData& level, std::vector<std::int32_t>& listed,
                            Questions& questions, MergeCheckCounts& counts)
 {
-    for (std::size_t i = 0; i < listed.size(); ++i)
+    for (std::size_t i = 0; i < listed.size() && !Cancelled(i); ++i)
     {
         const std::int32_t vertex = listed[i];
-        if (vertex < 0 || vertex >= level.Vertexes.Count() || Cancelled(i))
+        if (vertex < 0 || vertex >= level.Vertexes.Count())
         {
             continue;
         }

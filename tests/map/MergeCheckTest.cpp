@@ -128,6 +128,27 @@ TEST_F(MergeCheckTest, AVertexOnALineSplitsItOnlyWithinTheTolerance)
     }
 }
 
+TEST_F(MergeCheckTest, EscapeStopsTheScanLeavingWhatWasMerged)
+{
+    // 150 Vertexes, each on the spot of one more that is not listed.
+    testkit::LevelBuilder pairs;
+    pairs.Sector();
+    for (int i = 0; i < 150; ++i)
+    {
+        pairs.Vertex(i * 8, 0).Vertex(i * 8, 0);
+    }
+    Map().Level = pairs.Build();
+    ObjectList moved;
+    for (int i = 149; i >= 0; --i)
+    {
+        ObjectListPush(moved, 2 * i);
+    }
+    Ui.EscapeFromPoll(1);
+    const MergeCheckCounts counts = MergeCheckAfterMove(Map().Level, moved, false);
+    EXPECT_EQ(counts.VertexMerges, 99) << "the first poll, after 100 steps, stops the scan";
+    EXPECT_EQ(Map().Level.Vertexes.Count(), 300 - 99);
+}
+
 TEST_F(MergeCheckTest, TheInteractiveFormAsksUntilTheFirstYes)
 {
     testkit::LevelBuilder rooms;
