@@ -36,6 +36,9 @@ void InsertCommand(int number, CommandSource source); // 206, 465
 /// all but First Free Tag (2), the operation, and the redraw.
 void MiscCommand(int mode, int index);
 
+/// The command number of entry `index` (from 1) of the Misc popup of `mode`; 0 for none.
+int MiscEntryNumber(int mode, int index);
+
 // Opening and closing PWADs (PwadCommands.cpp).
 void OpenPwadCommand(int number, CommandSource source);      // 1025, the recent PWADs
 void CloseAllFilesCommand(int number, CommandSource source); // 1024

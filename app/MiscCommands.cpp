@@ -24,6 +24,7 @@
 #include "platform/Ui.h"
 #include "wad/WadState.h"
 
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -40,35 +41,59 @@ struct MiscEntry
     int Index = 0;
 };
 
+// The command numbers of each mode's Misc entries, entry 1 first; some entries have numbers
+// of their own, shared with their keys.
+constexpr int ThingEntries[] = {525, 526, 527};
+constexpr int LineDefEntries[] = {510,
+                                  511,
+                                  CmdSplitAddVertex,
+                                  CmdSplitLineDefSector,
+                                  514,
+                                  CmdFlipLineDef,
+                                  CmdSwapSideDefs,
+                                  CmdFlipVertexesOnly,
+                                  518,
+                                  519,
+                                  520};
+constexpr int VertexEntries[] = {530, 531, CmdDeleteVertexJoin, 533, 534};
+constexpr int SectorEntries[] = {501, 502, 503, 504, 505, 506, 507, 508, 509};
+
+std::span<const int> EntriesOf(int mode)
+{
+    switch (mode)
+    {
+    case ModeThings:
+        return ThingEntries;
+    case ModeLineDefs:
+        return LineDefEntries;
+    case ModeVertexes:
+        return VertexEntries;
+    case ModeSectors:
+        return SectorEntries;
+    default:
+        return {};
+    }
+}
+
+// The entry a command number runs; Shift+F is a second key of Split Linedef and Add Vertex.
 MiscEntry EntryOf(int number)
 {
-    switch (number)
+    if (number == CmdSplitAddVertexF)
     {
-    case CmdSplitAddVertex:
-    case CmdSplitAddVertexF:
-        return {ModeLineDefs, 3};
-    case CmdSwapSideDefs:
-        return {ModeLineDefs, 7};
-    case CmdFlipVertexesOnly:
-        return {ModeLineDefs, 8};
-    case CmdDeleteVertexJoin:
-        return {ModeVertexes, 3};
-    default:
-        break;
+        number = CmdSplitAddVertex;
     }
-    if (number >= CmdMiscSectorsFirst && number <= CmdMiscSectorsLast)
+    for (const int mode : {ModeThings, ModeLineDefs, ModeVertexes, ModeSectors})
     {
-        return {ModeSectors, number - 500};
+        const std::span<const int> entries = EntriesOf(mode);
+        for (std::size_t i = 0; i < entries.size(); ++i)
+        {
+            if (entries[i] == number)
+            {
+                return {mode, static_cast<int>(i) + 1};
+            }
+        }
     }
-    if (number >= CmdMiscLineDefsFirst && number <= CmdMiscLineDefsLast)
-    {
-        return {ModeLineDefs, number - 509};
-    }
-    if (number >= CmdMiscThingsFirst && number <= CmdMiscThingsLast)
-    {
-        return {ModeThings, number - 524};
-    }
-    return {ModeVertexes, number - 529};
+    return {};
 }
 
 bool HexenFormat()
@@ -279,6 +304,14 @@ void TakeHighlightIfEmpty(const map::LevelData& level, int mode)
 }
 
 } // namespace
+
+int MiscEntryNumber(int mode, int index)
+{
+    const std::span<const int> entries = EntriesOf(mode);
+    return index >= 1 && index <= static_cast<int>(entries.size())
+               ? entries[static_cast<std::size_t>(index - 1)]
+               : 0;
+}
 
 void MiscCommand(int mode, int index)
 {

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/EditCommands.h"
 
+#include "app/CommandHandlers.h"
 #include "app/Commands.h"
 #include "app/Modes.h"
 #include "app/Router.h"
@@ -30,39 +31,6 @@ std::optional<int> Number(const std::string& word)
         return std::nullopt;
     }
     return value;
-}
-
-// The command number of entry `index` of a mode's Misc popup: some entries have numbers of
-// their own, shared with their keys.
-std::optional<int> MiscNumber(int mode, int index)
-{
-    static constexpr int LineDefEntries[] = {510,
-                                             511,
-                                             app::CmdSplitAddVertex,
-                                             app::CmdSplitLineDefSector,
-                                             514,
-                                             app::CmdFlipLineDef,
-                                             app::CmdSwapSideDefs,
-                                             app::CmdFlipVertexesOnly,
-                                             518,
-                                             519,
-                                             520};
-    static constexpr int VertexEntries[] = {530, 531, app::CmdDeleteVertexJoin, 533, 534};
-    switch (mode)
-    {
-    case map::ModeThings:
-        return index >= 1 && index <= 3 ? std::optional<int>(524 + index) : std::nullopt;
-    case map::ModeLineDefs:
-        return index >= 1 && index <= 11 ? std::optional<int>(LineDefEntries[index - 1])
-                                         : std::nullopt;
-    case map::ModeVertexes:
-        return index >= 1 && index <= 5 ? std::optional<int>(VertexEntries[index - 1])
-                                        : std::nullopt;
-    case map::ModeSectors:
-        return index >= 1 && index <= 9 ? std::optional<int>(500 + index) : std::nullopt;
-    default:
-        return std::nullopt;
-    }
 }
 
 // The command that sets the edit mode a word names.
@@ -184,9 +152,12 @@ int RunScriptCommand(const std::vector<std::string>& words)
     if (verb == "misc" || verb == "run")
     {
         const std::optional<int> value = words.size() == 2 ? Number(words[1]) : std::nullopt;
-        const std::optional<int> number =
-            !value ? std::nullopt : (verb == "run" ? value : MiscNumber(app::EditMode(), *value));
-        return number ? RunNumbered(command, *number) : Refuse(command, "no such entry");
+        if (value && verb == "run")
+        {
+            return RunNumbered(command, *value);
+        }
+        const int number = value ? app::MiscEntryNumber(app::EditMode(), *value) : 0;
+        return number != 0 ? RunNumbered(command, number) : Refuse(command, "no such entry");
     }
     const std::pair<const char*, int> simple[] = {{"delete", app::CmdDeleteObject},
                                                   {"insert", app::CmdInsertObject},
