@@ -43,4 +43,19 @@ Beside SectorBesideAt(const LevelData& level, int line, RayStart start, double d
 /// along, the first that answers.
 Beside SectorBeside(const LevelData& level, int line, int side);
 
+/// How SectorAt settles a point on or next to lines: Strict gives -1 for a point on a Vertex
+/// the ray meets; Loose takes a Sector whenever one can be named; Drawing is the form the
+/// drawing tools use at the Vertexes they place.
+enum class SectorAtMode
+{
+    Strict = 0,
+    Loose = 1,
+    Drawing = 2,
+};
+
+/// The Sector at the point (x, y), by a ray to the east: the nearest LineDef the ray meets
+/// names it by the side that faces west, provided some line also lies to the west of the
+/// point; -1 for a point outside every Sector.
+int SectorAt(const LevelData& level, double x, double y, SectorAtMode mode);
+
 } // namespace kelvar::map
