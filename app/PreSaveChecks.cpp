@@ -30,10 +30,7 @@ bool RunPreSaveChecks()
     {
         return false;
     }
-    if (check::PlayerOneCheck(level))
-    {
-        map::LevelChanged();
-    }
+    check::PlayerOneCheck(level);
     // The level checker isn't part of the editor yet: the start count can't offer it.
     return check::PlayerStartCountCheck(level, options, {});
 }

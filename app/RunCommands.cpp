@@ -66,10 +66,7 @@ bool PrepareTest()
     }
     map::ClearSelection();
     map::LevelData& level = map::Map().Level;
-    if (check::PlayerOneCheck(level))
-    {
-        map::LevelChanged();
-    }
+    check::PlayerOneCheck(level);
     return check::PlayerOneReady(level);
 }
 

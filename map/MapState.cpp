@@ -15,16 +15,9 @@ MapState& Map()
 
 void ResetMap()
 {
-    const std::uint64_t serial = Map().Serial;
     // The selection gives its count back first, so the counters start from zero.
     ObjectListClear(Map().Select.Selection);
     Map() = MapState{};
-    Map().Serial = serial + 1; // caches of levels from before the reset are stale too
-}
-
-void LevelChanged()
-{
-    ++Map().Serial;
 }
 
 const char* KindName(int kind)

@@ -8,6 +8,7 @@
 #include "map/SpatialIndex.h"
 #include "map/Undo.h"
 
+#include <array>
 #include <functional>
 
 namespace kelvar::map
@@ -28,13 +29,11 @@ struct MapState
     int DrawingCount = 0;      // live nodes of the drawing lists
     SelectionState Select;     // what is marked and highlighted
     UndoTable Undo;            // the steps of undo and redo
-    /// Goes up with every change to any level's objects; caches built from a level (the
-    /// spatial index) compare it to know they are stale.
-    std::uint64_t Serial = 1;
-    /// The spatial index of the level last asked for, and the serial it was built at.
+    /// The spatial index of the level last asked for, and the content stamps of the arrays it
+    /// was built from.
     SpatialIndex Index;
     const LevelData* IndexedLevel = nullptr;
-    std::uint64_t IndexedSerial = 0;
+    std::array<std::uint64_t, 3> IndexedStamps{}; // Things, Vertexes, LineDefs
     /// Called when a level's ChangeCount has just become non-zero, for the window title.
     std::function<void()> TitleChanged;
 };
@@ -44,9 +43,5 @@ MapState& Map();
 
 /// Puts the map model back to its defaults (tests call it).
 void ResetMap();
-
-/// Tells the caches that a level's objects changed. NoteChange and every function of the
-/// store call it; code that rewrites a level's records directly calls it when done.
-void LevelChanged();
 
 } // namespace kelvar::map

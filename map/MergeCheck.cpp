@@ -299,8 +299,10 @@ bool IsSky(const TextureName& flat)
     return std::equal(flat.Chars.begin(), flat.Chars.begin() + 5, sky.Chars.begin());
 }
 
-// The wall textures of a two-sided LineDef filled where one side's Sector shows a step.
-void FillByHeights(LevelData& level, const LineDef& line, const Collected& names)
+// The wall textures of a two-sided LineDef filled where one side's Sector shows a step, each
+// face from its own names.
+void FillByHeights(LevelData& level, const LineDef& line, const Collected& frontNames,
+                   const Collected& backNames)
 {
     const std::uint32_t front = SectorOfSide(level, line.SideDef1);
     const std::uint32_t back = SectorOfSide(level, line.SideDef2);
@@ -311,7 +313,8 @@ void FillByHeights(LevelData& level, const LineDef& line, const Collected& names
     const Sector f = level.Sectors[front];
     const Sector b = level.Sectors[back];
     const bool notSky = !IsSky(f.CeilingTexture) || !IsSky(b.CeilingTexture);
-    const auto fill = [&](std::uint32_t side, const Sector& own, const Sector& other)
+    const auto fill =
+        [&](std::uint32_t side, const Sector& own, const Sector& other, const Collected& names)
     {
         SideDef& wall = level.SideDefs[side];
         if (own.CeilingHeight > other.CeilingHeight && notSky && wall.UpperTexture.IsNone())
@@ -323,8 +326,8 @@ void FillByHeights(LevelData& level, const LineDef& line, const Collected& names
             wall.LowerTexture = names.Lower;
         }
     };
-    fill(line.SideDef1, f, b);
-    fill(line.SideDef2, b, f);
+    fill(line.SideDef1, f, b, frontNames);
+    fill(line.SideDef2, b, f, backNames);
 }
 
 // Step 4 of a merge: each surviving side checked against the Sector its ray finds.
@@ -491,11 +494,55 @@ bool MergeLineDefs(LevelData& level, int kept, int removed)
         line.Flags = static_cast<std::uint16_t>((line.Flags | FlagTwoSided) & ~FlagImpassable);
         level.SideDefs[line.SideDef1].NormalTexture = NoTexture;
         level.SideDefs[line.SideDef2].NormalTexture = NoTexture;
-        FillByHeights(level, std::as_const(level).LineDefs[static_cast<std::size_t>(kept)], names);
+        FillByHeights(level, std::as_const(level).LineDefs[static_cast<std::size_t>(kept)], names,
+                      names);
     }
     DeleteObject(level, KindLineDef, removed);
     NoteChange(level, KindLineDef);
     return true;
+}
+
+void FinishDrawnLine(LevelData& level, int lineNumber)
+{
+    const LineDef line = level.LineDefs[static_cast<std::size_t>(lineNumber)];
+    const DefaultTextures& defaults = Map().Textures;
+    // What each side had, then the side emptied.
+    const auto takeOut = [&](std::uint32_t side)
+    {
+        Collected names;
+        if (side >= level.SideDefs.size())
+        {
+            return names;
+        }
+        SideDef& wall = level.SideDefs[side];
+        names = {wall.UpperTexture, wall.LowerTexture, wall.NormalTexture};
+        wall.UpperTexture = wall.LowerTexture = wall.NormalTexture = NoTexture;
+        return names;
+    };
+    const bool front = line.SideDef1 < level.SideDefs.size();
+    const bool back = line.SideDef2 < level.SideDefs.size();
+    Collected frontNames = takeOut(line.SideDef1);
+    Collected backNames = takeOut(line.SideDef2);
+    LineDef& flags = level.LineDefs[static_cast<std::size_t>(lineNumber)];
+    if (front && back)
+    {
+        flags.Flags = static_cast<std::uint16_t>((flags.Flags & ~1) | 4);
+        for (Collected* names : {&frontNames, &backNames})
+        {
+            names->Upper = names->Upper.IsNone() ? defaults.Upper : names->Upper;
+            names->Lower = names->Lower.IsNone() ? defaults.Lower : names->Lower;
+        }
+        FillByHeights(level, std::as_const(level).LineDefs[static_cast<std::size_t>(lineNumber)],
+                      frontNames, backNames);
+        return;
+    }
+    flags.Flags = static_cast<std::uint16_t>((flags.Flags & ~4) | 1);
+    const std::uint32_t only = front ? line.SideDef1 : line.SideDef2;
+    if (only < level.SideDefs.size())
+    {
+        const Collected& names = front ? frontNames : backNames;
+        level.SideDefs[only].NormalTexture = names.Normal.IsNone() ? defaults.Normal : names.Normal;
+    }
 }
 
 MergeCheckCounts MergeCheckAfterMove(LevelData& level, ObjectList& vertexes, bool interactive)

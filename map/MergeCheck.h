@@ -27,6 +27,12 @@ bool LineCrossesBox(double x1, double y1, double x2, double y2, double minX, dou
 /// the user stopped it at the question about a wrong Sector reference (nothing is deleted).
 bool MergeLineDefs(LevelData& level, int kept, int removed);
 
+/// Gives a drawn LineDef its final flags and wall textures from what its sides had: one side
+/// makes it impassable with a normal texture (its own, else the default); two sides make it
+/// two-sided, and each face gets an upper or lower texture where its Sector shows a step (its
+/// own names, else the defaults).
+void FinishDrawnLine(LevelData& level, int line);
+
 /// What the clean-up did.
 struct MergeCheckCounts
 {

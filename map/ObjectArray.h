@@ -10,6 +10,10 @@
 // - `Capacity` is the number of records the level counts as allocated: it grows by the steps
 //   of the kind, as the store's rules say, while the blocks follow the count.
 // - The program has one thread; the sharing needs no locking beyond what shared_ptr does.
+// - `Stamp` names the content: every write takes a new number from a counter shared by all
+//   arrays of the record type, and a copy keeps its source's. Caches built from an array (the
+//   spatial index) keep the stamp they saw and are stale when it differs. A write is counted when
+//   the reference is taken, so a reference must not be kept across a cache's use.
 #pragma once
 
 #include <algorithm>
@@ -34,6 +38,8 @@ public:
     std::int32_t Capacity = 0;
 
     std::int32_t Count() const { return static_cast<std::int32_t>(Size); }
+    /// The number of the content: changes with every write, travels with copies.
+    std::uint64_t Stamp() const { return ContentStamp; }
     std::size_t size() const { return Size; }
     bool empty() const { return Size == 0; }
 
@@ -66,6 +72,7 @@ public:
     /// Drops the last record.
     void pop_back()
     {
+        Touch();
         --Size;
         if (Size % BlockRecords == 0)
         {
@@ -83,6 +90,7 @@ public:
         {
             const std::size_t offset = Size % BlockRecords;
             const std::size_t added = std::min(count - Size, BlockRecords - offset);
+            Touch();
             if (offset == 0)
             {
                 Blocks.push_back(std::make_shared<Block>()); // records made default
@@ -99,6 +107,7 @@ public:
     }
     void clear()
     {
+        Touch();
         Blocks.clear();
         Size = 0;
     }
@@ -242,6 +251,7 @@ private:
     // The block, made this array's own first when another copy shares it.
     Block* Own(std::size_t block)
     {
+        Touch();
         std::shared_ptr<Block>& pointer = Blocks[block];
         if (pointer.use_count() > 1)
         {
@@ -250,8 +260,16 @@ private:
         return pointer.get();
     }
 
+    // A new content number, from the counter shared by every array of this record type.
+    void Touch()
+    {
+        static std::uint64_t counter = 0;
+        ContentStamp = ++counter;
+    }
+
     std::vector<std::shared_ptr<Block>> Blocks;
     std::size_t Size = 0;
+    std::uint64_t ContentStamp = 0;
 };
 
 } // namespace kelvar::map

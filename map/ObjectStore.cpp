@@ -247,7 +247,6 @@ void ResizeObject(LevelData& level, int kind, int delta)
 
 void NoteChange(LevelData& level, int kind)
 {
-    LevelChanged();
     // The counters are 16 bits; 0 means "unchanged", so a count that wraps skips it.
     const bool first = level.ChangeCount == 0;
     if (++level.ChangeCount == 0)
@@ -363,7 +362,6 @@ void DeleteObject(LevelData& level, int kind, int object)
     {
         return;
     }
-    LevelChanged();
     if (kind <= 0 || kind > KindSector)
     {
         platform::TheUi().Beep();
@@ -418,7 +416,6 @@ void DeleteObjectList(LevelData& level, int kind, ObjectList& list)
 
 void PurgeOrphanVertices(LevelData& level, ObjectList& list)
 {
-    LevelChanged();
     std::vector<std::int32_t> candidates = list.Objects();
     ObjectListClear(list);
     for (const LineDef& line : std::as_const(level).LineDefs)
@@ -536,7 +533,6 @@ void RemoveUnmarked(LevelData& level, const KeepMarks& marks)
     {
         return;
     }
-    LevelChanged();
     const StoreChange busy;
     Compact(level.Vertexes, vertexNumbers);
     Compact(level.SideDefs, sideNumbers);
@@ -616,7 +612,6 @@ template <typename Record> void FreeArray(ObjectArray<Record>& array)
 
 void LevelInit(LevelData& level)
 {
-    LevelChanged();
     InitArray(level.Things, FirstThingCapacity);
     InitArray(level.LineDefs, FirstLineDefCapacity);
     InitArray(level.SideDefs, FirstSideDefCapacity);
@@ -634,7 +629,6 @@ void LevelInit(LevelData& level)
 
 void LevelFree(LevelData& level)
 {
-    LevelChanged();
     FreeArray(level.Things);
     FreeArray(level.LineDefs);
     FreeArray(level.SideDefs);
@@ -646,7 +640,6 @@ void LevelFree(LevelData& level)
 
 void LevelCopy(LevelData& destination, const LevelData& source)
 {
-    LevelChanged();
     destination = source;
 }
 

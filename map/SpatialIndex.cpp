@@ -184,14 +184,26 @@ std::vector<std::int32_t> SpatialIndex::LineDefsNear(double minX, double minY, d
     return Gather(Lines, minX, minY, maxX, maxY);
 }
 
+std::span<const std::int32_t> SpatialIndex::LineDefsInCell(int column, int row) const
+{
+    const auto cell = static_cast<std::size_t>(row * Columns + column);
+    const auto begin = static_cast<std::size_t>(Lines.Start[cell]);
+    const auto end = static_cast<std::size_t>(Lines.Start[cell + 1]);
+    return {Lines.Items.data() + begin, end - begin};
+}
+
 const SpatialIndex& IndexOf(const LevelData& level)
 {
     MapState& state = Map();
-    if (state.IndexedLevel != &level || state.IndexedSerial != state.Serial)
+    // The index depends only on where Things, Vertexes and LineDefs are: a change of SideDefs
+    // or Sectors leaves it standing.
+    const std::array<std::uint64_t, 3> stamps{level.Things.Stamp(), level.Vertexes.Stamp(),
+                                              level.LineDefs.Stamp()};
+    if (state.IndexedLevel != &level || state.IndexedStamps != stamps)
     {
         state.Index.Build(level);
         state.IndexedLevel = &level;
-        state.IndexedSerial = state.Serial;
+        state.IndexedStamps = stamps;
     }
     return state.Index;
 }

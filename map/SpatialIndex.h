@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace kelvar::map
@@ -30,6 +31,18 @@ public:
     /// perhaps a few that don't.
     std::vector<std::int32_t> LineDefsNear(double minX, double minY, double maxX,
                                            double maxY) const;
+
+    /// The grid, for walks cell by cell: cells are squares of `CellSize()` map units, column 0
+    /// starting at `ColumnStart(0)`; a position beyond the grid falls in its edge cell.
+    int ColumnCount() const { return Columns; }
+    int RowCount() const { return Rows; }
+    int ColumnOf(double x) const { return CellX(x); }
+    int RowOf(double y) const { return CellY(y); }
+    double ColumnStart(int column) const { return OriginX + column * Cell; }
+    double RowStart(int row) const { return OriginY + row * Cell; }
+    double CellSize() const { return Cell; }
+    /// The LineDefs whose bounding box meets one cell, in ascending order.
+    std::span<const std::int32_t> LineDefsInCell(int column, int row) const;
 
 private:
     struct Buckets

@@ -20,7 +20,6 @@ void Exchange(LevelData& level, LevelData& step)
     const StoreChange busy;
     std::swap(level, step);
     level.NodesCurrent = 0;
-    LevelChanged();
 }
 
 } // namespace

@@ -17,6 +17,20 @@ Ui*& Installed()
 
 } // namespace
 
+std::optional<int> Ui::ChooseEntry(const std::string& caption,
+                                   const std::vector<std::string>& items,
+                                   const std::vector<bool>& enabled)
+{
+    const std::optional<int> choice = ChooseFromList(caption, items);
+    if (!choice || *choice < 0 || static_cast<std::size_t>(*choice) >= items.size() ||
+        (static_cast<std::size_t>(*choice) < enabled.size() &&
+         !enabled[static_cast<std::size_t>(*choice)]))
+    {
+        return std::nullopt;
+    }
+    return choice;
+}
+
 std::string Message::Text() const
 {
     std::string text;

@@ -82,6 +82,14 @@ public:
     virtual std::optional<int> ChooseFromList(const std::string& caption,
                                               const std::vector<std::string>& items) = 0;
 
+    /// Lets the user pick one entry of a small menu of choices, where `enabled[i]` false shows
+    /// entry i greyed; the index, or nothing when cancelled. Entries may carry '&' before
+    /// their mnemonic. This form shows the list and takes a pick of a greyed entry as a
+    /// cancel; a window system overrides it to grey the entries.
+    virtual std::optional<int> ChooseEntry(const std::string& caption,
+                                           const std::vector<std::string>& items,
+                                           const std::vector<bool>& enabled);
+
     /// Asks for a whole number within [low, high]; nothing when cancelled.
     virtual std::optional<int> AskNumber(const std::string& caption, const std::string& prompt,
                                          int initial, int low, int high) = 0;

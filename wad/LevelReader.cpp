@@ -354,7 +354,6 @@ int ReadLevel(LevelData& level, std::string_view levelName, bool newLevel)
     }
     NoteNodeLumps(level, layout, newLevel);
     map::MeasureLevel(level);
-    map::LevelChanged();
     CheckSideDefPacking(level);
     return 1;
 }

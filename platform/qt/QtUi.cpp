@@ -254,6 +254,37 @@ std::optional<int> QtUi::ChooseFromList(const std::string& caption,
     return list->currentRow();
 }
 
+std::optional<int> QtUi::ChooseEntry(const std::string& caption,
+                                     const std::vector<std::string>& items,
+                                     const std::vector<bool>& enabled)
+{
+    // A column of buttons, one per entry, each with its mnemonic; a greyed entry can't be
+    // pressed. Escape or closing the window cancels.
+    QDialog dialog(Owner);
+    dialog.setWindowTitle(Text(caption));
+    auto* layout = new QVBoxLayout(&dialog);
+    int chosen = -1;
+    for (std::size_t i = 0; i < items.size(); ++i)
+    {
+        auto* button = new QPushButton(Text(items[i]), &dialog);
+        button->setObjectName(QString("entry%1").arg(i));
+        button->setEnabled(i >= enabled.size() || enabled[i]);
+        button->setStyleSheet("text-align: left; padding: 4px 12px;");
+        QObject::connect(button, &QPushButton::clicked, &dialog,
+                         [&dialog, &chosen, i]
+                         {
+                             chosen = static_cast<int>(i);
+                             dialog.accept();
+                         });
+        layout->addWidget(button);
+    }
+    if (dialog.exec() != QDialog::Accepted || chosen < 0)
+    {
+        return std::nullopt;
+    }
+    return chosen;
+}
+
 std::optional<int> QtUi::AskNumber(const std::string& caption, const std::string& prompt,
                                    int initial, int low, int high)
 {

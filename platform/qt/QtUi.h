@@ -41,6 +41,9 @@ public:
     std::optional<std::filesystem::path> ChooseFile(const FileChoice& choice) override;
     std::optional<int> ChooseFromList(const std::string& caption,
                                       const std::vector<std::string>& items) override;
+    std::optional<int> ChooseEntry(const std::string& caption,
+                                   const std::vector<std::string>& items,
+                                   const std::vector<bool>& enabled) override;
     std::optional<int> AskNumber(const std::string& caption, const std::string& prompt, int initial,
                                  int low, int high) override;
     std::optional<std::string> AskText(const std::string& caption, const std::string& prompt,

@@ -113,6 +113,15 @@ std::optional<int> RecordingUi::ChooseFromList(const std::string& caption,
     return TakeOrFail(ListAnswers, "list choice", caption);
 }
 
+std::optional<int> RecordingUi::ChooseEntry(const std::string& caption,
+                                            const std::vector<std::string>& items,
+                                            const std::vector<bool>& enabled)
+{
+    // Answered from the list queue; the base form refuses a greyed entry.
+    EntriesEnabled.push_back(enabled);
+    return Ui::ChooseEntry(caption, items, enabled);
+}
+
 std::optional<int> RecordingUi::AskNumber(const std::string& caption, const std::string& prompt,
                                           int initial, int low, int high)
 {

@@ -40,6 +40,9 @@ public:
     std::optional<std::filesystem::path> ChooseFile(const FileChoice& choice) override;
     std::optional<int> ChooseFromList(const std::string& caption,
                                       const std::vector<std::string>& items) override;
+    std::optional<int> ChooseEntry(const std::string& caption,
+                                   const std::vector<std::string>& items,
+                                   const std::vector<bool>& enabled) override;
     std::optional<int> AskNumber(const std::string& caption, const std::string& prompt, int initial,
                                  int low, int high) override;
     std::optional<std::string> AskText(const std::string& caption, const std::string& prompt,
@@ -81,6 +84,7 @@ public:
     std::vector<FileChoice> FileRequests;
     std::vector<std::string> ListCaptions;
     std::vector<std::vector<std::string>> ListItems; // the items of each list choice
+    std::vector<std::vector<bool>> EntriesEnabled;   // of each menu of choices, which were enabled
     std::vector<NumberPrompt> NumberPrompts;
     std::vector<std::string> StatusTexts;
     std::vector<std::pair<std::string, std::string>> Progress;

@@ -46,7 +46,6 @@ protected:
     void Edit(map::LevelData level, int mode = ModeLineDefs)
     {
         map::Map().Level = std::move(level);
-        map::LevelChanged();
         Session().LevelLoaded = true;
         Session().AppState = AppEditing;
         Shell().Chk.EditMode = static_cast<std::int16_t>(mode);

@@ -1,0 +1,532 @@
+// Dividing a Sector by a new line between two Vertexes; joining two Vertexes by a plain line.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "map/SectorSplit.h"
+
+#include "map/MapState.h"
+#include "map/MergeCheck.h"
+#include "map/ObjectStore.h"
+#include "map/SectorRays.h"
+#include "map/Undo.h"
+#include "platform/Format.h"
+#include "platform/Ui.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace kelvar::map
+{
+namespace
+{
+
+constexpr const char* SplitTitle = "Split Sector";
+
+bool Ask(const std::string& title, std::vector<std::string> lines)
+{
+    platform::Message message;
+    message.Title = title;
+    message.Lines = std::move(lines);
+    message.Buttons = platform::MessageButtons::OkCancel;
+    message.ButtonTexts = {"Continue", "Cancel"};
+    return platform::TheUi().Show(message) == 1;
+}
+
+void Tell(const std::string& title, std::vector<std::string> lines)
+{
+    platform::Message message;
+    message.Title = title;
+    message.Lines = std::move(lines);
+    platform::TheUi().Show(message);
+}
+
+std::uint32_t SideSector(const LevelData& level, std::uint32_t side)
+{
+    return side < level.SideDefs.size() ? level.SideDefs[side].Sector : NoSector;
+}
+
+bool Touches(const LineDef& line, std::uint32_t vertex)
+{
+    return line.StartVertex == vertex || line.EndVertex == vertex;
+}
+
+// One step of the walk: a LineDef and the side of it that lies in the Sector.
+struct WalkStep
+{
+    std::int32_t Line;
+    int Side; // 1 or 2
+};
+
+enum class WalkEnd
+{
+    Reached, // arrived at the second Vertex
+    Circled, // came back to the first
+    NoWayOn, // no side of the Sector leads on
+};
+
+struct Walk
+{
+    std::vector<WalkStep> Steps;
+    WalkEnd End = WalkEnd::NoWayOn;
+    std::uint32_t StuckAt = 0;
+};
+
+// Follows the sides of `sector` from `from`, keeping the Sector on the right, until `to`.
+Walk WalkSector(const LevelData& level, std::uint32_t sector, std::uint32_t from, std::uint32_t to)
+{
+    Walk walk;
+    std::vector<bool> taken(level.LineDefs.size(), false);
+    std::uint32_t at = from;
+    for (;;)
+    {
+        bool moved = false;
+        for (std::size_t i = 0; i < level.LineDefs.size() && !moved; ++i)
+        {
+            const LineDef& line = level.LineDefs[i];
+            if (taken[i])
+            {
+                continue;
+            }
+            if (SideSector(level, line.SideDef1) == sector && line.StartVertex == at)
+            {
+                walk.Steps.push_back({static_cast<std::int32_t>(i), 1});
+                at = line.EndVertex;
+                moved = true;
+            }
+            else if (SideSector(level, line.SideDef2) == sector && line.EndVertex == at)
+            {
+                walk.Steps.push_back({static_cast<std::int32_t>(i), 2});
+                at = line.StartVertex;
+                moved = true;
+            }
+            if (moved)
+            {
+                taken[i] = true;
+            }
+        }
+        if (!moved)
+        {
+            walk.End = WalkEnd::NoWayOn;
+            walk.StuckAt = at;
+            return walk;
+        }
+        if (at == to)
+        {
+            walk.End = WalkEnd::Reached;
+            return walk;
+        }
+        if (at == from)
+        {
+            walk.End = WalkEnd::Circled;
+            return walk;
+        }
+    }
+}
+
+// True when a SideDef of the walk serves twice, or also serves a LineDef off the walk.
+bool WalkSharesSideDefs(const LevelData& level, const Walk& walk)
+{
+    std::vector<std::uint8_t> onWalk(level.LineDefs.size(), 0);
+    std::vector<std::uint32_t> sides;
+    for (const WalkStep& step : walk.Steps)
+    {
+        onWalk[static_cast<std::size_t>(step.Line)] = 1;
+        sides.push_back(level.LineDefs[static_cast<std::size_t>(step.Line)].Side(step.Side));
+    }
+    std::vector<std::uint32_t> sorted = sides;
+    std::sort(sorted.begin(), sorted.end());
+    if (std::adjacent_find(sorted.begin(), sorted.end()) != sorted.end())
+    {
+        return true;
+    }
+    for (std::size_t i = 0; i < level.LineDefs.size(); ++i)
+    {
+        const LineDef& line = level.LineDefs[i];
+        if (onWalk[i] != 0)
+        {
+            continue;
+        }
+        for (const std::uint32_t side : {line.SideDef1, line.SideDef2})
+        {
+            if (side != NoSideDef && std::binary_search(sorted.begin(), sorted.end(), side))
+            {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+// What one scan of the LineDefs finds about the two Vertexes.
+struct Survey
+{
+    int Joining = -1;       // a LineDef that already joins them
+    bool Duplicate = false; // and a second one
+    int Second = -1;
+    std::uint32_t SectorAtA = NoSector; // the Sector next to each end, by its LineDefs
+    std::uint32_t SectorAtB = NoSector;
+};
+
+Survey SurveyVertexes(const LevelData& level, std::uint32_t a, std::uint32_t b,
+                      std::uint32_t sector)
+{
+    Survey found;
+    for (std::size_t i = 0; i < level.LineDefs.size(); ++i)
+    {
+        const LineDef& line = level.LineDefs[i];
+        const bool joins = (line.StartVertex == a && line.EndVertex == b) ||
+                           (line.StartVertex == b && line.EndVertex == a);
+        if (joins)
+        {
+            if (found.Joining >= 0 && !found.Duplicate)
+            {
+                found.Duplicate = true;
+                found.Second = static_cast<int>(i);
+            }
+            else if (found.Joining < 0)
+            {
+                found.Joining = static_cast<int>(i);
+            }
+        }
+        const bool inSector = sector != NoSector && (SideSector(level, line.SideDef1) == sector ||
+                                                     SideSector(level, line.SideDef2) == sector);
+        if (inSector && Touches(line, a))
+        {
+            found.SectorAtA = sector;
+        }
+        if (inSector && Touches(line, b))
+        {
+            found.SectorAtB = sector;
+        }
+    }
+    return found;
+}
+
+std::uint32_t SectorAtVertex(const LevelData& level, std::uint32_t vertex)
+{
+    const Vertex& v = level.Vertexes[vertex];
+    const int found = SectorAt(level, v.X, v.Y, SectorAtMode::Loose);
+    return found < 0 ? NoSector : static_cast<std::uint32_t>(found);
+}
+
+// A SideDef for the new line: a copy of `from` when there is one, else the defaults, with no
+// normal texture and facing `sector`.
+std::uint32_t NewSide(LevelData& level, std::uint32_t from, std::uint32_t sector)
+{
+    const int source = from < level.SideDefs.size() ? static_cast<int>(from) : -1;
+    const auto side = static_cast<std::uint32_t>(InsertObject(level, KindSideDef, source, 0, 0));
+    level.SideDefs[side].NormalTexture = NoTexture;
+    level.SideDefs[side].Sector = sector;
+    return side;
+}
+
+// Step 9 of a split: every other side of the old Sector that a ray puts in the new one moves,
+// and what is joined to the moved LineDefs through shared Vertexes (islands, spurs) goes along.
+// The new line's own Vertexes border both halves and never carry the flood.
+void SortOutTheRest(LevelData& level, std::uint32_t oldSector, std::uint32_t newSector,
+                    std::uint32_t a, std::uint32_t b)
+{
+    platform::TheUi().SetStatusText("Splitting Sector");
+    const LevelData& view = level; // reads through a const view keep the spatial index
+    std::vector<std::uint8_t> inSet(view.Vertexes.size(), 0);
+    bool any = false;
+    for (int i = 0; i < view.LineDefs.Count(); ++i)
+    {
+        for (const int which : {1, 2})
+        {
+            const std::uint32_t side = view.LineDefs[static_cast<std::size_t>(i)].Side(which);
+            if (SideSector(view, side) != oldSector)
+            {
+                continue;
+            }
+            if (SectorBeside(view, i, which).Sector == static_cast<int>(newSector))
+            {
+                level.SideDefs[side].Sector = newSector;
+                const LineDef& line = view.LineDefs[static_cast<std::size_t>(i)];
+                inSet[line.StartVertex] = 1;
+                inSet[line.EndVertex] = 1;
+                any = true;
+            }
+        }
+    }
+    if (!any)
+    {
+        return;
+    }
+    inSet[a] = 0;
+    inSet[b] = 0;
+    const auto hasOldSide = [&](const LineDef& line)
+    {
+        return SideSector(view, line.SideDef1) == oldSector ||
+               SideSector(view, line.SideDef2) == oldSector;
+    };
+    for (bool grew = true; grew;)
+    {
+        grew = false;
+        for (const LineDef& line : view.LineDefs)
+        {
+            if (!hasOldSide(line) || (inSet[line.StartVertex] == 0 && inSet[line.EndVertex] == 0))
+            {
+                continue;
+            }
+            for (const std::uint32_t end : {line.StartVertex, line.EndVertex})
+            {
+                if (inSet[end] == 0 && end != a && end != b)
+                {
+                    inSet[end] = 1;
+                    grew = true;
+                }
+            }
+        }
+    }
+    for (const LineDef& line : view.LineDefs)
+    {
+        if (inSet[line.StartVertex] == 0 && inSet[line.EndVertex] == 0)
+        {
+            continue;
+        }
+        for (const std::uint32_t side : {line.SideDef1, line.SideDef2})
+        {
+            if (SideSector(view, side) == oldSector)
+            {
+                level.SideDefs[side].Sector = newSector;
+            }
+        }
+    }
+}
+
+// The Split Options question: 0 Exit, 1 two-sided line, 2 split; nothing when cancelled.
+std::optional<int> AskSplitOptions(const LevelData& level, std::uint32_t a, std::uint32_t b)
+{
+    bool used = false;
+    for (const LineDef& line : level.LineDefs)
+    {
+        used = used || Touches(line, a) || Touches(line, b);
+    }
+    return platform::TheUi().ChooseEntry("  Split Options",
+                                         {"&1.  Exit (to replace a deleted line-drawing only)",
+                                          "&2.  2-Sided Line (existing area is 1 sector)",
+                                          "&3.  Split Sector (existing area is 1 sector)"},
+                                         {true, true, used});
+}
+
+} // namespace
+
+int SplitSector(LevelData& level, int vertexA, int vertexB, bool takeUndoStep)
+{
+    if (vertexA < 0 || vertexB < 0 || vertexA >= level.Vertexes.Count() ||
+        vertexB >= level.Vertexes.Count())
+    {
+        return SplitNothing;
+    }
+    const auto a = static_cast<std::uint32_t>(vertexA);
+    const auto b = static_cast<std::uint32_t>(vertexB);
+    const LevelData& view = level; // reads through a const view keep the spatial index
+    const std::optional<int> choice = AskSplitOptions(view, a, b);
+    if (!choice || *choice == 0)
+    {
+        return SplitExit;
+    }
+    bool split = *choice == 2 && a != b;
+
+    const Vertex& va = view.Vertexes[a];
+    const Vertex& vb = view.Vertexes[b];
+    const int found = SectorAt(view, (va.X + vb.X) / 2.0, (va.Y + vb.Y) / 2.0, SectorAtMode::Loose);
+    if (found != -1 && !Ask(SplitTitle, {"No Sector found between",
+                                         platform::Format("Vertex %d and %d", vertexA, vertexB),
+                                         "Reply Continue to make the line"}))
+    {
+        return SplitNothing;
+    }
+    std::uint32_t sector = found < 0 ? NoSector : static_cast<std::uint32_t>(found);
+
+    const Survey survey = SurveyVertexes(view, a, b, sector);
+    if (survey.Duplicate)
+    {
+        Tell(SplitTitle, {platform::Format("LineDef %d and %d are duplicates?", survey.Joining,
+                                           survey.Second)});
+        return SplitNothing;
+    }
+    if (survey.Joining >= 0)
+    {
+        const LineDef& line = view.LineDefs[static_cast<std::size_t>(survey.Joining)];
+        const std::uint32_t s1 = SideSector(view, line.SideDef1);
+        const std::uint32_t s2 = SideSector(view, line.SideDef2);
+        if (line.SideDef1 != NoSideDef && line.SideDef2 != NoSideDef && s1 != s2)
+        {
+            Tell(SplitTitle,
+                 {platform::Format("LineDef %d already splits sector", survey.Joining)});
+            return SplitNothing;
+        }
+    }
+
+    // Where an end has no neighbour in the Sector, the Sector at the Vertex stands in.
+    const std::uint32_t atA =
+        survey.SectorAtA != NoSector ? survey.SectorAtA : SectorAtVertex(view, a);
+    const std::uint32_t atB =
+        survey.SectorAtB != NoSector ? survey.SectorAtB : SectorAtVertex(view, b);
+    if (split)
+    {
+        const bool looseA = survey.SectorAtA == NoSector;
+        const bool looseB = survey.SectorAtB == NoSector;
+        if (looseA && looseB)
+        {
+            Tell(SplitTitle,
+                 {"New line is not connected to another", "line belonging to same sector."});
+            split = false;
+        }
+        else if (atA != atB)
+        {
+            Tell(SplitTitle, {platform::Format("Vertexes %d and %d are not in the same Sector?",
+                                               vertexA, vertexB)});
+            split = false;
+        }
+        else if (looseA || looseB)
+        {
+            Tell("Caution", {"2-sided line is not connected to a line on both sides"});
+            split = false;
+        }
+        if (sector == NoSector)
+        {
+            sector = atA;
+        }
+    }
+
+    Walk walk;
+    if (split)
+    {
+        walk = WalkSector(view, sector, a, b);
+        if (walk.End == WalkEnd::Circled)
+        {
+            if (!Ask(SplitTitle, {"Could not connect Vertex1 to Vertex2",
+                                  "Possibly vertex on one side touches an inner area",
+                                  "and the other is the outside, but the two don't meet.",
+                                  "Usually continue makes a 2-sided line"}))
+            {
+                return SplitNothing;
+            }
+            split = false;
+        }
+        else if (walk.End == WalkEnd::NoWayOn)
+        {
+            const bool atStart = walk.StuckAt == a;
+            const std::vector<std::string> lines =
+                atStart ? std::vector<std::string>{platform::Format(
+                              "There is no SideDef starting from Vertex %d", vertexA)}
+                        : std::vector<std::string>{platform::Format("Cannot go past Vertex %d)",
+                                                                    static_cast<int>(walk.StuckAt)),
+                                                   "Could not connect Vertex1 to Vertex2",
+                                                   "Either the area is not closed or reached",
+                                                   "an inner area not connected to beginnning!",
+                                                   "(delete/fix line if not continuing)"};
+            if (!Ask(SplitTitle, lines))
+            {
+                return SplitNothing;
+            }
+            split = false;
+        }
+        if (split && WalkSharesSideDefs(view, walk))
+        {
+            Tell(SplitTitle, {"ERROR\n\nPacked/Duplicate Sidedefs can't be split"});
+            return SplitNothing;
+        }
+    }
+
+    if (takeUndoStep)
+    {
+        SaveUndoStep();
+    }
+    const StoreChange busy;
+    if (sector == NoSector)
+    {
+        // Nothing around the line: it gets a Sector of its own, with the defaults.
+        sector = static_cast<std::uint32_t>(InsertObject(level, KindSector, -1, 0, 0));
+    }
+    std::uint32_t farSector = sector;
+    if (split)
+    {
+        farSector = static_cast<std::uint32_t>(
+            InsertObject(level, KindSector, static_cast<int>(sector), 0, 0));
+    }
+
+    // The line: the existing one with its missing side added, or a new one.
+    int line = survey.Joining;
+    std::uint32_t oldStart = 0;
+    std::uint32_t present = NoSideDef;
+    if (line < 0)
+    {
+        line = InsertObject(level, KindLineDef, -1, 0, 0);
+        LineDef& made = level.LineDefs[static_cast<std::size_t>(line)];
+        made.SideDef1 = NoSideDef;
+        made.SideDef2 = NoSideDef;
+    }
+    else
+    {
+        const LineDef& old = view.LineDefs[static_cast<std::size_t>(line)];
+        oldStart = old.StartVertex;
+        present = old.SideDef1 != NoSideDef ? old.SideDef1 : old.SideDef2;
+    }
+    const std::uint32_t first = present != NoSideDef ? present : NewSide(level, NoSideDef, sector);
+    level.SideDefs[first].Sector = sector;
+    level.SideDefs[first].NormalTexture = NoTexture;
+    const std::uint32_t second = NewSide(level, first, farSector);
+    LineDef& made = level.LineDefs[static_cast<std::size_t>(line)];
+    made.StartVertex = split ? b : a;
+    made.EndVertex = split ? a : b;
+    made.SideDef1 = second;
+    made.SideDef2 = first;
+    made.Flags = 4;
+    for (const WalkStep& step : walk.Steps)
+    {
+        if (!split)
+        {
+            break;
+        }
+        const std::uint32_t side =
+            view.LineDefs[static_cast<std::size_t>(step.Line)].Side(step.Side);
+        level.SideDefs[side].Sector = farSector;
+    }
+    if (split)
+    {
+        SortOutTheRest(level, sector, farSector, a, b);
+    }
+    if (survey.Joining >= 0 &&
+        view.LineDefs[static_cast<std::size_t>(line)].StartVertex != oldStart)
+    {
+        LineDef& back = level.LineDefs[static_cast<std::size_t>(line)];
+        std::swap(back.StartVertex, back.EndVertex);
+        std::swap(back.SideDef1, back.SideDef2);
+    }
+    NoteChange(level, KindLineDef);
+    return SplitDone;
+}
+
+int ConnectVertexes(LevelData& level, int vertexA, int vertexB)
+{
+    const StoreChange busy;
+    const int line = InsertObject(level, KindLineDef, -1, 0, 0);
+    {
+        LineDef& made = level.LineDefs[static_cast<std::size_t>(line)];
+        made.StartVertex = static_cast<std::uint32_t>(vertexA);
+        made.EndVertex = static_cast<std::uint32_t>(vertexB);
+        made.SideDef1 = NoSideDef;
+        made.SideDef2 = NoSideDef;
+    }
+    // Both rays first, before a side is added that the other ray would see.
+    const int front = SectorBeside(std::as_const(level), line, 1).Sector;
+    const int back = SectorBeside(std::as_const(level), line, 2).Sector;
+    for (const auto& [which, sector] : {std::pair{1, front}, std::pair{2, back}})
+    {
+        if (sector < 0)
+        {
+            continue;
+        }
+        const auto side = static_cast<std::uint32_t>(InsertObject(level, KindSideDef, -1, 0, 0));
+        level.SideDefs[side].Sector = static_cast<std::uint32_t>(sector);
+        level.LineDefs[static_cast<std::size_t>(line)].Side(which) = side;
+    }
+    FinishDrawnLine(level, line);
+    return line;
+}
+
+} // namespace kelvar::map
