@@ -501,6 +501,48 @@ int SplitSector(LevelData& level, int vertexA, int vertexB, bool takeUndoStep)
     return SplitDone;
 }
 
+int DivideSectorAlong(LevelData& level, int line)
+{
+    const LevelData& view = level;
+    if (line < 0 || line >= view.LineDefs.Count())
+    {
+        return -1;
+    }
+    const LineDef divider = view.LineDefs[static_cast<std::size_t>(line)];
+    const std::uint32_t sector = SideSector(view, divider.SideDef1);
+    if (sector == NoSector || SideSector(view, divider.SideDef2) != sector ||
+        divider.StartVertex == divider.EndVertex)
+    {
+        return -1;
+    }
+    // The walk must not take the divider itself: its sides lie in the Sector too.
+    const std::uint32_t front = divider.SideDef1;
+    const std::uint32_t back = divider.SideDef2;
+    level.SideDefs[front].Sector = NoSector;
+    level.SideDefs[back].Sector = NoSector;
+    const Walk walk = WalkSector(view, sector, divider.EndVertex, divider.StartVertex);
+    level.SideDefs[front].Sector = sector;
+    level.SideDefs[back].Sector = sector;
+    if (walk.End != WalkEnd::Reached || WalkSharesSideDefs(view, walk))
+    {
+        return -1;
+    }
+    const StoreChange busy;
+    const auto made =
+        static_cast<std::uint32_t>(InsertObject(level, KindSector, static_cast<int>(sector), 0, 0));
+    level.Sectors[made].Type = 0;
+    level.Sectors[made].Tag = 0;
+    for (const WalkStep& step : walk.Steps)
+    {
+        level.SideDefs[view.LineDefs[static_cast<std::size_t>(step.Line)].Side(step.Side)].Sector =
+            made;
+    }
+    level.SideDefs[front].Sector = made;
+    SortOutTheRest(level, sector, made, divider.StartVertex, divider.EndVertex);
+    NoteChange(level, KindSector);
+    return static_cast<int>(made);
+}
+
 int ConnectVertexes(LevelData& level, int vertexA, int vertexB)
 {
     const StoreChange busy;

@@ -30,6 +30,13 @@ enum SplitResult : int
 /// what is meant. With `takeUndoStep` it takes the undo step itself before its first change.
 int SplitSector(LevelData& level, int vertexA, int vertexB, bool takeUndoStep);
 
+/// Divides the Sector on both sides of `line` (a two-sided LineDef with the same Sector on both
+/// sides) when the line closes a part of it: the Sector's sides are walked from the line's end
+/// around to its start, and that part with the line's front becomes a new Sector, cloned from
+/// the old one with no type or tag. Returns the new Sector, or -1 when the line divides
+/// nothing (a spur, a line to an island). No question is asked.
+int DivideSectorAlong(LevelData& level, int line);
+
 /// A plain LineDef from `vertexA` to `vertexB`: each side gets a SideDef on the Sector its ray
 /// finds, if any; textures and flags follow the sides. Returns the LineDef's number.
 int ConnectVertexes(LevelData& level, int vertexA, int vertexB);
