@@ -46,6 +46,8 @@ struct CommandRequests
     bool LayoutChanged = false;    // the info pane was shown or hidden
     bool QuitRequested = false;    // Exit: the window runs its exit prompt and closes
     bool ShowMiscMenu = false;     // F8: the mode's Misc popup at the pointer
+    bool StartLineDraw = false;    // Ctrl+D, Insert in Vertex mode: the LineDraw tool
+    bool StartRotate = false;      // Rotate and Scale: the tool on the selection
     bool MovePointer = false;      // put the pointer at PointerX, PointerY (window pixels)
     int PointerX = 0;
     int PointerY = 0;
