@@ -1,19 +1,23 @@
-// Insert (Add, Ctrl+N) in Things, Sectors and LineDefs modes: a Thing or a Sector cloned from
-// the highlighted one, or a new Sector for one side of the selected LineDefs; taken back by
-// undo like every edit.
+// Insert (Add, Ctrl+N) in every mode: a Thing or a Sector cloned from the highlighted one, a new
+// Sector for one side of the selected LineDefs, or a line joining two selected Vertexes (the
+// LineDraw tool when fewer are selected); taken back by undo like every edit.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/CommandHandlers.h"
 #include "app/Modes.h"
+#include "app/ShellState.h"
 #include "map/MapState.h"
 #include "map/ObjectStore.h"
 #include "map/SectorOps.h"
+#include "map/SectorSplit.h"
 #include "map/Undo.h"
+#include "platform/Format.h"
 #include "platform/Messages.h"
 #include "platform/Ui.h"
 #include "view/ViewState.h"
 #include "view/Viewport.h"
 
 #include <utility>
+#include <vector>
 
 namespace kelvar::app
 {
@@ -139,6 +143,34 @@ void InsertSectorForLines(map::LevelData& level)
 
 } // namespace
 
+// Two selected Vertexes are joined, dividing the Sector there when the user wants it; fewer
+// start the LineDraw tool; more are refused.
+void InsertInVertexes(map::LevelData& level)
+{
+    const std::vector<std::int32_t> selected = map::Selected().Selection.Objects();
+    if (selected.size() < 2)
+    {
+        Shell().Requests.StartLineDraw = true;
+        return;
+    }
+    if (selected.size() > 2)
+    {
+        platform::ShowMessageLines(
+            0, "Insert",
+            {platform::Format("You have %d Vertexes selected", static_cast<int>(selected.size())),
+             "That's too many !",
+             "Select 2 vertices to connect 2 points or draw in the missing line",
+             "Select Exit in the Split menu if this will create a line in a new area"});
+        return;
+    }
+    (void)map::SaveUndoStep();
+    if (map::SplitSector(level, selected[1], selected[0], false) != map::SplitDone)
+    {
+        map::ConnectVertexes(level, selected[1], selected[0]);
+    }
+    map::ClearSelection();
+}
+
 void InsertCommand(int /*number*/, CommandSource /*source*/)
 {
     map::LevelData& level = map::Map().Level;
@@ -153,6 +185,10 @@ void InsertCommand(int /*number*/, CommandSource /*source*/)
     else if (EditMode() == ModeLineDefs)
     {
         InsertSectorForLines(level);
+    }
+    else if (EditMode() == ModeVertexes)
+    {
+        InsertInVertexes(level);
     }
 }
 

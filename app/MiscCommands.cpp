@@ -15,6 +15,7 @@
 #include "map/MoverOps.h"
 #include "map/ObjectStore.h"
 #include "map/SectorOps.h"
+#include "map/SectorSplit.h"
 #include "map/StairOps.h"
 #include "map/TextureAlign.h"
 #include "map/Undo.h"
@@ -186,6 +187,11 @@ Needs NeedsOf(MiscEntry entry)
     {
         return {2, false};
     }
+    if ((entry.Mode == ModeVertexes && entry.Index == 5) ||
+        (entry.Mode == ModeLineDefs && entry.Index == 4))
+    {
+        return {2, true};
+    }
     if (entry.Mode == ModeSectors && (entry.Index == 3 || entry.Index == 4))
     {
         return {1, true};
@@ -197,6 +203,47 @@ Needs NeedsOf(MiscEntry entry)
     return {};
 }
 
+// Split Linedef and Sector: both LineDefs split at their middles, and the Sector between the
+// two new Vertexes divided.
+void SplitLineDefsAndSector(map::LevelData& level, const map::ObjectList& list)
+{
+    const std::vector<std::int32_t> lines = list.Objects();
+    const auto sectorsOf = [&](std::int32_t i)
+    {
+        const map::LineDef& line = std::as_const(level).LineDefs[static_cast<std::size_t>(i)];
+        return std::array<std::uint32_t, 2>{map::SectorOfSide(level, line.SideDef1),
+                                            map::SectorOfSide(level, line.SideDef2)};
+    };
+    const auto first = sectorsOf(lines[0]);
+    const auto second = sectorsOf(lines[1]);
+    bool shared = false;
+    for (const std::uint32_t a : first)
+    {
+        for (const std::uint32_t b : second)
+        {
+            shared = shared || (a != map::NoSector && a == b);
+        }
+    }
+    if (!shared)
+    {
+        platform::Message message;
+        message.Title = "Split LineDefs/Sector";
+        message.Lines = {platform::Format("LineDefs %d and %d are not adjacent to the same Sector",
+                                          lines[0], lines[1]),
+                         "Reply continue to try anyway"};
+        message.Buttons = platform::MessageButtons::OkCancel;
+        message.ButtonTexts = {"Continue", "Cancel"};
+        if (platform::TheUi().Show(message) != 1)
+        {
+            return;
+        }
+    }
+    map::SplitLineDefsAtMidpoint(level, list);
+    const int newest = level.Vertexes.Count() - 1;
+    map::SplitSector(level, newest - 1, newest, false);
+    map::ClearSelection();
+}
+
 void RunLineDefEntry(map::LevelData& level, int index, map::ObjectList& list)
 {
     switch (index)
@@ -204,6 +251,9 @@ void RunLineDefEntry(map::LevelData& level, int index, map::ObjectList& list)
     case 3:
         map::SplitLineDefsAtMidpoint(level, list);
         map::ClearSelection();
+        break;
+    case 4:
+        SplitLineDefsAndSector(level, list);
         break;
     case 5:
         if (map::DeleteLineDefsJoinSectors(level, list))
@@ -278,6 +328,11 @@ void RunVertexEntry(map::LevelData& level, int index, const map::ObjectList& lis
     else if (index == 4)
     {
         map::MergeVertexes(level, list);
+    }
+    else if (index == 5)
+    {
+        const std::vector<std::int32_t> vertexes = list.Objects();
+        map::SplitSector(level, vertexes[1], vertexes[0], false);
     }
     map::ClearSelection();
 }

@@ -155,7 +155,7 @@ TEST_F(MiscCommandsTest, InsertPutsAThingOnTheGridAtThePointerClonedFromTheHighl
     EXPECT_EQ(map::Map().Level, before);
 }
 
-TEST_F(MiscCommandsTest, InsertAsksTwiceBeforeASectorAndDoesNothingInVertexesMode)
+TEST_F(MiscCommandsTest, InsertAsksTwiceBeforeASector)
 {
     Edit(TwoRooms(), ModeSectors);
     map::Selected().HighlightedObject = 1;
@@ -170,9 +170,56 @@ TEST_F(MiscCommandsTest, InsertAsksTwiceBeforeASectorAndDoesNothingInVertexesMod
     EXPECT_EQ(map::Map().Level.Sectors[2], map::Map().Level.Sectors[1])
         << "cloned from the highlight";
     EXPECT_EQ(Highlighted(), 2);
+}
 
-    Shell().Chk.EditMode = ModeVertexes;
-    EXPECT_EQ(RunCommand(CmdInsertObject), CommandResult::WrongMode);
+TEST_F(MiscCommandsTest, InsertInVertexesJoinsTwoDrawsForFewerAndRefusesMore)
+{
+    // Two rooms: Vertexes 0 (0,0) and 2 (128,128) are opposite corners of the west room.
+    Edit(TwoRooms(), ModeVertexes);
+    ASSERT_EQ(RunCommand(CmdInsertObject), CommandResult::Done);
+    EXPECT_TRUE(TakeRequests().StartLineDraw) << "no Vertex selected: the LineDraw tool";
+
+    for (const int v : {0, 2, 5})
+    {
+        map::ObjectListPush(map::Selected().Selection, v);
+    }
+    ASSERT_EQ(RunCommand(CmdInsertObject), CommandResult::Done);
+    EXPECT_EQ(Ui.Last().Lines.at(0), "You have 3 Vertexes selected");
+    EXPECT_EQ(map::Map().Level.LineDefs.Count(), 7);
+
+    map::ClearSelection();
+    map::ObjectListPush(map::Selected().Selection, 0);
+    map::ObjectListPush(map::Selected().Selection, 2);
+    Ui.AnswerList(2).Answer(1); // Split Sector; Continue
+    ASSERT_EQ(RunCommand(CmdInsertObject), CommandResult::Done);
+    EXPECT_EQ(map::Map().Level.LineDefs.Count(), 8);
+    EXPECT_EQ(map::Map().Level.Sectors.Count(), 3) << "the west room divided";
+    EXPECT_EQ(map::UndoStep(), 1);
+    EXPECT_EQ(map::Map().Level, TwoRooms());
+}
+
+TEST_F(MiscCommandsTest, SplitLineDefsAndSectorDividesTheRoomBetweenTheirMiddles)
+{
+    // The west room's top (LineDef 1) and bottom (LineDef 2) walls.
+    Edit(TwoRooms(), ModeLineDefs);
+    map::ObjectListPush(map::Selected().Selection, 1);
+    map::ObjectListPush(map::Selected().Selection, 2);
+    Ui.AnswerList(2).Answer(1); // Split Sector; Continue
+    ASSERT_EQ(RunCommand(CmdSplitLineDefSector), CommandResult::Done);
+    const map::LevelData& level = map::Map().Level;
+    EXPECT_EQ(level.LineDefs.Count(), 10);
+    EXPECT_EQ(level.Sectors.Count(), 3);
+    EXPECT_EQ(level.Vertexes[6], (map::Vertex{64, 0}));
+    EXPECT_EQ(level.Vertexes[7], (map::Vertex{64, 128}));
+
+    // The east room's far wall and the west room's west wall share no Sector: asked first.
+    Edit(TwoRooms(), ModeLineDefs);
+    map::ObjectListPush(map::Selected().Selection, 0);
+    map::ObjectListPush(map::Selected().Selection, 5);
+    Ui.Answer(0);
+    ASSERT_EQ(RunCommand(CmdSplitLineDefSector), CommandResult::Done);
+    EXPECT_EQ(Ui.Last().Lines.at(0), "LineDefs 5 and 0 are not adjacent to the same Sector");
+    EXPECT_EQ(map::Map().Level.LineDefs.Count(), 7);
 }
 
 TEST_F(MiscCommandsTest, AligningOnlyUnpeggedLinesTellsSoAndTakesNoStep)
@@ -244,6 +291,8 @@ TEST_F(MiscCommandsTest, EveryMiscEntryIsEnabledOrWaitsForItsTool)
                                     533,
                                     518,
                                     519,
+                                    534,
+                                    CmdSplitLineDefSector,
                                     CmdSplitAddVertex,
                                     CmdSwapSideDefs,
                                     CmdFlipVertexesOnly,
@@ -257,7 +306,7 @@ TEST_F(MiscCommandsTest, EveryMiscEntryIsEnabledOrWaitsForItsTool)
     {
         EXPECT_TRUE(IsCommandAvailable(number)) << number;
     }
-    const std::vector<int> waiting = {501, 510, 525, 530, 534, CmdSplitLineDefSector};
+    const std::vector<int> waiting = {501, 510, 525, 530};
     for (const int number : waiting)
     {
         EXPECT_FALSE(IsCommandAvailable(number)) << number << " belongs to a tool not built";
