@@ -11,9 +11,14 @@
 #include "cli/SaveCommands.h"
 #include "map/MapState.h"
 #include "map/Selection.h"
+#include "tools/DragTool.h"
+#include "tools/LineDraw.h"
+#include "tools/RotateTool.h"
 
 #include <charconv>
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <optional>
 #include <sstream>
 
@@ -130,6 +135,124 @@ int RunSelection(const std::string& command, const std::vector<std::string>& wor
     return ExitOk;
 }
 
+// A point written X,Y.
+std::optional<map::Point> PointOf(const std::string& word)
+{
+    const std::size_t comma = word.find(',');
+    if (comma == std::string::npos)
+    {
+        return std::nullopt;
+    }
+    const std::optional<int> x = Number(word.substr(0, comma));
+    const std::optional<int> y = Number(word.substr(comma + 1));
+    return x && y ? std::optional<map::Point>({double(*x), double(*y)}) : std::nullopt;
+}
+
+// draw X,Y X,Y ... [close|open|esc]: one run of the LineDraw tool, a click at each point, ended
+// by the right button (close, the default), Insert (open: one-sided lines) or Esc.
+int RunDraw(const std::string& command, const std::vector<std::string>& words)
+{
+    std::vector<map::Point> points;
+    tools::DrawAction end = tools::DrawAction::Close;
+    for (std::size_t i = 1; i < words.size(); ++i)
+    {
+        if (i + 1 == words.size() &&
+            (words[i] == "close" || words[i] == "open" || words[i] == "esc"))
+        {
+            end = words[i] == "close"  ? tools::DrawAction::Close
+                  : words[i] == "open" ? tools::DrawAction::CloseOneSided
+                                       : tools::DrawAction::Escape;
+            continue;
+        }
+        const std::optional<map::Point> point = PointOf(words[i]);
+        if (!point)
+        {
+            return Refuse(command, "a point is written X,Y");
+        }
+        points.push_back(*point);
+    }
+    if (points.empty())
+    {
+        return Refuse(command, "no points to draw");
+    }
+    {
+        tools::LineDrawTool tool(map::Map().Level, -1);
+        for (const map::Point& point : points)
+        {
+            tool.Feed({tools::DrawAction::Click, point.X, point.Y});
+        }
+        tool.Feed({end, 0, 0});
+    }
+    map::ClearSelection();
+    app::Shell().Chk.EditMode = static_cast<std::int16_t>(map::ModeLineDefs);
+    return ExitOk;
+}
+
+// drag DX DY: the selection (or the highlighted object) moved as a drag by the right button.
+int RunDrag(const std::string& command, const std::vector<std::string>& words)
+{
+    const std::optional<int> dx = words.size() == 3 ? Number(words[1]) : std::nullopt;
+    const std::optional<int> dy = words.size() == 3 ? Number(words[2]) : std::nullopt;
+    if (!dx || !dy)
+    {
+        return Refuse(command, "drag takes DX DY");
+    }
+    const int mode = app::EditMode();
+    const int highlight = map::Selected().HighlightedObject;
+    tools::DragState drag;
+    if (!tools::DragBegin(drag, mode, 0, 0, {mode, highlight}))
+    {
+        return Refuse(command, "nothing to drag");
+    }
+    tools::DragMoveTo(drag, *dx, *dy);
+    const tools::DragEnd ended = tools::DragFinish(drag);
+    app::Shell().Chk.EditMode = static_cast<std::int16_t>(ended.Mode);
+    return ExitOk;
+}
+
+// rotate DEGREES, scale FACTOR: the Rotate and Scale tool on the selection, its keys pressed
+// until the angle or the scale is reached, then Enter.
+int RunRotate(const std::string& command, const std::vector<std::string>& words)
+{
+    if (words.size() != 2)
+    {
+        return Refuse(command, "one value wanted");
+    }
+    const bool rotate = words[0] == "rotate";
+    int presses = 0;
+    if (rotate)
+    {
+        const std::optional<int> degrees = Number(words[1]);
+        if (!degrees || *degrees < -359 || *degrees > 359)
+        {
+            return Refuse(command, "degrees from -359 to 359");
+        }
+        presses = *degrees;
+    }
+    else
+    {
+        char* end = nullptr;
+        const double factor = std::strtod(words[1].c_str(), &end);
+        if (end == words[1].c_str() || *end != '\0' || factor < 0 || factor > 100)
+        {
+            return Refuse(command, "a scale from 0 to 100");
+        }
+        presses = static_cast<int>(std::lround((factor - 1.0) * 100.0));
+    }
+    tools::RotateScaleState state;
+    if (!tools::RotateScaleBegin(state, app::EditMode(), map::Selected().Selection))
+    {
+        return Refuse(command, "select at least two objects");
+    }
+    for (int i = 0; i < std::abs(presses); ++i)
+    {
+        const int key = rotate ? (presses > 0 ? '>' : '<') : 'r';
+        tools::RotateScaleKey(state, key, !rotate && presses < 0);
+    }
+    tools::RotateScaleFinish(state);
+    return ExitOk;
+}
+
 // Runs one command of the script.
 int RunScriptCommand(const std::vector<std::string>& words)
 {
@@ -148,6 +271,18 @@ int RunScriptCommand(const std::vector<std::string>& words)
     if (verb == "select" || verb == "box" || verb == "highlight" || verb == "clear")
     {
         return RunSelection(command, words);
+    }
+    if (verb == "draw")
+    {
+        return RunDraw(command, words);
+    }
+    if (verb == "drag")
+    {
+        return RunDrag(command, words);
+    }
+    if (verb == "rotate" || verb == "scale")
+    {
+        return RunRotate(command, words);
     }
     if (verb == "misc" || verb == "run")
     {

@@ -19,7 +19,14 @@ namespace kelvar::cli
 ///   misc INDEX        entry INDEX of the mode's Misc popup (F8)
 ///   delete, insert, undo, redo
 ///   run NUMBER        any command by its number
-/// Questions take their first button and number prompts their offered value. A script error
+///   draw X,Y X,Y ... [close|open|esc]
+///                     one run of the LineDraw tool: a click at each point, then the right
+///                     button (close, the default), Insert (open) or Esc
+///   drag DX DY        the selection (or highlight) dragged by DX, DY map units
+///   rotate DEGREES    the Rotate and Scale tool on the selection: turned anticlockwise
+///   scale FACTOR      the same, scaled (1.5 is half as large again)
+/// Questions take their first button, number prompts their offered value, and the question of
+/// how to split a Sector its last enabled entry (a real split when one can be made). A script error
 /// or a command that can't run stops before the save, with nothing written. Returns the exit
 /// status.
 int EditLevel(const std::vector<std::string>& arguments);
