@@ -39,6 +39,10 @@ void MiscCommand(int mode, int index);
 /// The command number of entry `index` (from 1) of the Misc popup of `mode`; 0 for none.
 int MiscEntryNumber(int mode, int index);
 
+// The window's interactive tools (ToolCommands.cpp): they ask the window to start them.
+void LineDrawCommand(int number, CommandSource source);    // 424
+void RotateScaleCommand(int number, CommandSource source); // 501, 510, 525, 530
+
 // Opening and closing PWADs (PwadCommands.cpp).
 void OpenPwadCommand(int number, CommandSource source);      // 1025, the recent PWADs
 void CloseAllFilesCommand(int number, CommandSource source); // 1024

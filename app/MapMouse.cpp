@@ -78,6 +78,69 @@ void FinishBand(MapMouseState& state, view::BoxSelectStep step, int modifiers)
     AskForRedraw(true);
 }
 
+void EndDrag(MapMouseState& state, const tools::DragEnd& end)
+{
+    Shell().Chk.EditMode = static_cast<std::int16_t>(end.Mode);
+    map::Selected().HighlightedObject = end.Highlight;
+    Session().InDrag = false;
+    state.Clicks.Down = view::MouseButton::None;
+    (void)view::ReleaseMouse();
+    Shell().Requests.MiscMenuChanged = true;
+    AskForRedraw(true);
+}
+
+// The right button moved past the drag distance: the drag starts from the press point.
+void BeginDrag(MapMouseState& state, const view::MouseInput& event)
+{
+    const view::MapViewport& viewport = view::View().Viewport;
+    const map::MapState& map = map::Map();
+    const int pressX = state.Clicks.DownX;
+    const int pressY = state.Clicks.DownY;
+    tools::PressObject pressed;
+    if (map.Select.Selection.Empty())
+    {
+        const double range =
+            map.Options.ObjectSelectRange / std::max(0.001, double{viewport.Scale});
+        pressed = tools::DragObjectAtPress(map.Level, viewport, EditMode(), pressX, pressY, range,
+                                           range, map.Select.HighlightedObject);
+    }
+    if (!view::CaptureMouse())
+    {
+        return;
+    }
+    if (!tools::DragBegin(state.Drag, EditMode(), view::ScreenToMapXExact(viewport, pressX),
+                          view::ScreenToMapYExact(viewport, pressY), pressed))
+    {
+        (void)view::ReleaseMouse();
+        return;
+    }
+    Session().InDrag = true;
+    // What is dragged shows in its own mode while the drag runs.
+    Shell().Chk.EditMode = static_cast<std::int16_t>(state.Drag.Mode);
+    (void)tools::DragMoveTo(state.Drag, view::ScreenToMapXExact(viewport, event.X),
+                            view::ScreenToMapYExact(viewport, event.Y));
+    AskForRedraw(true);
+}
+
+// An event while the drag runs: moves carry the objects, the right button's release ends it.
+void DragEvent(MapMouseState& state, const view::MouseInput& event)
+{
+    const view::MapViewport& viewport = view::View().Viewport;
+    if (event.Kind == view::MouseEventKind::Move)
+    {
+        if (tools::DragMoveTo(state.Drag, view::ScreenToMapXExact(viewport, event.X),
+                              view::ScreenToMapYExact(viewport, event.Y)))
+        {
+            AskForRedraw(true);
+        }
+    }
+    else if (event.Kind == view::MouseEventKind::Release &&
+             event.Button == view::MouseButton::Right)
+    {
+        EndDrag(state, tools::DragFinish(state.Drag));
+    }
+}
+
 void Wheel(const view::MouseInput& event)
 {
     view::ViewState& view = view::View();
@@ -122,6 +185,11 @@ view::ClickMeaning MapMouseEvent(MapMouseState& state, const view::MouseInput& e
         return event.WheelDelta > 0 ? view::ClickMeaning::ZoomIn : view::ClickMeaning::ZoomOut;
     }
 
+    if (state.Drag.Active)
+    {
+        DragEvent(state, event);
+        return view::ClickMeaning::None;
+    }
     if (state.Box.Active)
     {
         const view::BoxSelectStep step =
@@ -162,6 +230,9 @@ view::ClickMeaning MapMouseEvent(MapMouseState& state, const view::MouseInput& e
             Shell().Requests.RedrawMap = true;
         }
         return meaning;
+    case view::ClickMeaning::Drag:
+        BeginDrag(state, event);
+        return meaning;
     case view::ClickMeaning::Mark:
         map::ToggleHighlighted(map::Map().Options.AdditiveSelect ||
                                (event.Modifiers & view::ModCtrl) != 0);
@@ -179,6 +250,14 @@ view::ClickMeaning MapMouseEvent(MapMouseState& state, const view::MouseInput& e
 
 bool MapMouseKey(MapMouseState& state, int key)
 {
+    if (state.Drag.Active)
+    {
+        if (key == view::KeyEscape)
+        {
+            EndDrag(state, tools::DragCancel(state.Drag));
+        }
+        return true;
+    }
     if (!state.Box.Active)
     {
         return false;
@@ -190,6 +269,11 @@ bool MapMouseKey(MapMouseState& state, int key)
     }
     FinishBand(state, step, 0);
     return true;
+}
+
+bool Dragging(const MapMouseState& state)
+{
+    return state.Drag.Active;
 }
 
 bool RubberBand(const MapMouseState& state, int& x1, int& y1, int& x2, int& y2)

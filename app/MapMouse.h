@@ -7,6 +7,7 @@
 // window can do (a pop-up menu) comes back as the meaning of the gesture.
 #pragma once
 
+#include "tools/DragTool.h"
 #include "view/MouseInput.h"
 
 namespace kelvar::app
@@ -20,18 +21,24 @@ struct MapMouseState
     bool LeftDown = false;
     int PressX = 0;
     int PressY = 0;
+    tools::DragState Drag; // the right button's drag
 };
 
 /// One mouse event of the map window. Moves track the object under the pointer (or follow it
 /// with AutoMode, unless Shift is down); a left click marks or unmarks it; a left hold and
 /// move is the rubber band, whose release selects what it holds; the wheel zooms about the
-/// pointer or steps the mode. Returns the gesture the event completed: the window opens the
-/// mode's pop-up menu for PopupMenu. Acts only with a level loaded and the map editable.
+/// pointer or steps the mode. A right hold and move drags the selection, or the object at the
+/// press when nothing is selected, until the release. Returns the gesture the event completed: the
+/// window opens the mode's pop-up menu for PopupMenu. Acts only with a level loaded and the map
+/// editable.
 view::ClickMeaning MapMouseEvent(MapMouseState& state, const view::MouseInput& event);
 
-/// A key while the rubber band is out: Esc drops it, Z zooms to it. Returns true when the
-/// band took the key.
+/// A key while the rubber band is out: Esc drops it, Z zooms to it; while a drag runs, Esc
+/// puts everything back. Returns true when the band or the drag took the key.
 bool MapMouseKey(MapMouseState& state, int key);
+
+/// True while a right-button drag runs.
+bool Dragging(const MapMouseState& state);
 
 /// True while the rubber band is out; its corners in window pixels.
 bool RubberBand(const MapMouseState& state, int& x1, int& y1, int& x2, int& y2);

@@ -325,7 +325,21 @@ void MainWindow::ActOnRequests()
     {
         RefreshInfoPane();
     }
+    if (MapView->ToolRunning() || !MapView->ToolCaption().isEmpty() || ToolCaptionShown)
+    {
+        // The running tool's line stands in the status bar; it goes when the tool ends.
+        StatusMessage->setText(MapView->ToolCaption());
+        ToolCaptionShown = !MapView->ToolCaption().isEmpty();
+    }
     Acting = false;
+    if (requests.StartLineDraw && !MapView->StartLineDrawTool())
+    {
+        QApplication::beep();
+    }
+    if (requests.StartRotate)
+    {
+        (void)MapView->StartRotateTool();
+    }
     if (requests.ShowMiscMenu)
     {
         // F8: the popup opens at the pointer when it is over the map, else at the map's middle.

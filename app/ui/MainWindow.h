@@ -64,6 +64,7 @@ private:
     std::vector<QLabel*> StatusFields;
     bool ClosingConfirmed = false;
     bool Acting = false;
+    bool ToolCaptionShown = false; // the status message holds a tool's line
 };
 
 } // namespace kelvar::app

@@ -15,6 +15,7 @@
 
 #include <QCursor>
 #include <QPainter>
+#include <QPen>
 
 namespace kelvar::app
 {
@@ -79,7 +80,15 @@ void MapWidget::paintEvent(QPaintEvent*)
     {
         xorBand();
     }
-    QPainter(this).drawImage(0, 0, Buffer);
+    QPainter painter(this);
+    painter.drawImage(0, 0, Buffer);
+    int lx1 = 0, ly1 = 0, lx2 = 0, ly2 = 0;
+    if (RubberLine(Tools, lx1, ly1, lx2, ly2))
+    {
+        painter.setPen(QPen(Qt::white, 1, Qt::DashLine));
+        painter.drawLine(lx1, ly1, lx2, ly2);
+    }
+    painter.end();
     if (band)
     {
         xorBand();
@@ -110,6 +119,142 @@ void MapWidget::Mouse(const view::MouseInput& input)
     emit RequestsLeft();
 }
 
+// --- The interactive tools -------------------------------------------------------------------
+
+bool MapWidget::StartLineDrawTool()
+{
+    if (Dragging(MouseState) || !StartLineDraw(Tools))
+    {
+        return false;
+    }
+    const QPoint pointer = mapFromGlobal(QCursor::pos());
+    if (rect().contains(pointer))
+    {
+        MapToolPointer(Tools, pointer.x(), pointer.y());
+    }
+    ToolActed();
+    return true;
+}
+
+bool MapWidget::StartRotateTool()
+{
+    if (Dragging(MouseState))
+    {
+        return false;
+    }
+    const QPoint pointer = mapFromGlobal(QCursor::pos());
+    const bool started = StartRotateScale(Tools, pointer.x(), pointer.y());
+    ToolActed();
+    return started;
+}
+
+bool MapWidget::ToolRunning() const
+{
+    return Tools.Active != MapTool::None || Dragging(MouseState);
+}
+
+QString MapWidget::ToolCaption() const
+{
+    return QString::fromStdString(Tools.Caption);
+}
+
+void MapWidget::ToolActed()
+{
+    update();
+    emit RequestsLeft();
+}
+
+// A mouse event while a tool runs; false when no tool runs.
+bool MapWidget::ToolMouse(QMouseEvent* event, bool press)
+{
+    if (Tools.Active == MapTool::None)
+    {
+        return false;
+    }
+    const QPoint at = event->position().toPoint();
+    if (!press)
+    {
+        MapToolPointer(Tools, at.x(), at.y());
+    }
+    else if (Tools.Active == MapTool::LineDraw && event->button() == Qt::LeftButton)
+    {
+        LineDrawInput(Tools, tools::DrawAction::Click, at.x(), at.y());
+    }
+    else if (Tools.Active == MapTool::LineDraw && event->button() == Qt::RightButton)
+    {
+        LineDrawInput(Tools, tools::DrawAction::Close, at.x(), at.y());
+    }
+    else if (Tools.Active == MapTool::RotateScale && event->button() == Qt::LeftButton)
+    {
+        RotateScaleClick(Tools);
+    }
+    ToolActed();
+    return true;
+}
+
+// A key while a tool runs: the tool's keys go to it and the others nowhere, so no command
+// changes the level under the tool. False when no tool runs.
+bool MapWidget::ToolKey(QKeyEvent* event)
+{
+    if (Tools.Active == MapTool::None)
+    {
+        return false;
+    }
+    const int key = event->key();
+    if (Tools.Active == MapTool::LineDraw)
+    {
+        const QPoint pointer = Tools.PointerKnown ? QPoint(Tools.PointerX, Tools.PointerY)
+                                                  : mapFromGlobal(QCursor::pos());
+        if (key == Qt::Key_Return || key == Qt::Key_Enter)
+        {
+            LineDrawInput(Tools, tools::DrawAction::Click, pointer.x(), pointer.y());
+        }
+        else if (key == Qt::Key_Insert)
+        {
+            LineDrawInput(Tools, tools::DrawAction::CloseOneSided, pointer.x(), pointer.y());
+        }
+        // Esc acts on its release.
+    }
+    else
+    {
+        const bool shift = (event->modifiers() & Qt::ShiftModifier) != 0;
+        if (key == Qt::Key_Return || key == Qt::Key_Enter)
+        {
+            RotateScaleInputKey(Tools, tools::RotateKeyEnter, shift);
+        }
+        else if (key == Qt::Key_Escape)
+        {
+            RotateScaleInputKey(Tools, tools::RotateKeyEscape, shift);
+        }
+        else if (key == Qt::Key_R)
+        {
+            RotateScaleInputKey(Tools, 'R', shift);
+        }
+        else if (const char character = CharacterOfKeyEvent(*event); character != 0)
+        {
+            RotateScaleInputKey(Tools, character, shift);
+        }
+    }
+    ToolActed();
+    return true;
+}
+
+void MapWidget::keyReleaseEvent(QKeyEvent* event)
+{
+    if (Tools.Active == MapTool::LineDraw && event->key() == Qt::Key_Escape &&
+        !event->isAutoRepeat())
+    {
+        const QPoint pointer = Tools.PointerKnown ? QPoint(Tools.PointerX, Tools.PointerY)
+                                                  : mapFromGlobal(QCursor::pos());
+        LineDrawInput(Tools, tools::DrawAction::Escape, pointer.x(), pointer.y());
+        ToolActed();
+        return;
+    }
+    QWidget::keyReleaseEvent(event);
+}
+
+// --- The mouse -------------------------------------------------------------------------------
+
 void MapWidget::mouseMoveEvent(QMouseEvent* event)
 {
     const QPoint position = event->position().toPoint();
@@ -118,6 +263,10 @@ void MapWidget::mouseMoveEvent(QMouseEvent* event)
         return;
     }
     LastPointer = position;
+    if (ToolMouse(event, false))
+    {
+        return;
+    }
     Mouse(MouseInputOf(*event, view::MouseEventKind::Move, Clock.elapsed()));
     const EdgeScroll edge = EdgeScrollDirection(position.x(), position.y(), width(), height(),
                                                 view::View().Settings.ScrollBorder);
@@ -138,17 +287,30 @@ void MapWidget::mouseMoveEvent(QMouseEvent* event)
 void MapWidget::mousePressEvent(QMouseEvent* event)
 {
     EdgeTimer.stop();
+    if (ToolMouse(event, true))
+    {
+        return;
+    }
     Mouse(MouseInputOf(*event, view::MouseEventKind::Press, Clock.elapsed()));
 }
 
 void MapWidget::mouseReleaseEvent(QMouseEvent* event)
 {
+    if (Tools.Active != MapTool::None)
+    {
+        return;
+    }
     Mouse(MouseInputOf(*event, view::MouseEventKind::Release, Clock.elapsed()));
     update();
 }
 
 void MapWidget::mouseDoubleClickEvent(QMouseEvent* event)
 {
+    // A quick second click is a click of its own to the tools.
+    if (ToolMouse(event, true))
+    {
+        return;
+    }
     Mouse(MouseInputOf(*event, view::MouseEventKind::DoubleClick, Clock.elapsed()));
 }
 
@@ -180,11 +342,19 @@ void MapWidget::EdgeScrollTick()
 
 void MapWidget::keyPressEvent(QKeyEvent* event)
 {
+    if (ToolKey(event))
+    {
+        return;
+    }
     if (event->key() == Qt::Key_Escape && MapMouseKey(MouseState, view::KeyEscape))
     {
         emit RequestsLeft();
         update();
         return;
+    }
+    if (Dragging(MouseState))
+    {
+        return; // the drag ends with the release or Esc, before any other key acts
     }
     if (event->key() == Qt::Key_Z && MapMouseKey(MouseState, view::KeyZ))
     {
@@ -214,6 +384,11 @@ bool MapWidget::event(QEvent* event)
 {
     // Keys of the key table win over the menu bar's Alt mnemonics and Qt's own shortcuts, as
     // the table's accelerators did.
+    if (event->type() == QEvent::ShortcutOverride && ToolRunning())
+    {
+        event->accept();
+        return true;
+    }
     if (event->type() == QEvent::ShortcutOverride)
     {
         const auto* key = static_cast<QKeyEvent*>(event);

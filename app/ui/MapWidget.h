@@ -3,6 +3,7 @@
 #pragma once
 
 #include "app/MapMouse.h"
+#include "app/MapTools.h"
 #include "platform/qt/QtCanvas.h"
 
 #include <QElapsedTimer>
@@ -26,6 +27,15 @@ public:
     /// The picture is out of date: it is drawn again at the next paint.
     void Redraw();
 
+    /// Starts LineDraw, or Rotate and Scale, in the map: the window's mouse and keys go to the
+    /// tool until it ends. Returns false when the tool didn't start.
+    bool StartLineDrawTool();
+    bool StartRotateTool();
+    /// True while an interactive tool or a drag has the mouse and keys.
+    bool ToolRunning() const;
+    /// The running tool's line for the status bar; empty when none runs.
+    QString ToolCaption() const;
+
     /// The picture as last painted (for tests and screenshots).
     const QImage& Picture() const { return Buffer; }
 
@@ -48,16 +58,21 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
     void leaveEvent(QEvent* event) override;
     bool event(QEvent* event) override;
     bool focusNextPrevChild(bool next) override;
 
 private:
     void Mouse(const view::MouseInput& input);
+    bool ToolMouse(QMouseEvent* event, bool press);
+    bool ToolKey(QKeyEvent* event);
+    void ToolActed();
     void RenderBuffer();
     void EdgeScrollTick();
 
     MapMouseState MouseState;
+    MapToolState Tools;
     QImage Buffer;
     platform::QtMaskPictures MaskPictures; // the grid's picture from one redraw to the next
     bool Dirty = true;
