@@ -26,8 +26,8 @@ protected:
         map::Map().Options.GridSize = 64;
         map::Map().Options.GridSnap = true;
         const view::MapViewport& viewport = view::View().Viewport;
-        CenterX = 64 * std::lround(view::ScreenToMapXExact(viewport, Map()->width() / 2) / 64);
-        CenterY = 64 * std::lround(view::ScreenToMapYExact(viewport, Map()->height() / 2) / 64);
+        CenterX = 64.0 * std::round(view::ScreenToMapXExact(viewport, Map()->width() / 2) / 64);
+        CenterY = 64.0 * std::round(view::ScreenToMapYExact(viewport, Map()->height() / 2) / 64);
         Window->Map()->Redraw();
     }
 
@@ -48,8 +48,8 @@ protected:
         QTest::keyClick(Map(), Qt::Key_Escape);
     }
 
-    long CenterX = 0;
-    long CenterY = 0;
+    double CenterX = 0;
+    double CenterY = 0;
 };
 
 TEST_F(MapToolsTest, LineDrawMakesASquareSectorAndGivesTheModeBack)
