@@ -11,7 +11,7 @@ namespace kelvar::cli
 {
 
 // The console, with every question answered by its first button, every menu of choices by its
-// last enabled entry (or the one a script set), every number prompt by the
+// last enabled entry, every number prompt by the
 // value it offers and every file dialog by the output file. The one exception: an I/O error's "Quit
 // now ?" is answered No, so the save stops and the old file is put back instead of the program
 // ending half way.
@@ -41,32 +41,21 @@ public:
     {
         return Console.ChooseFromList(caption, items);
     }
-    /// A menu of choices takes the entry set by SetMenuAnswer when it is enabled, else its
-    /// last enabled entry (for the split question: a real split when one can be made).
+    /// A menu of choices takes its last enabled entry (for the split question: a real split
+    /// when one can be made).
     std::optional<int> ChooseEntry(const std::string& /*caption*/,
                                    const std::vector<std::string>& items,
                                    const std::vector<bool>& enabled) override
     {
-        const auto usable = [&](int i)
+        for (std::size_t i = items.size(); i-- > 0;)
         {
-            return i >= 0 && static_cast<std::size_t>(i) < items.size() &&
-                   (static_cast<std::size_t>(i) >= enabled.size() ||
-                    enabled[static_cast<std::size_t>(i)]);
-        };
-        if (MenuAnswer && usable(*MenuAnswer))
-        {
-            return MenuAnswer;
-        }
-        for (int i = static_cast<int>(items.size()) - 1; i >= 0; --i)
-        {
-            if (usable(i))
+            if (i >= enabled.size() || enabled[i])
             {
-                return i;
+                return static_cast<int>(i);
             }
         }
         return std::nullopt;
     }
-    void SetMenuAnswer(std::optional<int> answer) { MenuAnswer = answer; }
     std::optional<int> AskNumber(const std::string& /*caption*/, const std::string& /*prompt*/,
                                  int initial, int /*low*/, int /*high*/) override
     {
@@ -90,7 +79,6 @@ private:
     platform::ConsoleUi Console{stderr, 1};
     platform::ConsoleUi Refusing{stderr, 0};
     std::filesystem::path Output;
-    std::optional<int> MenuAnswer;
 };
 
 } // namespace kelvar::cli

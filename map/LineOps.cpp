@@ -79,6 +79,15 @@ void Renumber(std::vector<std::int32_t>& objects, const std::vector<std::uint32_
 
 } // namespace
 
+int InsertLineDef(LevelData& level, std::uint32_t start, std::uint32_t end)
+{
+    const int line = InsertObject(level, KindLineDef, -1, 0, 0);
+    LineDef& made = level.LineDefs[static_cast<std::size_t>(line)];
+    made.StartVertex = start;
+    made.EndVertex = end;
+    return line;
+}
+
 int SplitLineDefAt(LevelData& level, int line, int vertex)
 {
     const int added = InsertObject(level, KindLineDef, line, 0, 0);

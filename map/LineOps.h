@@ -15,6 +15,9 @@
 namespace kelvar::map
 {
 
+/// A new LineDef with the defaults from `start` to `end`, with no sides yet. Returns its number.
+int InsertLineDef(LevelData& level, std::uint32_t start, std::uint32_t end);
+
 /// Splits `line` at `vertex`: the LineDef is cloned (flags, type, tag and args, no sides), the
 /// old one ends at `vertex` and the new one runs from `vertex` to the old end. Each side is
 /// cloned for the new LineDef with its textures, Sector and offsets unchanged. Returns the

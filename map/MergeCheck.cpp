@@ -545,6 +545,16 @@ void FinishDrawnLine(LevelData& level, int lineNumber)
     }
 }
 
+PlacedVertexTolerance::PlacedVertexTolerance() : Saved(Map().Options.VertexMergeTolerance)
+{
+    Map().Options.VertexMergeTolerance = std::min(Saved, 0.2);
+}
+
+PlacedVertexTolerance::~PlacedVertexTolerance()
+{
+    Map().Options.VertexMergeTolerance = Saved;
+}
+
 MergeCheckCounts MergeCheckAfterMove(LevelData& level, ObjectList& vertexes, bool interactive)
 {
     const EditOptions& options = Map().Options;

@@ -43,6 +43,21 @@ struct MergeCheckCounts
     bool operator==(const MergeCheckCounts&) const = default;
 };
 
+/// For its lifetime the clean-up's VertexMergeTolerance is held at 0.2 at most, as after a
+/// drag or a drawing: a Vertex put down near a line, not on it, is meant to stay where it was
+/// put rather than split the line. The setting comes back at the end.
+class PlacedVertexTolerance
+{
+public:
+    PlacedVertexTolerance();
+    ~PlacedVertexTolerance();
+    PlacedVertexTolerance(const PlacedVertexTolerance&) = delete;
+    PlacedVertexTolerance& operator=(const PlacedVertexTolerance&) = delete;
+
+private:
+    double Saved;
+};
+
 /// The clean-up after a drag or a tool moved or made the listed Vertexes: with the options
 /// VertexMerge, VertexSplit and LineMerge, in this order. The list follows its Vertexes.
 MergeCheckCounts MergeCheckAfterMove(LevelData& level, ObjectList& vertexes, bool interactive);

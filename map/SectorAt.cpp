@@ -1,6 +1,7 @@
 // The Sector at a point: a ray to the east, the side of the nearest LineDef it meets that
 // faces west, and the tie rules for a ray through a Vertex.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "map/SectorOps.h"
 #include "map/SectorRays.h"
 #include "map/SpatialIndex.h"
 
@@ -23,16 +24,6 @@ bool Counts(const LevelData& level, const LineDef& line)
 {
     return line.SideDef1 != NoSideDef && line.StartVertex < level.Vertexes.size() &&
            line.EndVertex < level.Vertexes.size();
-}
-
-int SectorOfSide(const LevelData& level, std::uint32_t side)
-{
-    if (side >= level.SideDefs.size())
-    {
-        return -1;
-    }
-    const std::uint32_t sector = level.SideDefs[side].Sector;
-    return sector < level.Sectors.size() ? static_cast<int>(sector) : -1;
 }
 
 struct Span
@@ -208,7 +199,7 @@ std::optional<int> ByFacingSide(const LevelData& level, std::uint32_t side, bool
     {
         return std::nullopt;
     }
-    return somethingWest ? SectorOfSide(level, side) : -1;
+    return somethingWest ? SectorNumberOfSide(level, side) : -1;
 }
 
 // The last resort of the loose forms: a vertical LineDef exactly through the point.
@@ -224,7 +215,7 @@ int VerticalThroughPoint(const LevelData& level, const SpatialIndex& index, doub
         const Span s = SpanOf(level, line);
         if (s.X1 == px && s.X2 == px && SpansHeight(s, py))
         {
-            return SectorOfSide(level, line.SideDef1);
+            return SectorNumberOfSide(level, line.SideDef1);
         }
     }
     return -1;
@@ -258,7 +249,7 @@ int Settle(const LevelData& level, const SpatialIndex& index, double px, double 
         }
         if (!east.SomethingWest)
         {
-            return SectorOfSide(level, side);
+            return SectorNumberOfSide(level, side);
         }
     }
     else if (const std::optional<int> answer = ByFacingSide(level, side, east.SomethingWest))

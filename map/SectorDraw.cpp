@@ -5,6 +5,7 @@
 #include "map/MapState.h"
 #include "map/MergeCheck.h"
 #include "map/ObjectStore.h"
+#include "map/SectorOps.h"
 #include "map/SectorRays.h"
 #include "map/SectorSplit.h"
 #include "platform/Format.h"
@@ -23,11 +24,6 @@ namespace
 bool Has(const std::vector<int>& list, int value)
 {
     return std::find(list.begin(), list.end(), value) != list.end();
-}
-
-std::uint32_t SideSector(const LevelData& level, std::uint32_t side)
-{
-    return side < level.SideDefs.size() ? level.SideDefs[side].Sector : NoSector;
 }
 
 // The lines of the run that close on themselves: a line with an end that no other line of the
@@ -127,7 +123,8 @@ void FillClosedPart(LevelData& level, const DrawnRun& run, const std::vector<int
 }
 
 // Step 4 for one line: each side takes the Sector its ray finds; a side whose ray finds none
-// goes. Returns false when the user declined the removal of an invalid back side.
+// goes. The question about a two-sided line's invalid side is asked once, and its answer
+// (kept in `removeInvalidBacks`) stands for the rest of the lines.
 void CorrectByRays(LevelData& level, int i, std::optional<bool>& removeInvalidBacks)
 {
     const LevelData& view = level;
@@ -141,7 +138,7 @@ void CorrectByRays(LevelData& level, int i, std::optional<bool>& removeInvalidBa
             {
                 AddSide(level, i, which, static_cast<std::uint32_t>(found));
             }
-            else if (SideSector(view, side) != static_cast<std::uint32_t>(found))
+            else if (SectorOfSide(view, side) != static_cast<std::uint32_t>(found))
             {
                 level.SideDefs[side].Sector = static_cast<std::uint32_t>(found);
             }
@@ -203,21 +200,29 @@ void TellConflict(const DrawnRun& run)
     platform::TheUi().Show(message);
 }
 
+// The LineDefs of a list that exist.
+std::vector<int> Existing(const LevelData& level, const std::vector<int>& lines)
+{
+    std::vector<int> kept;
+    for (const int i : lines)
+    {
+        if (i >= 0 && i < level.LineDefs.Count())
+        {
+            kept.push_back(i);
+        }
+    }
+    return kept;
+}
+
 } // namespace
 
 bool SmartDrawSectors(LevelData& level, const DrawnRun& run)
 {
     const StoreChange busy;
-    // Step 1: the closed part of the run, for a run not ended as one-sided lines only.
-    std::vector<int> candidates;
-    for (const int i : run.Lines)
-    {
-        if (i >= 0 && i < level.LineDefs.Count())
-        {
-            candidates.push_back(i);
-        }
-    }
-    const std::vector<int> closed = ClosedPart(std::as_const(level), candidates);
+    const LevelData& view = level;
+    const std::vector<int> newLines = Existing(view, run.NewLines);
+    // Step 1: the closed part of the run.
+    const std::vector<int> closed = ClosedPart(view, Existing(view, run.Lines));
     // Steps 2 and 3.
     if (!closed.empty())
     {
@@ -225,36 +230,28 @@ bool SmartDrawSectors(LevelData& level, const DrawnRun& run)
     }
     // Step 4: rays have the last word on the lines the run made.
     std::optional<bool> removeInvalidBacks;
-    for (const int i : run.NewLines)
+    for (const int i : newLines)
     {
-        if (i >= 0 && i < level.LineDefs.Count())
-        {
-            CorrectByRays(level, i, removeInvalidBacks);
-        }
+        CorrectByRays(level, i, removeInvalidBacks);
     }
     // Step 5: a closed line that still faces nothing on its inner side is a conflict.
-    bool conflict = false;
-    for (const int i : closed)
+    const auto sideless = [&](int i)
     {
-        const LineDef& line = std::as_const(level).LineDefs[static_cast<std::size_t>(i)];
-        conflict = conflict || (line.SideDef1 == NoSideDef && line.SideDef2 == NoSideDef);
-    }
-    if (conflict)
+        const LineDef& line = view.LineDefs[static_cast<std::size_t>(i)];
+        return line.SideDef1 == NoSideDef && line.SideDef2 == NoSideDef;
+    };
+    if (std::any_of(closed.begin(), closed.end(), sideless))
     {
         TellConflict(run);
     }
     // Step 6.
     if (Map().Options.NewIntersectionSectors && run.Crossings > 0)
     {
-        NewIntersectionSectors(level, run.StartSector, run.NewLines);
+        NewIntersectionSectors(level, run.StartSector, newLines);
     }
     // Step 7: final flags and textures; a one-sided-lines run drops every back side.
-    for (const int i : run.NewLines)
+    for (const int i : newLines)
     {
-        if (i < 0 || i >= level.LineDefs.Count())
-        {
-            continue;
-        }
         LineDef& line = level.LineDefs[static_cast<std::size_t>(i)];
         if (line.SideDef1 == NoSideDef && line.SideDef2 != NoSideDef)
         {
@@ -268,22 +265,21 @@ bool SmartDrawSectors(LevelData& level, const DrawnRun& run)
         FinishDrawnLine(level, i);
     }
     // Existing lines the run went along or closed on got a side: their flags and faces too.
-    for (const std::vector<int>* lines : {&run.ExistingLines, &closed})
+    for (const std::vector<int>& lines : {Existing(view, run.ExistingLines), closed})
     {
-        for (const int i : *lines)
+        for (const int i : lines)
         {
-            if (i >= 0 && i < level.LineDefs.Count() && !Has(run.NewLines, i))
+            if (!Has(newLines, i))
             {
                 FinishDrawnLine(level, i);
             }
         }
     }
     NoteChange(level, KindSector);
-    for (const int i : run.NewLines)
+    // After step 7 a line with no front has no side at all.
+    for (const int i : newLines)
     {
-        if (i >= 0 && i < level.LineDefs.Count() &&
-            std::as_const(level).LineDefs[static_cast<std::size_t>(i)].SideDef1 == NoSideDef &&
-            Has(closed, i))
+        if (Has(closed, i) && sideless(i))
         {
             platform::Message message;
             message.Title = "LineDraw";
@@ -305,15 +301,11 @@ int NewIntersectionSectors(LevelData& level, int sector, const std::vector<int>&
         platform::TheUi().SetStatusText(
             platform::Format("Getting All Lines %hd", static_cast<short>(pass)));
         bool divided = false;
-        for (const int i : drawnLines)
+        for (const int i : Existing(level, drawnLines))
         {
-            if (i < 0 || i >= level.LineDefs.Count())
-            {
-                continue;
-            }
             const LineDef& line = std::as_const(level).LineDefs[static_cast<std::size_t>(i)];
-            const std::uint32_t front = SideSector(level, line.SideDef1);
-            if (front == NoSector || front != SideSector(level, line.SideDef2) ||
+            const std::uint32_t front = SectorOfSide(level, line.SideDef1);
+            if (front == NoSector || front != SectorOfSide(level, line.SideDef2) ||
                 (!anySector && std::find(pieces.begin(), pieces.end(), front) == pieces.end()))
             {
                 continue;

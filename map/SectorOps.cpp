@@ -49,6 +49,12 @@ std::uint32_t SectorOfSide(const LevelData& level, std::uint32_t side)
     return side < level.SideDefs.size() ? level.SideDefs[side].Sector : NoSector;
 }
 
+int SectorNumberOfSide(const LevelData& level, std::uint32_t side)
+{
+    const std::uint32_t sector = SectorOfSide(level, side);
+    return sector < level.Sectors.size() ? static_cast<int>(sector) : -1;
+}
+
 void MergeSectors(LevelData& level, const ObjectList& list)
 {
     std::vector<std::int32_t> sectors = list.Objects();

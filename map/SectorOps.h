@@ -14,6 +14,9 @@ namespace kelvar::map
 /// The Sector a SideDef faces, or NoSector for no SideDef or one out of range.
 std::uint32_t SectorOfSide(const LevelData& level, std::uint32_t side);
 
+/// The number of the Sector a SideDef faces when that Sector exists, else -1.
+int SectorNumberOfSide(const LevelData& level, std::uint32_t side);
+
 /// Points every SideDef of the listed Sectors at the head of the list (the last marked). The
 /// other Sector records stay, unused, for the level check to report or remove.
 void MergeSectors(LevelData& level, const ObjectList& list);

@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "map/SectorRays.h"
 
+#include "map/SectorOps.h"
 #include "map/SpatialIndex.h"
 
 #include <algorithm>
@@ -47,16 +48,6 @@ Ends EndsOf(const LevelData& level, const LineDef& line, bool horizontal)
     const Vertex& b = level.Vertexes[line.EndVertex];
     return horizontal ? Ends{double(a.X), double(a.Y), double(b.X), double(b.Y)}
                       : Ends{double(a.Y), double(a.X), double(b.Y), double(b.X)};
-}
-
-int SectorOfSide(const LevelData& level, std::uint32_t side)
-{
-    if (side >= level.SideDefs.size())
-    {
-        return -1;
-    }
-    const std::uint32_t sector = level.SideDefs[side].Sector;
-    return sector < level.Sectors.size() ? static_cast<int>(sector) : -1;
 }
 
 // Offers the LineDefs of the cells along a ray's line to `visit`, from the ray's start outward,
@@ -202,7 +193,7 @@ Beside SectorBesideAt(const LevelData& level, int line, RayStart start, double d
     {
         return {-1, best.Line, -1};
     }
-    return {SectorOfSide(level, facing), best.Line, static_cast<int>(facing)};
+    return {SectorNumberOfSide(level, facing), best.Line, static_cast<int>(facing)};
 }
 
 Beside SectorBeside(const LevelData& level, int line, int side)

@@ -2,9 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "map/SectorSplit.h"
 
+#include "map/LineOps.h"
 #include "map/MapState.h"
 #include "map/MergeCheck.h"
 #include "map/ObjectStore.h"
+#include "map/SectorOps.h"
 #include "map/SectorRays.h"
 #include "map/Undo.h"
 #include "platform/Format.h"
@@ -40,11 +42,6 @@ void Tell(const std::string& title, std::vector<std::string> lines)
     platform::TheUi().Show(message);
 }
 
-std::uint32_t SideSector(const LevelData& level, std::uint32_t side)
-{
-    return side < level.SideDefs.size() ? level.SideDefs[side].Sector : NoSector;
-}
-
 bool Touches(const LineDef& line, std::uint32_t vertex)
 {
     return line.StartVertex == vertex || line.EndVertex == vertex;
@@ -71,53 +68,57 @@ struct Walk
     std::uint32_t StuckAt = 0;
 };
 
+// The first LineDef not yet taken that leads on from `at` with the Sector on its right: its
+// front in the Sector and starting at `at`, or its back in the Sector and ending there.
+std::optional<WalkStep> NextStep(const LevelData& level, std::uint32_t sector, std::uint32_t at,
+                                 const std::vector<bool>& taken)
+{
+    for (std::size_t i = 0; i < level.LineDefs.size(); ++i)
+    {
+        const LineDef& line = level.LineDefs[i];
+        if (taken[i])
+        {
+            continue;
+        }
+        if (SectorOfSide(level, line.SideDef1) == sector && line.StartVertex == at)
+        {
+            return WalkStep{static_cast<std::int32_t>(i), 1};
+        }
+        if (SectorOfSide(level, line.SideDef2) == sector && line.EndVertex == at)
+        {
+            return WalkStep{static_cast<std::int32_t>(i), 2};
+        }
+    }
+    return std::nullopt;
+}
+
 // Follows the sides of `sector` from `from`, keeping the Sector on the right, until `to`.
-Walk WalkSector(const LevelData& level, std::uint32_t sector, std::uint32_t from, std::uint32_t to)
+// LineDef `skip` (-1 for none) is never taken.
+Walk WalkSector(const LevelData& level, std::uint32_t sector, std::uint32_t from, std::uint32_t to,
+                int skip)
 {
     Walk walk;
     std::vector<bool> taken(level.LineDefs.size(), false);
-    std::uint32_t at = from;
-    for (;;)
+    if (skip >= 0)
     {
-        bool moved = false;
-        for (std::size_t i = 0; i < level.LineDefs.size() && !moved; ++i)
-        {
-            const LineDef& line = level.LineDefs[i];
-            if (taken[i])
-            {
-                continue;
-            }
-            if (SideSector(level, line.SideDef1) == sector && line.StartVertex == at)
-            {
-                walk.Steps.push_back({static_cast<std::int32_t>(i), 1});
-                at = line.EndVertex;
-                moved = true;
-            }
-            else if (SideSector(level, line.SideDef2) == sector && line.EndVertex == at)
-            {
-                walk.Steps.push_back({static_cast<std::int32_t>(i), 2});
-                at = line.StartVertex;
-                moved = true;
-            }
-            if (moved)
-            {
-                taken[i] = true;
-            }
-        }
-        if (!moved)
+        taken[static_cast<std::size_t>(skip)] = true;
+    }
+    for (std::uint32_t at = from;;)
+    {
+        const std::optional<WalkStep> step = NextStep(level, sector, at, taken);
+        if (!step)
         {
             walk.End = WalkEnd::NoWayOn;
             walk.StuckAt = at;
             return walk;
         }
-        if (at == to)
+        taken[static_cast<std::size_t>(step->Line)] = true;
+        walk.Steps.push_back(*step);
+        const LineDef& line = level.LineDefs[static_cast<std::size_t>(step->Line)];
+        at = step->Side == 1 ? line.EndVertex : line.StartVertex;
+        if (at == to || at == from)
         {
-            walk.End = WalkEnd::Reached;
-            return walk;
-        }
-        if (at == from)
-        {
-            walk.End = WalkEnd::Circled;
+            walk.End = at == to ? WalkEnd::Reached : WalkEnd::Circled;
             return walk;
         }
     }
@@ -127,13 +128,12 @@ Walk WalkSector(const LevelData& level, std::uint32_t sector, std::uint32_t from
 bool WalkSharesSideDefs(const LevelData& level, const Walk& walk)
 {
     std::vector<std::uint8_t> onWalk(level.LineDefs.size(), 0);
-    std::vector<std::uint32_t> sides;
+    std::vector<std::uint32_t> sorted;
     for (const WalkStep& step : walk.Steps)
     {
         onWalk[static_cast<std::size_t>(step.Line)] = 1;
-        sides.push_back(level.LineDefs[static_cast<std::size_t>(step.Line)].Side(step.Side));
+        sorted.push_back(level.LineDefs[static_cast<std::size_t>(step.Line)].Side(step.Side));
     }
-    std::vector<std::uint32_t> sorted = sides;
     std::sort(sorted.begin(), sorted.end());
     if (std::adjacent_find(sorted.begin(), sorted.end()) != sorted.end())
     {
@@ -157,12 +157,22 @@ bool WalkSharesSideDefs(const LevelData& level, const Walk& walk)
     return false;
 }
 
+// The walked sides go to the Sector of the part the walk closed off.
+void MoveWalkedSides(LevelData& level, const Walk& walk, std::uint32_t sector)
+{
+    for (const WalkStep& step : walk.Steps)
+    {
+        const std::uint32_t side =
+            std::as_const(level).LineDefs[static_cast<std::size_t>(step.Line)].Side(step.Side);
+        level.SideDefs[side].Sector = sector;
+    }
+}
+
 // What one scan of the LineDefs finds about the two Vertexes.
 struct Survey
 {
-    int Joining = -1;       // a LineDef that already joins them
-    bool Duplicate = false; // and a second one
-    int Second = -1;
+    int Joining = -1;                   // a LineDef that already joins them
+    int Second = -1;                    // and a second one, a duplicate
     std::uint32_t SectorAtA = NoSector; // the Sector next to each end, by its LineDefs
     std::uint32_t SectorAtB = NoSector;
 };
@@ -178,18 +188,17 @@ Survey SurveyVertexes(const LevelData& level, std::uint32_t a, std::uint32_t b,
                            (line.StartVertex == b && line.EndVertex == a);
         if (joins)
         {
-            if (found.Joining >= 0 && !found.Duplicate)
-            {
-                found.Duplicate = true;
-                found.Second = static_cast<int>(i);
-            }
-            else if (found.Joining < 0)
+            if (found.Joining < 0)
             {
                 found.Joining = static_cast<int>(i);
             }
+            else if (found.Second < 0)
+            {
+                found.Second = static_cast<int>(i);
+            }
         }
-        const bool inSector = sector != NoSector && (SideSector(level, line.SideDef1) == sector ||
-                                                     SideSector(level, line.SideDef2) == sector);
+        const bool inSector = sector != NoSector && (SectorOfSide(level, line.SideDef1) == sector ||
+                                                     SectorOfSide(level, line.SideDef2) == sector);
         if (inSector && Touches(line, a))
         {
             found.SectorAtA = sector;
@@ -235,7 +244,7 @@ void SortOutTheRest(LevelData& level, std::uint32_t oldSector, std::uint32_t new
         for (const int which : {1, 2})
         {
             const std::uint32_t side = view.LineDefs[static_cast<std::size_t>(i)].Side(which);
-            if (SideSector(view, side) != oldSector)
+            if (SectorOfSide(view, side) != oldSector)
             {
                 continue;
             }
@@ -257,8 +266,8 @@ void SortOutTheRest(LevelData& level, std::uint32_t oldSector, std::uint32_t new
     inSet[b] = 0;
     const auto hasOldSide = [&](const LineDef& line)
     {
-        return SideSector(view, line.SideDef1) == oldSector ||
-               SideSector(view, line.SideDef2) == oldSector;
+        return SectorOfSide(view, line.SideDef1) == oldSector ||
+               SectorOfSide(view, line.SideDef2) == oldSector;
     };
     for (bool grew = true; grew;)
     {
@@ -287,7 +296,7 @@ void SortOutTheRest(LevelData& level, std::uint32_t oldSector, std::uint32_t new
         }
         for (const std::uint32_t side : {line.SideDef1, line.SideDef2})
         {
-            if (SideSector(view, side) == oldSector)
+            if (SectorOfSide(view, side) == oldSector)
             {
                 level.SideDefs[side].Sector = newSector;
             }
@@ -341,7 +350,7 @@ int SplitSector(LevelData& level, int vertexA, int vertexB, bool takeUndoStep)
     std::uint32_t sector = found < 0 ? NoSector : static_cast<std::uint32_t>(found);
 
     const Survey survey = SurveyVertexes(view, a, b, sector);
-    if (survey.Duplicate)
+    if (survey.Second >= 0)
     {
         Tell(SplitTitle, {platform::Format("LineDef %d and %d are duplicates?", survey.Joining,
                                            survey.Second)});
@@ -350,8 +359,8 @@ int SplitSector(LevelData& level, int vertexA, int vertexB, bool takeUndoStep)
     if (survey.Joining >= 0)
     {
         const LineDef& line = view.LineDefs[static_cast<std::size_t>(survey.Joining)];
-        const std::uint32_t s1 = SideSector(view, line.SideDef1);
-        const std::uint32_t s2 = SideSector(view, line.SideDef2);
+        const std::uint32_t s1 = SectorOfSide(view, line.SideDef1);
+        const std::uint32_t s2 = SectorOfSide(view, line.SideDef2);
         if (line.SideDef1 != NoSideDef && line.SideDef2 != NoSideDef && s1 != s2)
         {
             Tell(SplitTitle,
@@ -395,7 +404,7 @@ int SplitSector(LevelData& level, int vertexA, int vertexB, bool takeUndoStep)
     Walk walk;
     if (split)
     {
-        walk = WalkSector(view, sector, a, b);
+        walk = WalkSector(view, sector, a, b, -1);
         if (walk.End == WalkEnd::Circled)
         {
             if (!Ask(SplitTitle, {"Could not connect Vertex1 to Vertex2",
@@ -455,10 +464,7 @@ int SplitSector(LevelData& level, int vertexA, int vertexB, bool takeUndoStep)
     std::uint32_t present = NoSideDef;
     if (line < 0)
     {
-        line = InsertObject(level, KindLineDef, -1, 0, 0);
-        LineDef& made = level.LineDefs[static_cast<std::size_t>(line)];
-        made.SideDef1 = NoSideDef;
-        made.SideDef2 = NoSideDef;
+        line = InsertLineDef(level, a, b); // its ends are set below
     }
     else
     {
@@ -476,18 +482,9 @@ int SplitSector(LevelData& level, int vertexA, int vertexB, bool takeUndoStep)
     made.SideDef1 = second;
     made.SideDef2 = first;
     made.Flags = 4;
-    for (const WalkStep& step : walk.Steps)
-    {
-        if (!split)
-        {
-            break;
-        }
-        const std::uint32_t side =
-            view.LineDefs[static_cast<std::size_t>(step.Line)].Side(step.Side);
-        level.SideDefs[side].Sector = farSector;
-    }
     if (split)
     {
+        MoveWalkedSides(level, walk, farSector);
         SortOutTheRest(level, sector, farSector, a, b);
     }
     if (survey.Joining >= 0 &&
@@ -509,20 +506,14 @@ int DivideSectorAlong(LevelData& level, int line)
         return -1;
     }
     const LineDef divider = view.LineDefs[static_cast<std::size_t>(line)];
-    const std::uint32_t sector = SideSector(view, divider.SideDef1);
-    if (sector == NoSector || SideSector(view, divider.SideDef2) != sector ||
+    const std::uint32_t sector = SectorOfSide(view, divider.SideDef1);
+    if (sector == NoSector || SectorOfSide(view, divider.SideDef2) != sector ||
         divider.StartVertex == divider.EndVertex)
     {
         return -1;
     }
     // The walk must not take the divider itself: its sides lie in the Sector too.
-    const std::uint32_t front = divider.SideDef1;
-    const std::uint32_t back = divider.SideDef2;
-    level.SideDefs[front].Sector = NoSector;
-    level.SideDefs[back].Sector = NoSector;
-    const Walk walk = WalkSector(view, sector, divider.EndVertex, divider.StartVertex);
-    level.SideDefs[front].Sector = sector;
-    level.SideDefs[back].Sector = sector;
+    const Walk walk = WalkSector(view, sector, divider.EndVertex, divider.StartVertex, line);
     if (walk.End != WalkEnd::Reached || WalkSharesSideDefs(view, walk))
     {
         return -1;
@@ -532,12 +523,8 @@ int DivideSectorAlong(LevelData& level, int line)
         static_cast<std::uint32_t>(InsertObject(level, KindSector, static_cast<int>(sector), 0, 0));
     level.Sectors[made].Type = 0;
     level.Sectors[made].Tag = 0;
-    for (const WalkStep& step : walk.Steps)
-    {
-        level.SideDefs[view.LineDefs[static_cast<std::size_t>(step.Line)].Side(step.Side)].Sector =
-            made;
-    }
-    level.SideDefs[front].Sector = made;
+    MoveWalkedSides(level, walk, made);
+    level.SideDefs[divider.SideDef1].Sector = made;
     SortOutTheRest(level, sector, made, divider.StartVertex, divider.EndVertex);
     NoteChange(level, KindSector);
     return static_cast<int>(made);
@@ -546,14 +533,8 @@ int DivideSectorAlong(LevelData& level, int line)
 int ConnectVertexes(LevelData& level, int vertexA, int vertexB)
 {
     const StoreChange busy;
-    const int line = InsertObject(level, KindLineDef, -1, 0, 0);
-    {
-        LineDef& made = level.LineDefs[static_cast<std::size_t>(line)];
-        made.StartVertex = static_cast<std::uint32_t>(vertexA);
-        made.EndVertex = static_cast<std::uint32_t>(vertexB);
-        made.SideDef1 = NoSideDef;
-        made.SideDef2 = NoSideDef;
-    }
+    const int line = InsertLineDef(level, static_cast<std::uint32_t>(vertexA),
+                                   static_cast<std::uint32_t>(vertexB));
     // Both rays first, before a side is added that the other ray would see.
     const int front = SectorBeside(std::as_const(level), line, 1).Sector;
     const int back = SectorBeside(std::as_const(level), line, 2).Sector;

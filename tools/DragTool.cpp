@@ -19,11 +19,6 @@ namespace kelvar::tools
 namespace
 {
 
-// During the merge checks after a drag a Vertex counts as on a LineDef only within this
-// distance, however high the tolerance is set: a Vertex dropped near a line, not on it, is
-// meant to stay where it was put rather than split the line.
-constexpr double DragMergeTolerance = 0.2;
-
 bool InRange(std::int32_t object, std::int32_t count)
 {
     return object >= 0 && object < count;
@@ -86,22 +81,10 @@ void CollectDragged(DragState& state, const map::LevelData& level,
     platform::TheUi().SetStatusText("Selecting Objects to Drag - Wait");
     if (state.Mode == map::ModeThings)
     {
-        for (const std::int32_t thing : objects)
-        {
-            if (InRange(thing, level.Things.Count()))
-            {
-                state.Things.push_back(thing);
-                state.SavedThings.push_back(level.Things[static_cast<std::size_t>(thing)]);
-            }
-        }
+        SaveThingPlaces(state, level, objects);
         return;
     }
-    state.Vertexes = DragVertexList(level, state.Mode, objects);
-    state.SavedVertexes.reserve(state.Vertexes.size());
-    for (const std::int32_t vertex : state.Vertexes)
-    {
-        state.SavedVertexes.push_back(level.Vertexes[static_cast<std::size_t>(vertex)]);
-    }
+    SaveVertexPlaces(state, level, state.Mode, objects);
     if (state.Mode == map::ModeSectors && map::Map().Options.DragSectorThings)
     {
         platform::TheUi().SetStatusText("Selecting Things to Drag - Wait");
@@ -287,6 +270,29 @@ std::vector<std::int32_t> DragVertexList(const map::LevelData& level, int mode,
     return list;
 }
 
+void SaveVertexPlaces(SavedPlaces& saved, const map::LevelData& level, int mode,
+                      const std::vector<std::int32_t>& objects)
+{
+    for (const std::int32_t vertex : DragVertexList(level, mode, objects))
+    {
+        saved.Vertexes.push_back(vertex);
+        saved.SavedVertexes.push_back(level.Vertexes[static_cast<std::size_t>(vertex)]);
+    }
+}
+
+void SaveThingPlaces(SavedPlaces& saved, const map::LevelData& level,
+                     const std::vector<std::int32_t>& things)
+{
+    for (const std::int32_t thing : things)
+    {
+        if (InRange(thing, level.Things.Count()))
+        {
+            saved.Things.push_back(thing);
+            saved.SavedThings.push_back(level.Things[static_cast<std::size_t>(thing)]);
+        }
+    }
+}
+
 std::vector<std::int32_t> LineDefsOfSectors(const map::LevelData& level,
                                             const std::vector<std::int32_t>& sectors)
 {
@@ -400,12 +406,12 @@ DragEnd DragFinish(DragState& state)
     if (state.Active && state.Steps > 0)
     {
         platform::TheUi().SetStatusText("Moving Objects, Please Wait");
-        map::MapState& map = map::Map();
-        const double tolerance = map.Options.VertexMergeTolerance;
-        map.Options.VertexMergeTolerance = std::min(tolerance, DragMergeTolerance);
-        MergeCheckDragged(state, map.Level);
-        map.Options.VertexMergeTolerance = tolerance;
-        MoveSectorThings(state, map.Level);
+        map::LevelData& level = map::Map().Level;
+        {
+            const map::PlacedVertexTolerance tolerance;
+            MergeCheckDragged(state, level);
+        }
+        MoveSectorThings(state, level);
     }
     return EndDrag(state);
 }

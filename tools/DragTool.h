@@ -47,6 +47,24 @@ PressObject DragObjectAtPress(const map::LevelData& level, const view::MapViewpo
 std::vector<std::int32_t> DragVertexList(const map::LevelData& level, int mode,
                                          const std::vector<std::int32_t>& objects);
 
+/// What a moving tool keeps of the objects it moves: their numbers and their places at the
+/// start, from which every move is worked out anew.
+struct SavedPlaces
+{
+    std::vector<std::int32_t> Vertexes;
+    std::vector<map::Vertex> SavedVertexes;
+    std::vector<std::int32_t> Things;
+    std::vector<map::Thing> SavedThings;
+};
+
+/// Adds the Vertexes that `objects` of `mode` use (DragVertexList) with their places.
+void SaveVertexPlaces(SavedPlaces& saved, const map::LevelData& level, int mode,
+                      const std::vector<std::int32_t>& objects);
+
+/// Adds the Things of the list that exist, with their places.
+void SaveThingPlaces(SavedPlaces& saved, const map::LevelData& level,
+                     const std::vector<std::int32_t>& things);
+
 /// The LineDefs with a side in one of the Sectors, in ascending order.
 std::vector<std::int32_t> LineDefsOfSectors(const map::LevelData& level,
                                             const std::vector<std::int32_t>& sectors);
@@ -58,7 +76,7 @@ std::vector<std::int32_t> ThingsInSectors(const map::LevelData& level,
                                           const std::vector<std::int32_t>& vertexes);
 
 /// One drag, from the press to the release or Esc.
-struct DragState
+struct DragState : SavedPlaces // Things moved with each step in Thing mode
 {
     bool Active = false;
     int Mode = 0;                    // the mode of what is dragged; may differ from the edit mode
@@ -69,11 +87,7 @@ struct DragState
     SnappedPoint Last;               // the pointer at the last move that did work
     int VertexDeltaX = 0;            // the move the Vertexes took, the delta held to the grid
     int VertexDeltaY = 0;
-    int Steps = 0; // moves that changed the level
-    std::vector<std::int32_t> Vertexes;
-    std::vector<map::Vertex> SavedVertexes;
-    std::vector<std::int32_t> Things; // moved with each step (Thing mode)
-    std::vector<map::Thing> SavedThings;
+    int Steps = 0;                          // moves that changed the level
     std::vector<std::int32_t> SectorThings; // moved on release, after a Sector drag
 };
 

@@ -173,7 +173,7 @@ std::vector<int> SplitAtCrossings(map::LevelData& level, int line, int& crossing
 }
 
 LineDrawTool::LineDrawTool(map::LevelData& level, int startVertex)
-    : Level(level), StartVertexOfTool(startVertex), VertexCountAtStart(level.Vertexes.Count())
+    : Level(level), VertexCountAtStart(level.Vertexes.Count())
 {
     const map::DefaultTextures& defaults = map::Map().Textures;
     SavedUpper = defaults.Upper;
@@ -204,10 +204,8 @@ void LineDrawTool::ResetRun()
     LineSplits.clear();
     FirstVertex = LastVertex = -1;
     ClickCount = 0;
-    SectorAtFirst = SectorLast = SectorCurrent = -1;
-    StartedInside = 0;
+    SectorAtFirst = SectorLast = -1;
     IntersectionsMade = SplitsMade = 0;
-    OverlapClosed = false;
 }
 
 DrawState LineDrawTool::Feed(const DrawInput& input)
@@ -363,7 +361,6 @@ void LineDrawTool::Click(double x, double y)
         }
     }
     const int near = VertexNear(x, y);
-    const bool onLine = near < 0 && LineUnder(x, y) >= 0;
     const int vertex = near >= 0 ? near : PlaceVertex(x, y);
     if (vertex == LastVertex)
     {
@@ -375,20 +372,11 @@ void LineDrawTool::Click(double x, double y)
     if (FirstVertex < 0)
     {
         FirstVertex = vertex;
-        SectorAtFirst = SectorLast = SectorCurrent = sector;
-        StartedInside = sector >= 0 && !onLine ? 1 : 0;
+        SectorAtFirst = SectorLast = sector;
     }
-    else
+    else if (sector >= 0)
     {
-        SectorCurrent = sector;
-        if (sector >= 0)
-        {
-            if (StartedInside == 1 && !onLine && sector != SectorLast)
-            {
-                StartedInside = 2;
-            }
-            SectorLast = sector;
-        }
+        SectorLast = sector;
     }
     if (LastVertex >= 0)
     {
@@ -403,7 +391,6 @@ void LineDrawTool::DrawLine(int from, int to)
     const int existing = JoiningLine(Level, from, to);
     if (existing >= 0)
     {
-        OverlapClosed = true;
         LastLineText = platform::Format(" OldLine %4hu ", static_cast<unsigned short>(existing));
         const map::LineDef line = LineAt(Level, existing);
         if (line.SideDef2 == map::NoSideDef && line.SideDef1 < Level.SideDefs.size() &&
@@ -418,14 +405,8 @@ void LineDrawTool::DrawLine(int from, int to)
         PushOnce(DrawnLines, existing);
         return;
     }
-    const int line = map::InsertObject(Level, map::KindLineDef, -1, 0, 0);
-    {
-        map::LineDef& made = Level.LineDefs[static_cast<std::size_t>(line)];
-        made.StartVertex = static_cast<std::uint32_t>(from);
-        made.EndVertex = static_cast<std::uint32_t>(to);
-        made.SideDef1 = map::NoSideDef;
-        made.SideDef2 = map::NoSideDef;
-    }
+    const int line =
+        map::InsertLineDef(Level, static_cast<std::uint32_t>(from), static_cast<std::uint32_t>(to));
     LastLineText = platform::Format(" NewLine %4d ", line);
     std::vector<int> pieces{line};
     if (map::Map().Options.AutoDrawIntersections)
@@ -461,19 +442,24 @@ void LineDrawTool::CloseRun(int action)
             DrawLine(LastVertex, FirstVertex);
         }
     }
-    // Step 6: Vertexes of the run that no LineDef uses.
+    // Step 6: Vertexes the run made that no LineDef uses.
     if (!map::Map().Options.KeepExtraVertex)
     {
+        std::vector<bool> used(Level.Vertexes.size(), false);
+        for (const map::LineDef& line : std::as_const(Level).LineDefs)
+        {
+            for (const std::uint32_t end : {line.StartVertex, line.EndVertex})
+            {
+                if (end < used.size())
+                {
+                    used[end] = true;
+                }
+            }
+        }
         std::vector<int> unused;
         for (const int v : DrawnVertexes)
         {
-            bool used = false;
-            for (const map::LineDef& line : std::as_const(Level).LineDefs)
-            {
-                used = used || line.StartVertex == static_cast<std::uint32_t>(v) ||
-                       line.EndVertex == static_cast<std::uint32_t>(v);
-            }
-            if (!used && v >= VertexCountAtStart)
+            if (!used[static_cast<std::size_t>(v)] && v >= VertexCountAtStart)
             {
                 unused.push_back(v);
             }
@@ -505,30 +491,15 @@ void LineDrawTool::CloseRun(int action)
         run.Crossings = IntersectionsMade + SplitsMade;
         map::SmartDrawSectors(Level, run);
     }
-    // Step 7: the clean-up of the run's Vertexes, with a tolerance of 0.2 at most.
-    map::EditOptions& options = map::Map().Options;
-    const double tolerance = options.VertexMergeTolerance;
-    options.VertexMergeTolerance = std::min(tolerance, 0.2);
+    // Step 7: the clean-up of the run's Vertexes.
     map::ObjectList vertexes;
     for (const int v : DrawnVertexes)
     {
         map::ObjectListPush(vertexes, v);
     }
-    map::MergeCheckAfterMove(Level, vertexes, false);
-    options.VertexMergeTolerance = tolerance;
-    // Step 8: what the run leaves selected: every LineDef with an end among its Vertexes.
-    RunLines.clear();
-    const std::vector<std::int32_t> kept = vertexes.Objects();
-    for (int i = 0; i < Level.LineDefs.Count(); ++i)
     {
-        const map::LineDef& line = LineAt(Level, i);
-        if (std::find(kept.begin(), kept.end(), static_cast<std::int32_t>(line.StartVertex)) !=
-                kept.end() ||
-            std::find(kept.begin(), kept.end(), static_cast<std::int32_t>(line.EndVertex)) !=
-                kept.end())
-        {
-            RunLines.push_back(i);
-        }
+        const map::PlacedVertexTolerance tolerance;
+        map::MergeCheckAfterMove(Level, vertexes, false);
     }
     map::ObjectListClear(vertexes);
     ResetRun();

@@ -74,8 +74,6 @@ public:
     std::optional<map::Point> RubberStart() const;
     /// The text of the coordinates pane for the pointer at (x, y).
     std::string PaneText(double x, double y) const;
-    /// The LineDefs the last closed run left selected.
-    const std::vector<int>& LastRunLines() const { return RunLines; }
 
 private:
     void Click(double x, double y);
@@ -88,7 +86,6 @@ private:
 
     map::LevelData& Level;
     map::TextureName SavedUpper, SavedNormal, SavedLower;
-    int StartVertexOfTool = -1;
     int VertexCountAtStart = 0;
 
     // The run.
@@ -100,15 +97,11 @@ private:
     int FirstVertex = -1;
     int LastVertex = -1;
     int ClickCount = 0;
-    int SectorAtFirst = -1;
-    int SectorLast = -1;
-    int SectorCurrent = -1;
-    int StartedInside = 0;
+    int SectorAtFirst = -1; // the Sector at the run's first Vertex
+    int SectorLast = -1;    // the Sector at the last Vertex that was in one
     int IntersectionsMade = 0;
     int SplitsMade = 0;
-    bool OverlapClosed = false;
     std::string LastLineText;
-    std::vector<int> RunLines;
 };
 
 } // namespace kelvar::tools

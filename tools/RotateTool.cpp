@@ -44,19 +44,6 @@ void WrapAngle(int& angle)
     }
 }
 
-void CollectThings(RotateScaleState& state, const map::LevelData& level,
-                   const std::vector<std::int32_t>& things)
-{
-    for (const std::int32_t thing : things)
-    {
-        if (thing >= 0 && thing < level.Things.Count())
-        {
-            state.Things.push_back(thing);
-            state.SavedThings.push_back(level.Things[static_cast<std::size_t>(thing)]);
-        }
-    }
-}
-
 // Takes the objects down to Vertexes, or Things, with their positions.
 void CollectRotated(RotateScaleState& state, const map::LevelData& level, int mode,
                     const std::vector<std::int32_t>& objects)
@@ -65,19 +52,15 @@ void CollectRotated(RotateScaleState& state, const map::LevelData& level, int mo
     if (mode == map::ModeThings)
     {
         state.Mode = map::ModeThings;
-        CollectThings(state, level, objects);
+        SaveThingPlaces(state, level, objects);
         return;
     }
     state.Mode = map::ModeVertexes;
-    state.Vertexes = DragVertexList(level, mode, objects);
-    for (const std::int32_t vertex : state.Vertexes)
-    {
-        state.SavedVertexes.push_back(level.Vertexes[static_cast<std::size_t>(vertex)]);
-    }
+    SaveVertexPlaces(state, level, mode, objects);
     if (mode == map::ModeSectors && map::Map().Options.DragSectorThings)
     {
         platform::TheUi().SetStatusText("Selecting Things for Rotate - Wait");
-        CollectThings(state, level, ThingsInSectors(level, objects, state.Vertexes));
+        SaveThingPlaces(state, level, ThingsInSectors(level, objects, state.Vertexes));
     }
 }
 

@@ -16,6 +16,7 @@
 #include "map/Geometry.h"
 #include "map/LevelData.h"
 #include "map/ObjectList.h"
+#include "tools/DragTool.h"
 
 #include <array>
 #include <cstdint>
@@ -29,7 +30,7 @@ namespace kelvar::tools
 map::Point Rotate(double dx, double dy, int angle, double scale);
 
 /// One run of the tool.
-struct RotateScaleState
+struct RotateScaleState : SavedPlaces
 {
     bool Active = false;
     int Mode = 0;       // Vertexes or Things: what the positions are of
@@ -39,10 +40,6 @@ struct RotateScaleState
     double ScaleStep = 0.01;
     double CenterX = 0;
     double CenterY = 0;
-    std::vector<std::int32_t> Vertexes;
-    std::vector<map::Vertex> SavedVertexes;
-    std::vector<std::int32_t> Things;
-    std::vector<map::Thing> SavedThings;
     std::array<std::int32_t, 4> SavedBounds{}; // the level's MinX, MinY, MaxX, MaxY at the start
 };
 
