@@ -7,12 +7,11 @@
 # usage: edited_level.py KELVAR_CLI WORKDIR
 # SPDX-License-Identifier: GPL-3.0-or-later
 import os
-import subprocess
 import sys
 
 import omg
 
-from nodes_and_engine import engine_runs, line_ends, packed
+from nodes_and_engine import edit_level, engine_runs, undo_differences
 
 IWAD = "/usr/share/games/doom/freedoom2.wad"
 LEVEL = "MAP01"
@@ -60,14 +59,6 @@ def joinable_wall(editor, avoid):
     raise RuntimeError("no wall fit for a join")
 
 
-def edit(cli, work, out, script):
-    if os.path.exists(out):
-        os.remove(out)
-    env = dict(os.environ, XDG_CONFIG_HOME=os.path.join(work, "config"))
-    return subprocess.run([cli, "edit", IWAD, LEVEL, "-o", out, "--nodes", "--", script],
-                          env=env, cwd=work, capture_output=True, text=True)
-
-
 def main():
     cli, work = sys.argv[1], sys.argv[2]
     os.makedirs(work, exist_ok=True)
@@ -87,7 +78,7 @@ def main():
     failures = []
 
     out = os.path.join(work, "edited.wad")
-    run = edit(cli, work, out, script)
+    run = edit_level(cli, work, IWAD, LEVEL, out, script)
     if run.returncode != 0 or "Result: nodes built" not in run.stderr:
         print(f"FAIL edit exit {run.returncode}\n{run.stdout}\n{run.stderr[-2000:]}")
         return 1
@@ -111,16 +102,13 @@ def main():
 
     # Every step undone: the objects save as they were read.
     undone = os.path.join(work, "undone.wad")
-    run = edit(cli, work, undone, script + "; undo" * steps)
+    run = edit_level(cli, work, IWAD, LEVEL, undone, script + "; undo" * steps)
     if run.returncode != 0:
         failures.append(f"undo script exit {run.returncode}\n{run.stderr[-1000:]}")
     else:
         back = omg.MapEditor(omg.WAD(undone).maps[LEVEL])
-        for kind in ("things", "sidedefs", "sectors"):
-            if packed(getattr(back, kind)) != packed(getattr(before, kind)):
-                failures.append(f"after undo, {kind} differ")
-        if line_ends(back) != line_ends(before):
-            failures.append("after undo, linedefs differ")
+        for kind in undo_differences(before, back):
+            failures.append(f"after undo, {kind} differ")
 
     for failure in failures:
         print("FAIL " + failure)

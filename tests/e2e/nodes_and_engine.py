@@ -29,6 +29,25 @@ def packed(items):
     return [item.pack() for item in items]
 
 
+def undo_differences(before, back):
+    """What differs between a level as read and the same level saved after every edit was
+    undone: the names of the object lumps that don't match."""
+    differ = [kind for kind in ("things", "sidedefs", "sectors")
+              if packed(getattr(back, kind)) != packed(getattr(before, kind))]
+    if line_ends(back) != line_ends(before):
+        differ.append("linedefs")
+    return differ
+
+
+def edit_level(cli, work, iwad, name, out, script):
+    """Runs `kelvar-cli edit` with a script on one level, saving with nodes to `out`."""
+    if os.path.exists(out):
+        os.remove(out)
+    env = dict(os.environ, XDG_CONFIG_HOME=os.path.join(work, "config"))
+    return subprocess.run([cli, "edit", iwad, name, "-o", out, "--nodes", "--", script],
+                          env=env, cwd=work, capture_output=True, text=True)
+
+
 def demo(path, name, tics):
     # A vanilla demo: version 109, skill 3, episode and map, one player, standing still.
     if name.startswith("MAP"):
