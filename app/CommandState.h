@@ -59,4 +59,7 @@ struct CommandRequests
 /// The requests left so far; they are cleared.
 CommandRequests TakeRequests();
 
+/// Asks for the map, the status bar and the info panes to be drawn again, as after an edit.
+void AskForRefresh();
+
 } // namespace kelvar::app

@@ -13,12 +13,6 @@ namespace kelvar::app
 namespace
 {
 
-bool Editing()
-{
-    const SessionState& session = Session();
-    return session.LevelLoaded && session.AppState == AppEditing;
-}
-
 void ViewChanged()
 {
     CommandRequests& requests = Shell().Requests;
@@ -38,7 +32,7 @@ bool Zoom(int direction)
 
 bool HandleMapCharacter(char character)
 {
-    if (!Editing())
+    if (!EditingLevel())
     {
         return false;
     }
@@ -74,7 +68,7 @@ bool HandleMapCharacter(char character)
 
 bool HandleMapKey(KeyChord chord)
 {
-    if (!Editing() || chord.Modifiers != KeyMods::Plain || Shell().Chk.CursorKeysMoveMap == 0)
+    if (!EditingLevel() || chord.Modifiers != KeyMods::Plain || Shell().Chk.CursorKeysMoveMap == 0)
     {
         return false;
     }
@@ -107,7 +101,7 @@ bool HandleMapKey(KeyChord chord)
 
 WheelAction MouseWheel(int delta, bool ctrl)
 {
-    if (delta == 0 || !Editing())
+    if (delta == 0 || !EditingLevel())
     {
         return WheelAction::None;
     }

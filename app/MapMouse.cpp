@@ -24,12 +24,6 @@ namespace
 // The map window fills its frame, so "on its edge" is its outermost pixels.
 constexpr int EdgePixels = 2;
 
-bool Editing()
-{
-    const SessionState& session = Session();
-    return session.LevelLoaded && session.AppState == AppEditing;
-}
-
 void AskForRedraw(bool status)
 {
     CommandRequests& requests = Shell().Requests;
@@ -169,7 +163,7 @@ void Wheel(const view::MouseInput& event)
 
 view::ClickMeaning MapMouseEvent(MapMouseState& state, const view::MouseInput& event)
 {
-    if (!Editing())
+    if (!EditingLevel())
     {
         return view::ClickMeaning::None;
     }
@@ -306,7 +300,7 @@ void MapWindowResized(MapMouseState& state, int width, int height, int pointerX,
     viewport.OriginX += mapX - view::ScreenToMapXExact(viewport, pointerX);
     viewport.OriginY += mapY - view::ScreenToMapYExact(viewport, pointerY);
     const bool onMap = pointerX < width && pointerY < height;
-    if (onMap && Editing() && !state.LeftDown && !state.Box.Active)
+    if (onMap && EditingLevel() && !state.LeftDown && !state.Box.Active)
     {
         view.Pointer.X = pointerX;
         view.Pointer.Y = pointerY;
@@ -329,7 +323,7 @@ EdgeScroll EdgeScrollDirection(int x, int y, int width, int height, int border)
 
 bool EdgeScrollStep(const EdgeScroll& direction)
 {
-    if (!Editing() || (direction.Dx == 0 && direction.Dy == 0))
+    if (!EditingLevel() || (direction.Dx == 0 && direction.Dy == 0))
     {
         return false;
     }

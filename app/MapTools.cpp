@@ -9,28 +9,13 @@
 #include "map/MapState.h"
 #include "map/ObjectList.h"
 #include "map/Selection.h"
+#include "platform/Format.h"
 #include "view/ViewState.h"
-
-#include <cstdio>
 
 namespace kelvar::app
 {
 namespace
 {
-
-bool Editing()
-{
-    const SessionState& session = Session();
-    return session.LevelLoaded && session.AppState == AppEditing;
-}
-
-void AskForRefresh()
-{
-    CommandRequests& requests = Shell().Requests;
-    requests.RedrawMap = true;
-    requests.RefreshStatus = true;
-    requests.RefreshInfoPanes = true;
-}
 
 void SetMode(int mode)
 {
@@ -74,9 +59,7 @@ void EndLineDraw(MapToolState& state)
 void RotateCaption(MapToolState& state)
 {
     const tools::RotateCaption caption = tools::RotateScaleCaption(state.Rotate);
-    char text[64];
-    std::snprintf(text, sizeof text, "Angle %d  Scale %d%%", caption.Angle, caption.Scale);
-    state.Caption = text;
+    state.Caption = platform::Format("Angle %d  Scale %d%%", caption.Angle, caption.Scale);
 }
 
 void EndRotate(MapToolState& state, bool keep)
@@ -99,7 +82,7 @@ void EndRotate(MapToolState& state, bool keep)
 
 bool StartLineDraw(MapToolState& state)
 {
-    if (!Editing() || state.Active != MapTool::None)
+    if (!EditingLevel() || state.Active != MapTool::None)
     {
         return false;
     }
@@ -143,7 +126,7 @@ void LineDrawInput(MapToolState& state, tools::DrawAction action, int x, int y)
 
 bool StartRotateScale(MapToolState& state, int pointerX, int pointerY)
 {
-    if (!Editing() || state.Active != MapTool::None)
+    if (!EditingLevel() || state.Active != MapTool::None)
     {
         return false;
     }

@@ -200,14 +200,6 @@ std::optional<std::string> RecentPwadOf(int number)
     return names[static_cast<std::size_t>(place)];
 }
 
-void AskForRefresh()
-{
-    CommandRequests& requests = Shell().Requests;
-    requests.RedrawMap = true;
-    requests.RefreshStatus = true;
-    requests.RefreshInfoPanes = true;
-}
-
 // Steps 4 to 6 of RunCommand, while CommandBusy is set.
 CommandResult Route(int number, CommandSource source)
 {
@@ -240,6 +232,14 @@ CommandResult Route(int number, CommandSource source)
 }
 
 } // namespace
+
+void AskForRefresh()
+{
+    CommandRequests& requests = Shell().Requests;
+    requests.RedrawMap = true;
+    requests.RefreshStatus = true;
+    requests.RefreshInfoPanes = true;
+}
 
 CommandRequests TakeRequests()
 {

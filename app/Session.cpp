@@ -24,6 +24,12 @@ SessionState& Session()
     return state;
 }
 
+bool EditingLevel()
+{
+    const SessionState& session = Session();
+    return session.LevelLoaded && session.AppState == AppEditing;
+}
+
 void ResetSession()
 {
     wad::Wad().LockFile = nullptr;

@@ -109,6 +109,9 @@ struct SessionState
 /// The one instance of the session's state.
 SessionState& Session();
 
+/// True while a level is loaded and the editor is editing it: the map takes input.
+bool EditingLevel();
+
 /// Puts the session back to its defaults and closes KELVAR.LOK (tests call it).
 void ResetSession();
 
