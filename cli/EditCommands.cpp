@@ -10,15 +10,20 @@
 #include "cli/Commands.h"
 #include "cli/SaveCommands.h"
 #include "map/MapState.h"
+#include "map/ObjectStore.h"
 #include "map/Selection.h"
+#include "map/Undo.h"
 #include "tools/DragTool.h"
 #include "tools/LineDraw.h"
 #include "tools/RotateTool.h"
+#include "view/ViewState.h"
 
 #include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
+#include <limits>
 #include <optional>
 #include <sstream>
 
@@ -253,6 +258,130 @@ int RunRotate(const std::string& command, const std::vector<std::string>& words)
     return ExitOk;
 }
 
+// pointer X Y: the view centred on the map point, with the pointer on it, where Insert puts a
+// Thing (held to the grid as a click would be).
+int RunPointer(const std::string& command, const std::vector<std::string>& words)
+{
+    const std::optional<int> x = words.size() == 3 ? Number(words[1]) : std::nullopt;
+    const std::optional<int> y = words.size() == 3 ? Number(words[2]) : std::nullopt;
+    if (!x || !y)
+    {
+        return Refuse(command, "pointer takes X Y");
+    }
+    view::ViewState& view = view::View();
+    view.Viewport.OriginX = *x;
+    view.Viewport.OriginY = *y;
+    view.Pointer.X = static_cast<int>(view.Viewport.CenterXPx);
+    view.Pointer.Y = static_cast<int>(view.Viewport.CenterYPx);
+    return ExitOk;
+}
+
+// One field that set can write: the object kind it belongs to, its range, and its writer.
+struct Field
+{
+    int Mode;
+    const char* Name;
+    long Lowest;
+    long Highest;
+    std::function<void(map::LevelData&, int object, long value)> Write;
+};
+
+template <typename Number> constexpr long Low()
+{
+    return static_cast<long>(std::numeric_limits<Number>::min());
+}
+template <typename Number> constexpr long High()
+{
+    return static_cast<long>(std::numeric_limits<Number>::max());
+}
+
+const std::vector<Field>& Fields()
+{
+    using map::LevelData;
+    static const std::vector<Field> fields = {
+        {map::ModeThings, "type", 0, High<std::uint16_t>(),
+         [](LevelData& l, int o, long v) { l.Things[std::size_t(o)].Type = std::uint16_t(v); }},
+        {map::ModeThings, "angle", 0, 359,
+         [](LevelData& l, int o, long v) { l.Things[std::size_t(o)].Angle = std::uint16_t(v); }},
+        {map::ModeThings, "flags", 0, High<std::uint16_t>(),
+         [](LevelData& l, int o, long v) { l.Things[std::size_t(o)].Flags = std::uint16_t(v); }},
+        {map::ModeLineDefs, "type", 0, High<std::uint16_t>(),
+         [](LevelData& l, int o, long v) { l.LineDefs[std::size_t(o)].Type = std::uint32_t(v); }},
+        {map::ModeLineDefs, "tag", 0, High<std::uint16_t>(),
+         [](LevelData& l, int o, long v) { l.LineDefs[std::size_t(o)].Tag = std::uint16_t(v); }},
+        {map::ModeLineDefs, "flags", 0, High<std::uint16_t>(),
+         [](LevelData& l, int o, long v) { l.LineDefs[std::size_t(o)].Flags = std::uint16_t(v); }},
+        {map::ModeSectors, "floor", Low<std::int16_t>(), High<std::int16_t>(),
+         [](LevelData& l, int o, long v)
+         { l.Sectors[std::size_t(o)].FloorHeight = std::int16_t(v); }},
+        {map::ModeSectors, "ceiling", Low<std::int16_t>(), High<std::int16_t>(),
+         [](LevelData& l, int o, long v)
+         { l.Sectors[std::size_t(o)].CeilingHeight = std::int16_t(v); }},
+        {map::ModeSectors, "light", 0, 255,
+         [](LevelData& l, int o, long v) { l.Sectors[std::size_t(o)].Light = std::int16_t(v); }},
+        {map::ModeSectors, "type", 0, High<std::uint16_t>(),
+         [](LevelData& l, int o, long v) { l.Sectors[std::size_t(o)].Type = std::uint16_t(v); }},
+        {map::ModeSectors, "tag", 0, High<std::uint16_t>(),
+         [](LevelData& l, int o, long v) { l.Sectors[std::size_t(o)].Tag = std::uint16_t(v); }},
+    };
+    return fields;
+}
+
+int KindOfMode(int mode)
+{
+    switch (mode)
+    {
+    case map::ModeThings:
+        return map::KindThing;
+    case map::ModeLineDefs:
+        return map::KindLineDef;
+    default:
+        return map::KindSector;
+    }
+}
+
+// set FIELD VALUE: one field written to every selected object of the mode (the highlighted one
+// when nothing is selected), as one undo step.
+int RunSet(const std::string& command, const std::vector<std::string>& words)
+{
+    const std::optional<int> value = words.size() == 3 ? Number(words[2]) : std::nullopt;
+    if (!value)
+    {
+        return Refuse(command, "set takes FIELD VALUE");
+    }
+    const int mode = app::EditMode();
+    const Field* field = nullptr;
+    for (const Field& candidate : Fields())
+    {
+        field = candidate.Mode == mode && words[1] == candidate.Name ? &candidate : field;
+    }
+    if (!field)
+    {
+        return Refuse(command, "no such field in this edit mode");
+    }
+    if (*value < field->Lowest || *value > field->Highest)
+    {
+        return Refuse(command, "value out of range");
+    }
+    std::vector<std::int32_t> objects = map::Selected().Selection.Objects();
+    if (objects.empty())
+    {
+        objects.push_back(map::Selected().HighlightedObject);
+    }
+    map::LevelData& level = map::Map().Level;
+    if (!map::IsValidObject(level, mode, objects.front()))
+    {
+        return Refuse(command, "nothing selected");
+    }
+    (void)map::SaveUndoStep();
+    for (const std::int32_t object : objects)
+    {
+        field->Write(level, object, *value);
+    }
+    map::NoteChange(level, KindOfMode(mode));
+    return ExitOk;
+}
+
 // Runs one command of the script.
 int RunScriptCommand(const std::vector<std::string>& words)
 {
@@ -283,6 +412,14 @@ int RunScriptCommand(const std::vector<std::string>& words)
     if (verb == "rotate" || verb == "scale")
     {
         return RunRotate(command, words);
+    }
+    if (verb == "pointer")
+    {
+        return RunPointer(command, words);
+    }
+    if (verb == "set")
+    {
+        return RunSet(command, words);
     }
     if (verb == "misc" || verb == "run")
     {

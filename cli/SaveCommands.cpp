@@ -25,6 +25,7 @@ struct SaveRequest
     std::string Level;
     std::string Output;
     bool Nodes = false;
+    bool NewLevel = false; // edit only: start from the level made empty, as File, New Level does
 };
 
 bool ParseRequest(const std::vector<std::string>& arguments, SaveRequest& request, bool editing)
@@ -40,6 +41,10 @@ bool ParseRequest(const std::vector<std::string>& arguments, SaveRequest& reques
         {
             request.Nodes = true;
         }
+        else if (editing && arguments[i] == "--new")
+        {
+            request.NewLevel = true;
+        }
         else
         {
             positional.push_back(arguments[i]);
@@ -48,7 +53,7 @@ bool ParseRequest(const std::vector<std::string>& arguments, SaveRequest& reques
     if (positional.size() < 2 || request.Output.empty())
     {
         std::fprintf(stderr, "kelvar-cli: %s IWAD [PWAD...] MAPNAME -o OUT.wad [--nodes]%s\n",
-                     editing ? "edit" : "save", editing ? " -- COMMAND..." : "");
+                     editing ? "edit" : "save", editing ? " [--new] -- COMMAND..." : "");
         return false;
     }
     request.Level = positional.back();
@@ -74,7 +79,7 @@ int SaveLevel(const std::vector<std::string>& arguments, const LevelEdit& edit)
     wad::Wad().ProgramDir = platform::DefaultProgramDir();
     std::filesystem::create_directories(wad::Wad().ProgramDir, error);
     bool loaded = false;
-    const int status = OpenLevel(request.Files, request.Level, loaded);
+    const int status = OpenLevel(request.Files, request.Level, loaded, request.NewLevel);
     if (!loaded)
     {
         return status;

@@ -68,7 +68,8 @@ int OpenFiles(const std::vector<std::string>& files)
     return status;
 }
 
-int OpenLevel(const std::vector<std::string>& files, const std::string& levelName, bool& loaded)
+int OpenLevel(const std::vector<std::string>& files, const std::string& levelName, bool& loaded,
+              bool newLevel)
 {
     loaded = false;
     const int status = OpenFiles(files);
@@ -81,7 +82,7 @@ int OpenLevel(const std::vector<std::string>& files, const std::string& levelNam
         std::fprintf(stderr, "kelvar-cli: no level %s in these files\n", levelName.c_str());
         return ExitBadFile;
     }
-    (void)wad::ReadLevel(map::Map().Level, levelName, false);
+    (void)wad::ReadLevel(map::Map().Level, levelName, newLevel);
     game::SelectGameTables(); // Things in their symbols and colours, type names
     loaded = true;
     return status;

@@ -14,8 +14,9 @@ int OpenFiles(const std::vector<std::string>& files);
 
 /// Opens the files and reads `levelName` into the map model's level, with the game's type
 /// tables chosen. Returns the exit status so far; `loaded` tells whether the level is there
-/// (a missing one is reported).
-int OpenLevel(const std::vector<std::string>& files, const std::string& levelName, bool& loaded);
+/// (a missing one is reported). `newLevel` reads it made empty, as File, New Level does.
+int OpenLevel(const std::vector<std::string>& files, const std::string& levelName, bool& loaded,
+              bool newLevel = false);
 
 /// kelvar-cli lumps IWAD [PWAD...]
 int ListLumps(const std::vector<std::string>& files);

@@ -39,24 +39,48 @@ def undo_differences(before, back):
     return differ
 
 
-def edit_level(cli, work, iwad, name, out, script):
-    """Runs `kelvar-cli edit` with a script on one level, saving with nodes to `out`."""
+def edit_level(cli, work, iwad, name, out, script, new_level=False):
+    """Runs `kelvar-cli edit` with a script on one level (made empty first with new_level),
+    saving with nodes to `out`."""
     if os.path.exists(out):
         os.remove(out)
     env = dict(os.environ, XDG_CONFIG_HOME=os.path.join(work, "config"))
-    return subprocess.run([cli, "edit", iwad, name, "-o", out, "--nodes", "--", script],
+    fresh = ["--new"] if new_level else []
+    return subprocess.run([cli, "edit", iwad, name, "-o", out, "--nodes", *fresh, "--", script],
                           env=env, cwd=work, capture_output=True, text=True)
 
 
-def demo(path, name, tics):
-    # A vanilla demo: version 109, skill 3, episode and map, one player, standing still.
+def demo(path, name, tics, forward=0, use_at=()):
+    """A vanilla demo: version 109, skill 3, episode and map, one player, standing still or
+    walking forward, pressing use on the tics of `use_at`."""
     if name.startswith("MAP"):
         episode, level = 1, int(name[3:])
     else:
         episode, level = int(name[1]), int(name[3])
     header = bytes([109, 2, episode, level, 0, 0, 0, 0, 0, 1, 0, 0, 0])
+    use = 2  # the use button's bit
+    commands = b"".join(struct.pack("<bbbB", forward, 0, 0, use if tic in use_at else 0)
+                        for tic in range(tics))
     with open(path, "wb") as f:
-        f.write(header + struct.pack("<bbbB", 0, 0, 0, 0) * tics + b"\x80")
+        f.write(header + commands + b"\x80")
+
+
+def level_finished(iwad, pwad, name, work, tics, forward, use_at):
+    """Plays a walking demo; the name of the level dsda-doom's level statistics list as
+    finished, or None."""
+    lump = os.path.join(work, "walk.lmp")
+    demo(lump, name, tics, forward, use_at)
+    home = tempfile.mkdtemp(dir=work)
+    env = dict(os.environ, HOME=home, XDG_RUNTIME_DIR=home, SDL_VIDEODRIVER="dummy",
+               SDL_AUDIODRIVER="dummy")
+    try:
+        subprocess.run([ENGINE, "-iwad", iwad, "-file", pwad, "-timedemo", lump, "-nodraw",
+                        "-nosound", "-no_message_box", "-levelstat"], cwd=home, env=env,
+                       capture_output=True, text=True, timeout=60)
+        stats = os.path.join(home, "levelstat.txt")
+        return open(stats).read().split(" ")[0] if os.path.exists(stats) else None
+    finally:
+        shutil.rmtree(home, ignore_errors=True)
 
 
 def engine_runs(iwad, pwad, name, work):
