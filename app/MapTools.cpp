@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/MapTools.h"
 
+#include "app/Commands.h"
 #include "app/Modes.h"
 #include "app/Session.h"
 #include "app/ShellState.h"
@@ -207,6 +208,12 @@ void MapToolPointer(MapToolState& state, int x, int y)
         RotateCaption(state);
         AskForRefresh();
     }
+}
+
+bool ToolLetsCommandThrough(const MapToolState& state, std::uint16_t command)
+{
+    return state.Active == MapTool::LineDraw &&
+           (command == CmdCenterMap || command == CmdCenterView);
 }
 
 void CancelMapTool(MapToolState& state)

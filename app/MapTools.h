@@ -58,6 +58,10 @@ void RotateScaleClick(MapToolState& state);
 /// The pointer moved to (x, y): LineDraw's pane text, or the turn of Rotate and Scale.
 void MapToolPointer(MapToolState& state, int x, int y);
 
+/// Whether a command of the key table still runs while a tool runs: under LineDraw the view's
+/// Home (centre the level) and End (fit it) do; nothing that changes the level does.
+bool ToolLetsCommandThrough(const MapToolState& state, std::uint16_t command);
+
 /// Ends whatever tool runs as Esc would.
 void CancelMapTool(MapToolState& state);
 

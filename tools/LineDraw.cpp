@@ -182,7 +182,10 @@ LineDrawTool::LineDrawTool(map::LevelData& level, int startVertex)
     ResetRun();
     if (startVertex >= 0 && startVertex < level.Vertexes.Count())
     {
+        // The run starts from the selected Vertex as if it had been clicked first.
         FirstVertex = LastVertex = startVertex;
+        const map::Point at = map::VertexPoint(level, static_cast<std::uint32_t>(startVertex));
+        SectorAtFirst = SectorLast = map::SectorAt(level, at.X, at.Y, map::SectorAtMode::Drawing);
     }
     platform::TheUi().SetStatusText("LeftButton=Insert, RightButton=Close/Quit (F1=Help)");
 }

@@ -59,8 +59,7 @@ int main(int argc, char** argv)
     platform::QtClock clock;
     app::MainWindow window;
     ui.SetOwner(&window);
-    ui.SetStatusSink([&window](const std::string& text)
-                     { window.statusBar()->showMessage(QString::fromStdString(text), 5000); });
+    ui.SetStatusSink([&window](const std::string& text) { window.ShowStatusText(text); });
     platform::InstallFatalHook([] { app::FatalShutdown(); });
 
     const int startup = app::CreateSession(&clock);

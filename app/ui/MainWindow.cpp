@@ -89,8 +89,22 @@ MainWindow::MainWindow()
     layout->addWidget(InfoPane, 0);
     setCentralWidget(central);
 
+    CoordinatesPane = new QLabel(this);
+    CoordinatesPane->setFrameStyle(QFrame::Panel | QFrame::Sunken);
+    CoordinatesPane->setVisible(false);
+    statusBar()->addWidget(CoordinatesPane);
     StatusMessage = new QLabel(this);
     statusBar()->addWidget(StatusMessage, 1);
+    StatusClearTimer.setSingleShot(true);
+    StatusClearTimer.setInterval(5000);
+    connect(&StatusClearTimer, &QTimer::timeout, this,
+            [this]
+            {
+                if (!MapView->ToolRunning())
+                {
+                    StatusMessage->clear();
+                }
+            });
     for (std::size_t i = 0; i < StatusBarTexts().size(); ++i)
     {
         auto* field = new QLabel(this);
@@ -325,12 +339,10 @@ void MainWindow::ActOnRequests()
     {
         RefreshInfoPane();
     }
-    if (MapView->ToolRunning() || !MapView->ToolCaption().isEmpty() || ToolCaptionShown)
-    {
-        // The running tool's line stands in the status bar; it goes when the tool ends.
-        StatusMessage->setText(MapView->ToolCaption());
-        ToolCaptionShown = !MapView->ToolCaption().isEmpty();
-    }
+    // The running tool's line stands in the coordinates pane; it goes when the tool ends.
+    const QString caption = MapView->ToolRunning() ? MapView->ToolCaption() : QString();
+    CoordinatesPane->setText(caption);
+    CoordinatesPane->setVisible(!caption.isEmpty());
     Acting = false;
     if (requests.StartLineDraw && !MapView->StartLineDrawTool())
     {
@@ -354,6 +366,12 @@ void MainWindow::ActOnRequests()
     {
         close();
     }
+}
+
+void MainWindow::ShowStatusText(const std::string& text)
+{
+    StatusMessage->setText(QString::fromStdString(text));
+    StatusClearTimer.start();
 }
 
 void MainWindow::RefreshStatus()

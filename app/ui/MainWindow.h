@@ -8,6 +8,8 @@
 #include <QLabel>
 #include <QMainWindow>
 #include <QMenu>
+#include <QTimer>
+#include <string>
 #include <vector>
 
 namespace kelvar::app
@@ -36,6 +38,11 @@ public:
     MapWidget* Map() const { return MapView; }
     /// The status bar fields in order, and the info pane's text.
     std::vector<QString> StatusTexts() const;
+    /// The status line: the last text a command or tool gave (it clears after a while unless
+    /// a tool runs), and the coordinates pane where a running tool shows its line.
+    void ShowStatusText(const std::string& text);
+    QString StatusLine() const { return StatusMessage->text(); }
+    QString CoordinatesPaneText() const { return CoordinatesPane->text(); }
     QString InfoPaneText() const;
     bool InfoPaneVisible() const;
 
@@ -60,11 +67,12 @@ private:
     QWidget* InfoPane = nullptr;
     QLabel* InfoLines = nullptr;
     QLabel* InfoTextures = nullptr;
+    QLabel* CoordinatesPane = nullptr;
     QLabel* StatusMessage = nullptr;
+    QTimer StatusClearTimer;
     std::vector<QLabel*> StatusFields;
     bool ClosingConfirmed = false;
     bool Acting = false;
-    bool ToolCaptionShown = false; // the status message holds a tool's line
 };
 
 } // namespace kelvar::app

@@ -213,6 +213,11 @@ bool MapWidget::ToolKey(QKeyEvent* event)
         {
             LineDrawInput(Tools, tools::DrawAction::CloseOneSided, pointer.x(), pointer.y());
         }
+        else if (ViewKeyUnderTool(event))
+        {
+            // The map moved under the pointer: the pane follows what is under it now.
+            MapToolPointer(Tools, pointer.x(), pointer.y());
+        }
         // Esc acts on its release.
     }
     else
@@ -237,6 +242,30 @@ bool MapWidget::ToolKey(QKeyEvent* event)
     }
     ToolActed();
     return true;
+}
+
+// Home, End, the arrows and the zoom keys move the view while LineDraw runs.
+bool MapWidget::ViewKeyUnderTool(QKeyEvent* event)
+{
+    const std::optional<KeyChord> chord = ChordOfKeyEvent(*event);
+    const std::optional<std::uint16_t> command =
+        chord ? CommandOfKey(*chord) : std::optional<std::uint16_t>();
+    if (command && ToolLetsCommandThrough(Tools, *command))
+    {
+        emit CommandKey(*command);
+        return true;
+    }
+    if (command)
+    {
+        return false;
+    }
+    const char character = CharacterOfKeyEvent(*event);
+    if ((character != 0 && HandleMapCharacter(character)) || (chord && HandleMapKey(*chord)))
+    {
+        emit RequestsLeft();
+        return true;
+    }
+    return false;
 }
 
 void MapWidget::keyReleaseEvent(QKeyEvent* event)

@@ -67,6 +67,7 @@ private:
     void Mouse(const view::MouseInput& input);
     bool ToolMouse(QMouseEvent* event, bool press);
     bool ToolKey(QKeyEvent* event);
+    bool ViewKeyUnderTool(QKeyEvent* event);
     void ToolActed();
     void RenderBuffer();
     void EdgeScrollTick();

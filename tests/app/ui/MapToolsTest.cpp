@@ -82,6 +82,38 @@ TEST_F(MapToolsTest, LineDrawMakesASquareSectorAndGivesTheModeBack)
     EXPECT_EQ(level.Vertexes[0].Y, CenterY - 128);
 }
 
+TEST_F(MapToolsTest, LineDrawShowsItsLinesInThePaneAndTheViewKeysStillMoveTheMap)
+{
+    EmptyLevel();
+    QTest::keyClick(Map(), Qt::Key_D, Qt::ControlModifier);
+    ASSERT_TRUE(Window->Map()->ToolRunning());
+    ASSERT_FALSE(Ui.StatusTexts.empty());
+    EXPECT_EQ(Ui.StatusTexts.back(), "LeftButton=Insert, RightButton=Close/Quit (F1=Help)");
+    QTest::mouseMove(Map(), Pixel(CenterX, CenterY));
+    Settle();
+    EXPECT_EQ(Window->CoordinatesPaneText().toStdString(), " Crossing NO Line  ");
+    Click(Pixel(CenterX, CenterY));
+    Click(Pixel(CenterX + 128, CenterY));
+    Settle();
+    EXPECT_EQ(Window->CoordinatesPaneText().toStdString(), " NewLine    0 ");
+
+    // The arrows scroll and Home centres the level; the run goes on where it was.
+    const view::MapViewport& viewport = view::View().Viewport;
+    const double x = viewport.OriginX;
+    QTest::keyClick(Map(), Qt::Key_Right);
+    EXPECT_GT(viewport.OriginX, x);
+    QTest::keyClick(Map(), Qt::Key_Home);
+    EXPECT_EQ(viewport.OriginX, CenterX + 64);
+    EXPECT_TRUE(Window->Map()->ToolRunning());
+    EXPECT_EQ(map::Map().Level.LineDefs.Count(), 1);
+
+    Ui.AnswerList(0); // the line ends in the open: Split Options asks; Exit leaves it be
+    QTest::keyClick(Map(), Qt::Key_Escape);
+    QTest::keyClick(Map(), Qt::Key_Escape);
+    EXPECT_FALSE(Window->Map()->ToolRunning());
+    EXPECT_TRUE(Window->CoordinatesPaneText().isEmpty());
+}
+
 TEST_F(MapToolsTest, RightDragMovesAVertexByTheSnappedDeltaAndUndoPutsItBack)
 {
     EmptyLevel();
