@@ -26,6 +26,7 @@ void StartupCommand(int number, CommandSource source);     // 1280, 1284
 void MiscEntryCommand(int number, CommandSource source);      // 501 to 534, 462, 463, 475, 550, 553
 void AlignLineDefCommand(int number, CommandSource source);   // 552
 void AlignTexturesYCommand(int number, CommandSource source); // 479, 481, 535, 536, 601
+void AlignTexturesXCommand(int number, CommandSource source); // 478, 480, 537 to 544, 600
 void DeleteCommand(int number, CommandSource source);         // 260, 466
 void MiscMenuCommand(int number, CommandSource source);       // 1008: the mode's Misc popup
 // Insert in Things and Sectors modes (InsertCommands.cpp).

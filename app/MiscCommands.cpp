@@ -9,6 +9,8 @@
 #include "app/ShellState.h"
 #include "app/TagCommands.h"
 #include "check/SaveChecks.h"
+#include "game/GameState.h"
+#include "gfx/TextureLumps.h"
 #include "map/GameCodes.h"
 #include "map/LineOps.h"
 #include "map/MapState.h"
@@ -23,6 +25,7 @@
 #include "platform/Format.h"
 #include "platform/Messages.h"
 #include "platform/Ui.h"
+#include "wad/FindLump.h"
 #include "wad/WadState.h"
 
 #include <span>
@@ -358,6 +361,26 @@ void TakeHighlightIfEmpty(const map::LevelData& level, int mode)
     }
 }
 
+// The size and scale of a wall texture from the texture lumps of the open files. Without a
+// TEXTURE1 (a file set that has none) every texture is unknown.
+map::TextureSizeOf WallTextureSizes()
+{
+    if (wad::FindLump(wad::Wad().Files[0], "TEXTURE1", false) < 0)
+    {
+        return {};
+    }
+    return [](const map::TextureName& name) -> std::optional<map::TextureSize>
+    {
+        const std::optional<gfx::TextureRecord> found = gfx::LookupTexture(name.Text());
+        if (!found)
+        {
+            return std::nullopt;
+        }
+        return map::TextureSize{found->Width, found->Height, found->XScale,
+                                static_cast<std::int8_t>(found->YScale)};
+    };
+}
+
 } // namespace
 
 int MiscEntryNumber(int mode, int index)
@@ -455,20 +478,68 @@ void AlignTexturesYCommand(int number, CommandSource /*source*/)
     if (number == CmdAlignY)
     {
         // Both sides: the second when the first did nothing.
-        result = map::AlignTexturesY(map.Level, map.Select.Selection, 1);
+        result = map::AlignTexturesY(map.Level, map.Select.Selection, 1, WallTextureSizes());
         if (result != map::AlignResult::Done)
         {
-            result = map::AlignTexturesY(map.Level, map.Select.Selection, 2);
+            result = map::AlignTexturesY(map.Level, map.Select.Selection, 2, WallTextureSizes());
         }
     }
     else
     {
         const bool first = number == CmdAlignYShift || number == CmdAlignYSide1;
-        result = map::AlignTexturesY(map.Level, map.Select.Selection, first ? 1 : 2);
+        result =
+            map::AlignTexturesY(map.Level, map.Select.Selection, first ? 1 : 2, WallTextureSizes());
     }
     if (result == map::AlignResult::AllPegged)
     {
         platform::ShowMessageLines(0, "Align Textures", {"Pegged Textures are Ignored!"});
+    }
+    if (result != map::AlignResult::Done)
+    {
+        (void)map::DropLastUndoStep();
+        return;
+    }
+    AfterEdit(map.Level);
+}
+
+void AlignTexturesXCommand(int number, CommandSource /*source*/)
+{
+    map::MapState& map = map::Map();
+    TakeHighlightIfEmpty(map.Level, ModeLineDefs);
+    if (map.Select.Selection.Empty())
+    {
+        platform::TheUi().Beep();
+        return;
+    }
+    // 537 to 544 are the eight variants in menu order: side 1 then 2, the same texture then
+    // any, without then with an initial offset. 478 and 600 stand for 537 and 541; 480 is the
+    // first on side 1, and on side 2 when side 1 did nothing, as the Y key does.
+    const int base = number == CmdAlignXShift   ? CmdAlignXFirst
+                     : number == CmdAlignXSide2 ? CmdAlignXFirst + 4
+                     : number == CmdAlignX      ? CmdAlignXFirst
+                                                : number;
+    const int variant = base - CmdAlignXFirst;
+    map::XAlignOptions options;
+    options.Side = variant < 4 ? 1 : 2;
+    options.SameTexture = variant % 4 < 2;
+    options.AnyTexture = game::Game().ZdoomTypes;
+    if (variant % 2 == 1)
+    {
+        options.InitialOffset =
+            platform::TheUi().AskNumber("Initial offset", "Initial offset", 0,
+                                        map.Options.XAlignMinimum, map.Options.XAlignMaximum);
+        if (!options.InitialOffset)
+        {
+            return;
+        }
+    }
+    (void)map::SaveUndoStep();
+    map::AlignResult result =
+        map::AlignTexturesX(map.Level, map.Select.Selection, options, WallTextureSizes());
+    if (number == CmdAlignX && result == map::AlignResult::NothingDone)
+    {
+        options.Side = 2;
+        result = map::AlignTexturesX(map.Level, map.Select.Selection, options, WallTextureSizes());
     }
     if (result != map::AlignResult::Done)
     {

@@ -37,6 +37,8 @@ struct EditOptions
     int UndoLimit = 500; // 10 to 1000
     int GridSize = 8;
     bool GridSnap = true;
+    int XAlignMinimum = -1023; // the range of an X alignment's initial offset
+    int XAlignMaximum = 1023;
 
     bool operator==(const EditOptions&) const = default;
 };

@@ -259,4 +259,43 @@ int PeekPwadEntry(const std::filesystem::path& path, std::string_view name, Lump
     return found != nullptr ? 1 : 0;
 }
 
+std::vector<std::uint8_t> ReadLumpBytes(int entry)
+{
+    std::vector<std::uint8_t> bytes;
+    if (entry < 0)
+    {
+        return bytes;
+    }
+    const LumpEntry& lump = Master()[static_cast<std::size_t>(entry)];
+    if (lump.Size <= 0 || lump.FileNumber < 0 || lump.FileNumber >= FileTableSize)
+    {
+        return bytes;
+    }
+    FileRec& file = Wad().Files[static_cast<std::size_t>(lump.FileNumber)];
+    EnsureOpen(file);
+    if (!file.Stream)
+    {
+        return bytes;
+    }
+    std::FILE* stream = file.Stream.get();
+    if (CheckedSeek(stream, lump.Offset) != 1)
+    {
+        return bytes;
+    }
+    // The scan checked the entry against the file, but the file may have shrunk since. No
+    // room is taken for bytes it no longer holds: that is a short read, reported as one.
+    const std::int64_t fileSize = FileSize(stream, 1);
+    if (static_cast<std::int64_t>(lump.Offset) + lump.Size > fileSize)
+    {
+        IoFailure("read", stream, 0, lump.Size);
+        return bytes;
+    }
+    bytes.resize(static_cast<std::size_t>(lump.Size));
+    if (CheckedRead(stream, bytes.data(), lump.Size) != 1)
+    {
+        bytes.clear();
+    }
+    return bytes;
+}
+
 } // namespace kelvar::wad

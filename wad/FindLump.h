@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 namespace kelvar::wad
 {
@@ -54,6 +55,10 @@ int FindLevelLump(std::string_view name, bool fatal);
 /// entry has been replaced. Not found: fatal with " Reading Damaged %s file %s not found"
 /// when `fatal`, else nothing.
 std::optional<LumpEntry> ReadIwadEntry(std::string_view name, bool fatal);
+
+/// The bytes of one master directory entry, read in one block from the file that holds them;
+/// empty for -1, an empty lump, or a read that failed (reported as such).
+std::vector<std::uint8_t> ReadLumpBytes(int entry);
 
 /// Looks into any file for a lump: -2 it doesn't open, -1 it's not a PWAD, 0 no such lump,
 /// 1 found (the newest entry, into `outEntry`).

@@ -48,46 +48,6 @@ map::TextureName NameAt(const std::uint8_t* bytes)
     return name;
 }
 
-// The bytes of one master directory entry, read in one block from the file that holds them.
-std::vector<std::uint8_t> ReadLump(int entry)
-{
-    std::vector<std::uint8_t> bytes;
-    if (entry < 0)
-    {
-        return bytes;
-    }
-    const LumpEntry& lump = Master()[static_cast<std::size_t>(entry)];
-    if (lump.Size <= 0 || lump.FileNumber < 0 || lump.FileNumber >= FileTableSize)
-    {
-        return bytes;
-    }
-    FileRec& file = Wad().Files[static_cast<std::size_t>(lump.FileNumber)];
-    EnsureOpen(file);
-    if (!file.Stream)
-    {
-        return bytes;
-    }
-    std::FILE* stream = file.Stream.get();
-    if (CheckedSeek(stream, lump.Offset) != 1)
-    {
-        return bytes;
-    }
-    // The scan checked the entry against the file, but the file may have shrunk since. No
-    // room is taken for bytes it no longer holds: that is a short read, reported as one.
-    const std::int64_t fileSize = FileSize(stream, 1);
-    if (static_cast<std::int64_t>(lump.Offset) + lump.Size > fileSize)
-    {
-        IoFailure("read", stream, 0, lump.Size);
-        return bytes;
-    }
-    bytes.resize(static_cast<std::size_t>(lump.Size));
-    if (CheckedRead(stream, bytes.data(), lump.Size) != 1)
-    {
-        bytes.clear();
-    }
-    return bytes;
-}
-
 std::int32_t LumpSize(int entry)
 {
     return entry < 0 ? 0 : Master()[static_cast<std::size_t>(entry)].Size;
@@ -100,7 +60,7 @@ std::int32_t Capacity(std::size_t count, std::int32_t least)
 
 void ReadThings(LevelData& level, int layout)
 {
-    const std::vector<std::uint8_t> bytes = ReadLump(FindLevelLump("THINGS", true));
+    const std::vector<std::uint8_t> bytes = ReadLumpBytes(FindLevelLump("THINGS", true));
     const std::size_t size = layout == map::LayoutHexen ? HexenThingSize : DoomThingSize;
     const std::size_t count = bytes.size() / size;
     level.Things.Reserve(Capacity(count, 200));
@@ -182,7 +142,7 @@ void ReadLineDefs(LevelData& level, const std::vector<std::uint8_t>& bytes, int 
 
 void ReadSectors(LevelData& level)
 {
-    const std::vector<std::uint8_t> bytes = ReadLump(FindLevelLump("SECTORS", true));
+    const std::vector<std::uint8_t> bytes = ReadLumpBytes(FindLevelLump("SECTORS", true));
     const std::size_t count = bytes.size() / SectorSize;
     level.Sectors.Reserve(Capacity(count, 500));
     level.Sectors.resize(count);
@@ -334,19 +294,19 @@ int ReadLevel(LevelData& level, std::string_view levelName, bool newLevel)
         // more than one lump twice.
         std::size_t sideCount = 0;
         {
-            const std::vector<std::uint8_t> sides = ReadLump(FindLevelLump("SIDEDEFS", true));
+            const std::vector<std::uint8_t> sides = ReadLumpBytes(FindLevelLump("SIDEDEFS", true));
             sideCount = sides.size() / SideDefSize;
             level.SideDefs.Reserve(Capacity(sideCount, 2000));
             ConvertSideDefsIn(sides, sideCount, level.SideDefs);
         }
         {
-            const std::vector<std::uint8_t> lines = ReadLump(FindLevelLump("LINEDEFS", true));
+            const std::vector<std::uint8_t> lines = ReadLumpBytes(FindLevelLump("LINEDEFS", true));
             const std::size_t lineCount =
                 lines.size() / (layout == map::LayoutHexen ? HexenLineSize : DoomLineSize);
             ReadLineDefs(level, lines, layout,
                          lineCount >= ExtendedFormatCount || sideCount >= ExtendedFormatCount);
         }
-        ReadUsedVertexes(level, ReadLump(FindLevelLump("VERTEXES", true)));
+        ReadUsedVertexes(level, ReadLumpBytes(FindLevelLump("VERTEXES", true)));
         ReadSectors(level);
         RepairSideDefSectors(level);
         RepairLineSides(level);

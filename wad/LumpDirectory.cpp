@@ -11,8 +11,15 @@
 namespace kelvar::wad
 {
 
+void LumpDirectory::Touch()
+{
+    static std::uint64_t changes = 0; // one count for every directory: stamps never repeat
+    Stamp_ = ++changes;
+}
+
 void LumpDirectory::Append(const LumpEntry& entry)
 {
+    Touch();
     Items.push_back(entry);
     if (Indexed)
     {
@@ -23,6 +30,7 @@ void LumpDirectory::Append(const LumpEntry& entry)
 
 void LumpDirectory::Rename(std::size_t index, const LumpName& name)
 {
+    Touch();
     if (!Indexed || Items[index].Name.Key() == name.Key())
     {
         Items[index].Name = name;
@@ -37,6 +45,7 @@ void LumpDirectory::ReplaceRange(std::size_t first, std::size_t last,
                                  std::span<const LumpEntry> entries)
 {
     KELVAR_ASSERT(first <= last && last <= Items.size());
+    Touch();
     const auto at = Items.begin() + static_cast<std::ptrdiff_t>(first);
     Items.erase(at, Items.begin() + static_cast<std::ptrdiff_t>(last));
     Items.insert(Items.begin() + static_cast<std::ptrdiff_t>(first), entries.begin(),
@@ -54,6 +63,7 @@ void LumpDirectory::Assign(std::vector<LumpEntry>&& entries)
 
 void LumpDirectory::Clear()
 {
+    Touch();
     Items.clear();
     Table.clear();
     Next.clear();

@@ -59,7 +59,16 @@ public:
     std::span<const LumpEntry> Entries() const { return Items; }
 
     /// Mutable access to an entry for every field but Name.
-    LumpEntry& Edit(std::size_t index) { return Items[index]; }
+    LumpEntry& Edit(std::size_t index)
+    {
+        Touch();
+        return Items[index];
+    }
+
+    /// A number that changes with every change of the entries, so that what is built from
+    /// them (the texture lumps, the name lists) knows when to build again. Never 0 once the
+    /// directory has been changed.
+    std::uint64_t Stamp() const { return Stamp_; }
 
     void Reserve(std::size_t count) { Items.reserve(count); }
     /// Takes `entries` as the whole directory.
@@ -102,6 +111,7 @@ private:
         std::int32_t Last = -1;
     };
 
+    void Touch();
     void EnsureIndex() const;
     std::int32_t Head(std::uint64_t key) const;
     Chain& ChainOf(std::uint64_t key) const;
@@ -114,6 +124,7 @@ private:
     mutable std::vector<std::int32_t> Next;
     mutable std::size_t Names = 0;
     mutable bool Indexed = false;
+    std::uint64_t Stamp_ = 0;
 };
 
 /// Where a name stands among the reserved names: -1 a level name (ExMy or MAPxy), 0 none,

@@ -55,6 +55,29 @@ TEST(EditScript, NewLevelTakesARoomAndAThingWithTheFieldsSet)
     EXPECT_EQ(things[0], "T 64 128 90 1 7");
 }
 
+TEST(EditScript, XAlignmentRunsAroundARoomByTheWidthOfItsTexture)
+{
+    testkit::TempDir dir;
+    // A room of 200 by 136; its walls get MARBLE1, 128 wide in freedoom2's TEXTURE1. The box
+    // marks the four walls, the last (200,0 to 0,0) last: the run starts there.
+    const testkit::CommandOutput made = testkit::RunCli(
+        Edit(dir, "draw 0,0 0,136 200,136 200,0; mode linedefs; box -10 -10 210 146; run 537"),
+        dir.Path());
+    ASSERT_EQ(made.Status, 0) << made.Text;
+    const testkit::CommandOutput read = testkit::RunOmgifol("omg_levels.py", dir.File("out.wad"));
+    std::vector<std::string> sides;
+    for (const std::string& line : read.Lines())
+    {
+        if (line.rfind("S ", 0) == 0)
+        {
+            sides.push_back(line);
+        }
+    }
+    // 0 at the last wall; then 200 % 128, (72 + 136) % 128, (80 + 200) % 128.
+    EXPECT_EQ(sides, (std::vector<std::string>{"S 72 0 - - MARBLE1 0", "S 80 0 - - MARBLE1 0",
+                                               "S 24 0 - - MARBLE1 0", "S 0 0 - - MARBLE1 0"}));
+}
+
 TEST(EditScript, ABadSetStopsTheScriptAndWritesNothing)
 {
     const std::pair<const char*, const char*> cases[] = {
