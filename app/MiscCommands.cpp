@@ -541,11 +541,12 @@ void AlignTexturesXCommand(int number, CommandSource /*source*/)
         options.Side = 2;
         result = map::AlignTexturesX(map.Level, map.Select.Selection, options, WallTextureSizes());
     }
-    if (result != map::AlignResult::Done)
+    if (result == map::AlignResult::NothingDone)
     {
         (void)map::DropLastUndoStep();
         return;
     }
+    // A walk refused halfway keeps the sides it aligned; the step takes them back.
     AfterEdit(map.Level);
 }
 

@@ -277,6 +277,15 @@ AlignResult AlignTexturesX(LevelData& level, const ObjectList& list, const XAlig
         return AlignResult::NothingDone;
     }
 
+    // A walk stopped halfway keeps what it did: the sides before the stop stay aligned.
+    const auto stopped = [&level](std::size_t aligned)
+    {
+        if (aligned > 0)
+        {
+            NoteChange(level, KindSideDef);
+        }
+        return AlignResult::Refused;
+    };
     int running = options.InitialOffset.value_or(0);
     std::optional<TextureName> previous;
     for (std::size_t i = 0; i < walk.size(); ++i)
@@ -295,12 +304,12 @@ AlignResult AlignTexturesX(LevelData& level, const ObjectList& list, const XAlig
         if (options.SameTexture && previous && !SameTextureName(*previous, texture) &&
             !GoOnPastNewTexture(step.Side, *previous, texture, which))
         {
-            return AlignResult::Refused;
+            return stopped(i);
         }
         previous = texture;
         if (i > 0 && !SidesMeet(view, walk[i - 1], step, options.Side))
         {
-            return AlignResult::Refused;
+            return stopped(i);
         }
         const int scale = known ? size->XScale : 8;
         const int offset = !known ? 0 : (scale != 8 ? scale * running / 8 : running);

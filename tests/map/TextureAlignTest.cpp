@@ -145,6 +145,7 @@ TEST_F(TextureAlignTest, ADifferentTextureAsksAndNoStopsTheWalk)
               (std::vector<std::string>{"DIFFERENT TEXTURES", "SideDef 4, Texture Different",
                                         "Texture BRICK followed by stone", "Texture stone used"}));
     EXPECT_EQ(level.SideDefs[4].XOffset, 99) << "the walk stopped before it";
+    EXPECT_EQ(level.SideDefs[2].XOffset, 36) << "and kept what it did before the stop";
 
     // The same name in another case is the same texture: no question.
     Ui.Messages.clear();
