@@ -256,6 +256,22 @@ TEST_F(ObjectOpsTest, VerticalOffsetsFollowTheFirstSidesCeilingAndWrapAt128)
         << "128 - 300 = -172 keeps its sign and wraps at 128, whatever the texture's height";
 }
 
+TEST_F(ObjectOpsTest, HorizontalOffsetsRunAlongTheTopsOfThreeRoomsAndUndoTakesThemBack)
+{
+    Map().Level = ThreeRooms(0, 0, 0).Build();
+    const TextureSizeOf sizes = [](const TextureName&) -> std::optional<TextureSize> {
+        return TextureSize{96, 128, 8, 8};
+    };
+    // The tops, LineDefs 1, 3 and 5, each 128 long, run east: 0, 128 % 96, 256 % 96.
+    const LevelData after = FourStates(
+        [&sizes](LevelData& level) {
+            EXPECT_EQ(AlignTexturesX(level, Marked({5, 1, 3}), {}, sizes), AlignResult::Done);
+        });
+    EXPECT_EQ(after.SideDefs[after.LineDefs[1].SideDef1].XOffset, 0);
+    EXPECT_EQ(after.SideDefs[after.LineDefs[3].SideDef1].XOffset, 32);
+    EXPECT_EQ(after.SideDefs[after.LineDefs[5].SideDef1].XOffset, 64);
+}
+
 TEST_F(ObjectOpsTest, ASidesCeilingIsTheLowerOfTheTwoWhereTheOtherIsAboveItsFloor)
 {
     testkit::LevelBuilder rooms = ThreeRooms(0, 0, 0);
