@@ -1,0 +1,142 @@
+// Outside picture files: a decoded picture brought to the game palette.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "gfx/PictureFile.h"
+
+#include "gfx/GamePalette.h"
+#include "platform/Ui.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <unordered_map>
+
+namespace kelvar::gfx
+{
+namespace
+{
+
+// The game-palette index of each pixel, before scaling.
+std::vector<uint8_t> GameIndexes(const DecodedPicture& picture, const Palette& gamePalette,
+                                 const PictureOptions& options, PictureRead& read)
+{
+    std::vector<uint8_t> indexes;
+    if (picture.Indexed)
+    {
+        read.FilePalette = picture.FilePalette;
+        read.Translation = MatchPaletteTable(picture.FilePalette, gamePalette, options.Margins);
+        indexes = picture.Indexes;
+        if (options.MatchPalette)
+        {
+            for (uint8_t& index : indexes)
+            {
+                index = read.Translation[index];
+            }
+        }
+        return indexes;
+    }
+    // Direct colours are matched once per distinct colour: pictures repeat their colours.
+    read.FilePalette = gamePalette;
+    read.Translation = IdentityTable();
+    std::unordered_map<uint32_t, uint8_t> matched;
+    indexes.reserve(picture.Colors.size());
+    for (const Rgb& color : picture.Colors)
+    {
+        const uint32_t key =
+            (uint32_t{color.red} << 16) | (uint32_t{color.green} << 8) | color.blue;
+        auto [at, added] = matched.try_emplace(key, uint8_t{0});
+        if (added)
+        {
+            at->second = options.FastMatch ? FastMatchColor(gamePalette, color.red, color.green,
+                                                            color.blue, options.PngMatch)
+                                           : MatchColor(gamePalette, color.red, color.green,
+                                                        color.blue, options.Margins);
+        }
+        indexes.push_back(at->second);
+    }
+    return indexes;
+}
+
+} // namespace
+
+PictureRead ToGamePalette(const DecodedPicture& picture, const Palette& gamePalette,
+                          const PictureOptions& options)
+{
+    PictureRead read;
+    read.Bits = picture.Bits;
+    std::vector<uint8_t> indexes = GameIndexes(picture, gamePalette, options, read);
+    if (options.TransparentIndex >= 0 && options.TransparentIndex < 256 &&
+        picture.Alpha.size() == indexes.size())
+    {
+        for (size_t i = 0; i < indexes.size(); ++i)
+        {
+            if (picture.Alpha[i] < 128)
+            {
+                indexes[i] = static_cast<uint8_t>(options.TransparentIndex);
+            }
+        }
+    }
+    const int scale = std::max(options.Scale, 1);
+    read.Raster = ImageRaster(picture.Width * scale, picture.Height * scale);
+    for (int y = 0; y < read.Raster.Height(); ++y)
+    {
+        const uint8_t* source =
+            indexes.data() + static_cast<size_t>(y / scale) * static_cast<size_t>(picture.Width);
+        uint8_t* row = read.Raster.Row(y);
+        for (int x = 0; x < read.Raster.Width(); ++x)
+        {
+            row[x] = source[x / scale];
+        }
+    }
+    read.Raster.leftOffset = picture.LeftOffset;
+    read.Raster.topOffset = picture.TopOffset;
+    return read;
+}
+
+PictureOptions PictureOptionsFromSettings(bool matchPalette, int scale)
+{
+    const PaletteOptions& settings = Palettes().Options;
+    PictureOptions options;
+    options.MatchPalette = matchPalette;
+    options.Scale = scale;
+    options.PngMatch = settings.PngMatch;
+    options.Margins = settings.Margins;
+    return options;
+}
+
+void SetLastImageKind(int kind)
+{
+    Palettes().LastImageKind = kind;
+}
+
+int LastImageKind()
+{
+    return Palettes().LastImageKind;
+}
+
+int WritePictureBytes(const std::filesystem::path& path, std::span<const uint8_t> bytes)
+{
+    std::FILE* file = std::fopen(path.c_str(), "wb");
+    if (file == nullptr)
+    {
+        return WriteCreateFailed;
+    }
+    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
+    return std::fclose(file) == 0 && written ? WriteDone : WriteFailed;
+}
+
+std::optional<std::filesystem::path>
+ChoosePictureFile(const std::string& caption, const std::string& name, const std::string& extension)
+{
+    platform::FileChoice choice;
+    choice.Caption = caption;
+    choice.Filter = caption.substr(0, 3) + " (*" + extension + ")|*" + extension + "|";
+    choice.InitialPath = Palettes().PictureFolder / (name + extension);
+    choice.ForSaving = true;
+    std::optional<std::filesystem::path> path = platform::TheUi().ChooseFile(choice);
+    if (path)
+    {
+        Palettes().PictureFolder = path->parent_path();
+    }
+    return path;
+}
+
+} // namespace kelvar::gfx
