@@ -65,6 +65,14 @@ public:
         return Items[index];
     }
 
+    /// Gives an entry its picture class and group: a note about the entry, not a change of
+    /// the directory, so the stamp stays.
+    void Tag(std::size_t index, std::uint16_t classCode, std::uint16_t group)
+    {
+        Items[index].ClassCode = classCode;
+        Items[index].LumpGroup = group;
+    }
+
     /// A number that changes with every change of the entries, so that what is built from
     /// them (the texture lumps, the name lists) knows when to build again. Never 0 once the
     /// directory has been changed.

@@ -26,11 +26,9 @@ void MarkPictures(LumpDirectory& master, const MarkerRun& run, std::uint16_t gro
 {
     for (int i = run.First; run.Count > 0 && i < run.First + run.Count; ++i)
     {
-        LumpEntry& entry = master.Edit(static_cast<std::size_t>(i));
-        if (entry.Size > 12)
+        if (master[static_cast<std::size_t>(i)].Size > 12)
         {
-            entry.ClassCode = ClassPicture;
-            entry.LumpGroup = group;
+            master.Tag(static_cast<std::size_t>(i), ClassPicture, group);
         }
     }
 }
