@@ -8,6 +8,8 @@
 #include "app/StatusFiles.h"
 #include "game/GameState.h"
 #include "game/OptFile.h"
+#include "gfx/TextureCatalogue.h"
+#include "gfx/TextureLumps.h"
 #include "map/MapState.h"
 #include "map/ObjectStore.h"
 #include "map/Selection.h"
@@ -259,6 +261,12 @@ void ApplyWadSettings()
     {
         Shell().Project.ViewX = wad::UnsetViewPosition;
         Shell().Project.ViewY = wad::UnsetViewPosition;
+    };
+    // With every file closing, what was read from them goes too.
+    wad.Hooks.DropCatalogues = []
+    {
+        gfx::Catalogue() = {};
+        gfx::TextureLumps() = {};
     };
 }
 
