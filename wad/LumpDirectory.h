@@ -73,6 +73,9 @@ public:
         Items[index].LumpGroup = group;
     }
 
+    /// Keeps the LumpKind that classification found for an entry; a note, like Tag.
+    void SetKind(std::size_t index, std::uint16_t kind) { Items[index].Kind = kind; }
+
     /// A number that changes with every change of the entries, so that what is built from
     /// them (the texture lumps, the name lists) knows when to build again. Never 0 once the
     /// directory has been changed.
