@@ -22,6 +22,7 @@ declare -A allowed=(
     [app]="platform wad map game gfx sound view check tools lumps run res"
     [cli]="platform wad map game gfx sound view check tools lumps run app res"
     [kelvarbsp]="platform wad map"
+    [kelvarmus]="platform wad sound"
 )
 
 status=0
