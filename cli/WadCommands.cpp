@@ -4,12 +4,14 @@
 
 #include "cli/Commands.h"
 #include "game/GameState.h"
+#include "gfx/LumpKind.h"
 #include "map/MapState.h"
 #include "wad/FileChecks.h"
 #include "wad/FileTable.h"
 #include "wad/GameIdentity.h"
 #include "wad/LevelList.h"
 #include "wad/LevelReader.h"
+#include "wad/MarkerRanges.h"
 #include "wad/WadState.h"
 
 #include <cstdio>
@@ -95,14 +97,27 @@ int ListLumps(const std::vector<std::string>& files)
     {
         return status;
     }
+    wad::BuildMarkerLists(); // the flat runs, which tell a flat by its name
     const wad::LumpDirectory& master = wad::Master();
-    std::printf("%6s  %-8s  %4s  %10s  %10s\n", "index", "name", "file", "offset", "size");
+    std::printf("%6s  %-8s  %4s  %10s  %10s  %s\n", "index", "name", "file", "offset", "size",
+                "kind");
+    // The lumps of a level show the level's kind, not what their bytes happen to look like.
+    std::size_t levelEnd = 0;
+    std::string_view levelKind;
     for (std::size_t i = 0; i < master.Size(); ++i)
     {
+        std::string_view kind = levelKind;
+        if (i >= levelEnd)
+        {
+            const gfx::EntryClass found = gfx::ClassifyDirectoryEntry("", static_cast<int>(i));
+            kind = found.KindName;
+            levelEnd = i + static_cast<std::size_t>(found.LevelLumpCount);
+            levelKind = kind;
+        }
         const wad::LumpEntry& entry = master[i];
         const std::string name = Printable(entry.Name);
-        std::printf("%6zu  %-8s  %4d  %10d  %10d\n", i, name.c_str(), entry.FileNumber,
-                    entry.Offset, entry.Size);
+        std::printf("%6zu  %-8s  %4d  %10d  %10d  %.*s\n", i, name.c_str(), entry.FileNumber,
+                    entry.Offset, entry.Size, static_cast<int>(kind.size()), kind.data());
     }
     return status;
 }

@@ -41,13 +41,13 @@ TEST(KelvarCli, LumpsShowsAPwadLevelInTheIwadsSlots)
         RunCli("lumps " + testkit::FreedoomWad("freedoom2.wad") + " " + pwad, dir);
     ASSERT_EQ(output.Status, 0);
     ASSERT_EQ(output.Lines.size(), 1u + 3649 + 1 + 1);
-    EXPECT_EQ(output.Lines[0], " index  name      file      offset        size");
-    EXPECT_EQ(output.Lines[1], "     0  MAP01        1          12           0");
-    EXPECT_EQ(output.Lines[2], "     1  THINGS       1          12           8");
-    EXPECT_EQ(output.Lines[3], "     2  LINEDEFS     1          28           8");
-    EXPECT_EQ(output.Lines[5], "     4  VERTEXES     1          20           8");
-    EXPECT_EQ(output.Lines[11], "    10  BLOCKMAP     1          52           8");
-    EXPECT_EQ(output.Lines[3651], "  3650  NEWLUMP      1          92           3");
+    EXPECT_EQ(output.Lines[0], " index  name      file      offset        size  kind");
+    EXPECT_EQ(output.Lines[1], "     0  MAP01        1          12           0  LEVEL");
+    EXPECT_EQ(output.Lines[2], "     1  THINGS       1          12           8  LEVEL");
+    EXPECT_EQ(output.Lines[3], "     2  LINEDEFS     1          28           8  LEVEL");
+    EXPECT_EQ(output.Lines[5], "     4  VERTEXES     1          20           8  LEVEL");
+    EXPECT_EQ(output.Lines[11], "    10  BLOCKMAP     1          52           8  LEVEL");
+    EXPECT_EQ(output.Lines[3651], "  3650  NEWLUMP      1          92           3  LUMP");
 }
 
 TEST(KelvarCli, ABadFileIsReportedOnStderrWithAFailingStatus)
