@@ -204,17 +204,20 @@ std::optional<std::string> WavToSnd(std::span<const std::uint8_t> lump,
 std::vector<std::uint8_t> ReadRange(std::FILE* file, std::int64_t offset, std::int64_t size)
 {
     std::vector<std::uint8_t> bytes;
-    if (std::fseek(file, 0, SEEK_END) != 0)
+    if (size < 0)
+    {
+        // Unknown: the rest of the file.
+        if (std::fseek(file, 0, SEEK_END) != 0)
+        {
+            return bytes;
+        }
+        size = std::ftell(file) - offset;
+    }
+    if (offset < 0 || size <= 0 || std::fseek(file, offset, SEEK_SET) != 0)
     {
         return bytes;
     }
-    const std::int64_t end = std::ftell(file);
-    if (offset < 0 || offset > end || std::fseek(file, offset, SEEK_SET) != 0)
-    {
-        return bytes;
-    }
-    const std::int64_t available = end - offset;
-    bytes.resize(static_cast<std::size_t>(size < 0 ? available : std::min(size, available)));
+    bytes.resize(static_cast<std::size_t>(size));
     bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file));
     return bytes;
 }
