@@ -382,6 +382,8 @@ int ExportOneMusic(const FoundLump& lump, const std::string& output)
     }
     if (auto error = sound::MusToMidi(lump.Stream, lump.Offset, lump.Size, output, 0, false))
     {
+        std::error_code ignored;
+        fs::remove(output, ignored); // made empty to test the name
         return ConversionRefused(output, lump.Name, *error);
     }
     return ExitOk;

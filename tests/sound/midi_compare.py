@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 # Compares MIDI files with the same music after MIDI -> MUS -> MIDI, using mido as an independent
-# reader. Usage: midi_compare.py ORIGINAL BACK [ORIGINAL BACK ...]. For every channel of the
-# original there must be a channel of the copy with the same notes, velocities, program changes,
+# reader. Usage: midi_compare.py SOURCE BACK [SOURCE BACK ...]. For every channel of the
+# source there must be a channel of the copy with the same notes, velocities, program changes,
 # controllers and pitch wheel (at MUS's 8-bit precision), each at the same time within one MUS
 # tick of the rounding after the tempo change. Prints one line per pair; exits 1 on any difference.
 import sys
@@ -40,12 +40,12 @@ def events(path):
     return channels
 
 
-def compare(original_path, back_path):
-    original = events(original_path)
+def compare(source_path, back_path):
+    source = events(source_path)
     back = events(back_path)
     unused = dict(back)
     worst = 0.0
-    for channel, theirs in sorted(original.items()):
+    for channel, theirs in sorted(source.items()):
         wanted = [what for _, what in theirs]
         match = next((c for c, ours in unused.items() if [w for _, w in ours] == wanted), None)
         if match is None:
@@ -65,13 +65,13 @@ def compare(original_path, back_path):
 def main():
     failed = False
     paths = sys.argv[1:]
-    for original, back in zip(paths[0::2], paths[1::2]):
-        result = compare(original, back)
+    for source, back in zip(paths[0::2], paths[1::2]):
+        result = compare(source, back)
         if isinstance(result, str):
             failed = True
-            print('%s: %s' % (original, result))
+            print('%s: %s' % (source, result))
         else:
-            print('%s: same events, times within %.4f s' % (original, result[1]))
+            print('%s: same events, times within %.4f s' % (source, result[1]))
     sys.exit(1 if failed else 0)
 
 
