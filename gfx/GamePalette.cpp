@@ -109,7 +109,7 @@ wad::StreamPtr OpenGameFileForCall(std::optional<wad::LumpEntry>& playpal)
     }
     for (const wad::LumpEntry& entry : wad::ReadDirectoryQuietly(stream.get(), nullptr))
     {
-        if (entry.Name == wad::LumpName::From("PLAYPAL"))
+        if (entry.Name.Is("PLAYPAL"))
         {
             playpal = entry;
         }
