@@ -12,7 +12,9 @@
 #include <array>
 #include <cstring>
 #include <optional>
+#include <stdio_ext.h>
 #include <string>
+#include <unistd.h>
 
 namespace kelvar::gfx
 {
@@ -199,13 +201,23 @@ bool InRunByName(const wad::LumpDirectory& master, const wad::MarkerRun& run,
     return at >= 0;
 }
 
-// Reads up to PrefixBytes of the lump; what the file does not hold stays 0.
+// Reads up to PrefixBytes of the lump; what the file does not hold stays 0. A positioned read
+// of the file descriptor costs one system call and leaves the stream's position and buffer
+// alone; the stream itself is used when it holds written bytes not yet in the file.
 std::array<std::uint8_t, PrefixBytes> ReadPrefix(std::FILE* file, std::int64_t offset,
                                                  std::int64_t size)
 {
     std::array<std::uint8_t, PrefixBytes> bytes{};
     const auto wanted = static_cast<std::size_t>(std::min<std::int64_t>(size, PrefixBytes));
-    if (file != nullptr && wanted > 0 && std::fseek(file, static_cast<long>(offset), SEEK_SET) == 0)
+    if (file == nullptr || wanted == 0 || offset < 0)
+    {
+        return bytes;
+    }
+    if (__fpending(file) == 0)
+    {
+        (void)pread(fileno(file), bytes.data(), wanted, static_cast<off_t>(offset));
+    }
+    else if (std::fseek(file, static_cast<long>(offset), SEEK_SET) == 0)
     {
         (void)std::fread(bytes.data(), 1, wanted, file);
     }

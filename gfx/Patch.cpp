@@ -85,6 +85,40 @@ void PutPixel(ImageRaster& target, const Layout& layout, int column, int row, st
     }
 }
 
+// Draws the `count` pixels of a post, the first at `row`; a post stops at the target's height.
+void DrawPost(const std::uint8_t* pixels, int count, int row, int column, ImageRaster& target,
+              const Layout& layout, std::uint8_t fillIndex, PatchDecode& result)
+{
+    bool used = false;
+    if (layout.Repeat == 1 && layout.Step == 1)
+    {
+        // The usual case, straight down the column; rows above the top are passed over.
+        const int first = std::max(0, -row);
+        const int end = std::min(count, target.Height() - row);
+        const auto pitch = static_cast<std::ptrdiff_t>(target.Pitch());
+        std::uint8_t* out = target.Row(0) + (row + first) * pitch + column;
+        for (int i = first; i < end; ++i, out += pitch)
+        {
+            *out = pixels[i];
+            used |= pixels[i] == fillIndex;
+        }
+    }
+    else
+    {
+        for (int i = 0; i < count; ++i)
+        {
+            const int y = row + i;
+            if (y >= 0 && (y / layout.Step) * layout.Repeat >= target.Height())
+            {
+                break;
+            }
+            used |= pixels[i] == fillIndex;
+            PutPixel(target, layout, column, y, pixels[i]);
+        }
+    }
+    result.TransparentUsed = result.TransparentUsed || used;
+}
+
 // Draws the posts of one column starting at `offset`. Returns false when a post runs past the
 // end of the lump.
 bool DecodeColumn(std::span<const std::uint8_t> lump, std::size_t offset, int column,
@@ -93,8 +127,7 @@ bool DecodeColumn(std::span<const std::uint8_t> lump, std::size_t offset, int co
 {
     const std::size_t size = lump.size();
     std::size_t at = offset;
-    std::uint8_t delta = lump[at];
-    std::int16_t row = static_cast<std::int16_t>(delta);
+    auto row = static_cast<std::int16_t>(lump[at]);
     while (true)
     {
         if (at + 3 > size)
@@ -103,33 +136,21 @@ bool DecodeColumn(std::span<const std::uint8_t> lump, std::size_t offset, int co
         }
         const int count = lump[at + 1];
         at += 3; // delta, count, pad
-        for (int i = 0; i < count; ++i, ++at)
+        if (at + static_cast<std::size_t>(count) > size)
         {
-            const int y = row + i;
-            if (at >= size)
-            {
-                return false;
-            }
-            if (y >= 0 && (y / layout.Step) * layout.Repeat >= target.Height())
-            {
-                at += static_cast<std::size_t>(count - i);
-                break;
-            }
-            const std::uint8_t pixel = lump[at];
-            result.TransparentUsed = result.TransparentUsed || pixel == fillIndex;
-            PutPixel(target, layout, column, y, pixel);
+            return false;
         }
-        at += 1; // closing pad
+        DrawPost(lump.data() + at, count, row, column, target, layout, fillIndex, result);
+        at += static_cast<std::size_t>(count) + 1; // the pixels and the closing pad
         if (at >= size)
         {
             return false;
         }
-        delta = lump[at];
-        if (delta == 255)
+        if (lump[at] == 255)
         {
             return true;
         }
-        row = NextPostRow(row, delta);
+        row = NextPostRow(row, lump[at]);
     }
 }
 
