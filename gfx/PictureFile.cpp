@@ -7,12 +7,15 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <unordered_map>
 
 namespace kelvar::gfx
 {
 namespace
 {
+
+// The colour cache of direct-colour pictures: 2^CacheBits slots, one colour each.
+constexpr int CacheBits = 12;
+constexpr size_t CacheSlots = size_t{1} << CacheBits;
 
 // The game-palette index of each pixel, before scaling.
 std::vector<uint8_t> GameIndexes(const DecodedPicture& picture, const Palette& gamePalette,
@@ -33,24 +36,29 @@ std::vector<uint8_t> GameIndexes(const DecodedPicture& picture, const Palette& g
         }
         return indexes;
     }
-    // Direct colours are matched once per distinct colour: pictures repeat their colours.
+    // Direct colours are matched through a small cache: pictures repeat their colours, and
+    // a cache slot costs no allocation where a picture of all different colours misses.
     read.FilePalette = gamePalette;
     read.Translation = IdentityTable();
-    std::unordered_map<uint32_t, uint8_t> matched;
+    constexpr uint32_t Empty = 0xFFFFFFFF;
+    std::vector<uint32_t> cachedColor(CacheSlots, Empty);
+    std::vector<uint8_t> cachedIndex(CacheSlots, 0);
     indexes.reserve(picture.Colors.size());
     for (const Rgb& color : picture.Colors)
     {
         const uint32_t key =
             (uint32_t{color.red} << 16) | (uint32_t{color.green} << 8) | color.blue;
-        auto [at, added] = matched.try_emplace(key, uint8_t{0});
-        if (added)
+        const size_t slot = (key * 2654435761u) >> (32 - CacheBits);
+        if (cachedColor[slot] != key)
         {
-            at->second = options.FastMatch ? FastMatchColor(gamePalette, color.red, color.green,
-                                                            color.blue, options.PngMatch)
-                                           : MatchColor(gamePalette, color.red, color.green,
-                                                        color.blue, options.Margins);
+            cachedColor[slot] = key;
+            cachedIndex[slot] =
+                options.FastMatch
+                    ? FastMatchColor(gamePalette, color.red, color.green, color.blue,
+                                     options.PngMatch)
+                    : MatchColor(gamePalette, color.red, color.green, color.blue, options.Margins);
         }
-        indexes.push_back(at->second);
+        indexes.push_back(cachedIndex[slot]);
     }
     return indexes;
 }
