@@ -6,8 +6,10 @@
 #include "cli/GameCommands.h"
 #include "cli/KeyCommands.h"
 #include "cli/LevelCommands.h"
+#include "cli/PaletteCommands.h"
 #include "cli/RenderCommands.h"
 #include "cli/SaveCommands.h"
+#include "cli/SoundCommands.h"
 #include "cli/StatusCommands.h"
 #include "cli/WadCommands.h"
 #include "map/Selection.h"
@@ -38,9 +40,10 @@ void PrintUsage(std::FILE* out)
                "                          one level: its layout, object counts, node lumps\n"
                "                          and bounding box\n"
                "  render IWAD [PWAD...] MAPNAME -o FILE.png [--mode MODE] [--size WxH]\n"
-               "                          the level drawn as the map window shows it at its\n"
+               "         [--sprites]      the level drawn as the map window shows it at its\n"
                "                          best fit; MODE is things, linedefs (the default),\n"
-               "                          vertexes or sectors; the size defaults to 1280x960\n"
+               "                          vertexes or sectors; the size defaults to 1280x960;\n"
+               "                          --sprites shows Things as their sprites\n"
                "  keys [--menus]          the shortcut list: key, command, name; (-) marks a\n"
                "                          command that is unavailable: greyed in the menus,\n"
                "                          its key only beeps. --menus: the menu bar of each\n"
@@ -62,6 +65,26 @@ void PrintUsage(std::FILE* out)
                "                          floor, ceiling, light, type, tag of Sectors);\n"
                "                          run NUMBER (any command). Questions take their first\n"
                "                          answer, number prompts their offered value\n"
+               "  sound export IWAD [PWAD...] LUMP -o FILE.wav|FILE.snd\n"
+               "                          a sound lump as a WAV file (or as an SND lump)\n"
+               "  sound export IWAD [PWAD...] --all -d DIR\n"
+               "                          every sound lump as DIR/name.wav\n"
+               "  sound import FILE.wav -o OUT.wad [--name LUMP]\n"
+               "                          a PWAD holding the wave as a sound lump\n"
+               "  music export IWAD [PWAD...] LUMP -o FILE.mid|FILE.mus [--tempo N]\n"
+               "                          a music lump as a MIDI file (MUS converted with the\n"
+               "                          division N, 89 by default) or as a MUS lump (MIDI\n"
+               "                          converted by kelvarmus at N ticks a second, 140)\n"
+               "  music import FILE.mid -o OUT.wad [--name LUMP] [--tempo N]\n"
+               "                          a PWAD holding the MIDI file converted to MUS\n"
+               "  music render IWAD [PWAD...] LUMP -o FILE.wav [--soundfont FILE.sf2]\n"
+               "                          a music lump played into a wave by fluidsynth\n"
+               "  palette export IWAD [PWAD...] -o FILE.pal|FILE.pac|FILE.png [--palette N]\n"
+               "                          PLAYPAL's palette N (0 by default) as a JASC text\n"
+               "                          palette, 768 bytes, or a 16 by 16 swatch picture\n"
+               "  palette build IWAD [PWAD...] -o FILE [--palette N]\n"
+               "                          a COLORMAP lump: 32 light maps faded to black from\n"
+               "                          palette N, the files' maps past 31 kept\n"
                "  status FILE             a status file's frame and every named field\n"
                "  status --build DIR      writes all control files into DIR\n"
                "  types GAME things|lines|sectors [--opt FILE]\n"
@@ -136,6 +159,18 @@ int Run(int argc, char** argv)
     if (command == "edit")
     {
         return EditLevel(rest);
+    }
+    if (command == "sound")
+    {
+        return SoundCommand(rest);
+    }
+    if (command == "music")
+    {
+        return MusicCommand(rest);
+    }
+    if (command == "palette")
+    {
+        return PaletteCommand(rest);
     }
     if (command == "status" && !rest.empty())
     {

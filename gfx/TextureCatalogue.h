@@ -74,6 +74,7 @@ struct PatchRecord
     std::int32_t Offset = 0;
     std::int32_t Size = 0;
     int DirectoryIndex = -1;
+    std::vector<std::uint8_t> Data; // the lump's bytes once read, when small enough to keep
 };
 
 /// A Boom colormap name from the C_START run.

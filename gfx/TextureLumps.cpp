@@ -170,16 +170,17 @@ std::optional<TextureRecord> TextureLump::Record(int index) const
 
 std::vector<TexturePatch> TextureLump::Patches(int index) const
 {
-    std::vector<TexturePatch> patches;
     const std::optional<TextureRecord> record = Record(index);
-    if (!record)
-    {
-        return patches;
-    }
-    for (int i = 0; i < record->PatchCount; ++i)
+    return record ? Patches(*record) : std::vector<TexturePatch>();
+}
+
+std::vector<TexturePatch> TextureLump::Patches(const TextureRecord& record) const
+{
+    std::vector<TexturePatch> patches;
+    for (int i = 0; i < record.PatchCount; ++i)
     {
         const std::size_t at =
-            record->Offset + static_cast<std::size_t>(Layout.HeadSize) +
+            record.Offset + static_cast<std::size_t>(Layout.HeadSize) +
             static_cast<std::size_t>(i) * static_cast<std::size_t>(Layout.PatchSize);
         if (at + 6 > Bytes.size())
         {

@@ -81,8 +81,9 @@ public:
     int File() const { return File_; }
     /// The record of texture `index`; nothing when its offset or head lies outside the lump.
     std::optional<TextureRecord> Record(int index) const;
-    /// The patches of texture `index`, as many as the lump holds.
+    /// The patches of texture `index`, or of a record this lump gave, as many as it holds.
     std::vector<TexturePatch> Patches(int index) const;
+    std::vector<TexturePatch> Patches(const TextureRecord& record) const;
     /// The first texture of that name (8 characters, case ignored).
     std::optional<TextureRecord> Find(const wad::LumpName& name) const;
 
