@@ -4,6 +4,7 @@
 
 #include "app/Session.h"
 #include "app/ShellState.h"
+#include "gfx/GamePalette.h"
 #include "map/MapState.h"
 #include "platform/Messages.h"
 #include "view/HitTest.h"
@@ -99,7 +100,9 @@ void ChooseMode(int mode)
     // object under the cursor stay in every mode.
     if (mode == ModeThings)
     {
-        view::View().Options.SpriteDisplay = !view::View().Options.SpriteDisplay;
+        bool& sprites = view::View().Options.SpriteDisplay;
+        // The sprites are shown in the game's colours: the palette is read when first needed.
+        sprites = !sprites && (gfx::Palettes().Loaded || gfx::LoadGamePalette(0) == 1);
         Shell().Requests.Sound = SoundCue::Confirm;
     }
     Shell().Requests.RedrawMap = true;

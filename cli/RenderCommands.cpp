@@ -4,9 +4,11 @@
 
 #include "cli/Commands.h"
 #include "cli/WadCommands.h"
+#include "gfx/GamePalette.h"
 #include "map/MapState.h"
 #include "platform/raster/RasterCanvas.h"
 #include "view/Renderer.h"
+#include "wad/MarkerRanges.h"
 #include "wad/WadState.h"
 
 #include <cstdio>
@@ -25,6 +27,7 @@ struct RenderRequest
     int Mode = view::ModeLineDefs;
     int Width = 1280;
     int Height = 960;
+    bool Sprites = false; // Things as their sprites (in Thing mode)
 };
 
 // Reads the arguments; false (after saying why) when they don't make a request.
@@ -48,6 +51,10 @@ bool ParseRequest(const std::vector<std::string>& arguments, RenderRequest& requ
                              "kelvar-cli: --mode is things, linedefs, vertexes or sectors\n");
                 return false;
             }
+        }
+        else if (word == "--sprites")
+        {
+            request.Sprites = true;
         }
         else if (word == "--size" && hasValue)
         {
@@ -94,6 +101,12 @@ int RenderLevel(const std::vector<std::string>& arguments)
 
     view::ViewState state;
     state.Options.LevelFormat = wad::Wad().Game.Format;
+    if (request.Sprites)
+    {
+        // The sprites come from the sprite runs, in the game palette's colours.
+        wad::BuildMarkerLists();
+        state.Options.SpriteDisplay = gfx::LoadGamePalette(0) == 1;
+    }
     view::SetWindowSize(state.Viewport, request.Width, request.Height);
     view::BestFit(state.Viewport, level);
     platform::RasterCanvas canvas(request.Width, request.Height, view::ColorTable());

@@ -58,6 +58,19 @@ struct MonoBitmap
     bool At(int x, int y) const { return Bits[static_cast<std::size_t>(y * Width + x)] != 0; }
 };
 
+/// A picture of palette indexes in its own 256 colours (0x00RRGGBB), rows `Pitch` bytes apart:
+/// sprites and textures, coloured by the game's palette rather than the canvas's table. Pixels
+/// of `Transparent` (0 to 255; -1 for none) leave the canvas as it is.
+struct IndexedPicture
+{
+    int Width = 0;
+    int Height = 0;
+    int Pitch = 0;
+    std::span<const std::uint8_t> Pixels;
+    std::span<const std::uint32_t> Colors;
+    int Transparent = -1;
+};
+
 /// No brush: shapes are drawn as outlines only.
 inline constexpr int NullBrush = -1;
 
@@ -88,6 +101,9 @@ public:
     virtual void TextOut(int x, int y, std::string_view text) = 0;
     /// Draws the set pixels of `bitmap` with its top-left corner at (x, y).
     virtual void BlitMask(const MonoBitmap& bitmap, int x, int y, int color) = 0;
+    /// Draws the picture stretched into `target`, each canvas pixel taking the picture pixel
+    /// nearest to it; clipped to the canvas.
+    virtual void DrawPicture(const IndexedPicture& picture, const Rect& target) = 0;
     /// The picture is finished: show it.
     virtual void Flush() = 0;
 };

@@ -168,11 +168,12 @@ bool ThingsShown(int mode, const ViewState& view)
     return mode == ModeThings || view.Options.ThingsInAllModes;
 }
 
-void DrawThings(platform::Canvas& canvas, const map::LevelData& level, const ViewState& view)
+void DrawThings(platform::Canvas& canvas, const map::LevelData& level, const ViewState& view,
+                bool sprites)
 {
     for (const map::Thing& thing : level.Things)
     {
-        DrawThing(canvas, thing, view, false);
+        DrawThing(canvas, thing, view, false, sprites);
     }
 }
 
@@ -299,7 +300,7 @@ void DrawMap(platform::Canvas& canvas, const MapPicture& picture, const ViewStat
     }
     if (ThingsShown(picture.EditMode, view))
     {
-        DrawThings(canvas, level, view);
+        DrawThings(canvas, level, view, sprites);
     }
     DrawSelection(canvas, picture, view);
     canvas.Flush();

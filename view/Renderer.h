@@ -31,9 +31,10 @@ void DrawMap(platform::Canvas& canvas, const MapPicture& picture, const ViewStat
 /// Draws the selection and the highlighted object in XOR, so a second call erases them.
 void DrawSelection(platform::Canvas& canvas, const MapPicture& picture, const ViewState& view);
 
-/// Draws one Thing in its symbol, size and colour, with its arrow or label.
+/// Draws one Thing in its symbol, size and colour, with its arrow or label; with `sprite` as
+/// its type's sprite in the box of its radius instead.
 void DrawThing(platform::Canvas& canvas, const map::Thing& thing, const ViewState& view,
-               bool highlighted);
+               bool highlighted, bool sprite = false);
 
 /// Selects the pen of a special with a tag: teleports and scripts have their own colours.
 void SelectSpecialPen(platform::Canvas& canvas, std::uint32_t type, const ViewState& view);

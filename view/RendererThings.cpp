@@ -4,6 +4,7 @@
 #include "platform/Format.h"
 #include "view/Renderer.h"
 #include "view/RendererParts.h"
+#include "view/SpriteFrames.h"
 #include "view/TypeLooks.h"
 
 #include <algorithm>
@@ -93,10 +94,43 @@ std::string LabelOf(const map::Thing& thing, const ThingLook& look, const ViewSt
     return thing.Tid != 0 ? platform::Format(" %hdt", tid) : std::string();
 }
 
+// The sprite in the box of the pixel radius, as large as fits with its proportions kept, or a
+// framed question mark when the type has no readable sprite. A short Thing's box is halved.
+void DrawSprite(platform::Canvas& canvas, const ThingLook& look, int x, int y, int radius)
+{
+    if (look.Height < 33 && radius > 3)
+    {
+        radius /= 2;
+    }
+    const gfx::ImageRaster* frame = look.Sprite.empty() ? nullptr : SpriteFrame(look.Sprite);
+    if (frame == nullptr || frame->Empty())
+    {
+        canvas.SetPen(look.Color);
+        canvas.SetBrush(platform::NullBrush);
+        canvas.Rectangle(x - radius, y - radius, x + radius + 1, y + radius + 1);
+        canvas.TextOut(x - 2, y - 3, "?");
+        return;
+    }
+    const int box = 2 * radius + 1;
+    const double fit = std::min(static_cast<double>(box) / frame->Width(),
+                                static_cast<double>(box) / frame->Height());
+    const int width = std::max(1, static_cast<int>(frame->Width() * fit));
+    const int height = std::max(1, static_cast<int>(frame->Height() * fit));
+    platform::IndexedPicture picture;
+    picture.Width = frame->Width();
+    picture.Height = frame->Height();
+    picture.Pitch = frame->Pitch();
+    picture.Pixels = frame->Bytes();
+    picture.Colors = DisplayColors();
+    picture.Transparent = SpriteHoleIndex();
+    canvas.DrawPicture(
+        picture, {x - width / 2, y - height / 2, x - width / 2 + width, y - height / 2 + height});
+}
+
 } // namespace
 
 void DrawThing(platform::Canvas& canvas, const map::Thing& thing, const ViewState& view,
-               bool highlighted)
+               bool highlighted, bool sprite)
 {
     const MapViewport& viewport = view.Viewport;
     const ThingLook look = LookOfThing(thing, view.Options.LevelFormat);
@@ -121,6 +155,11 @@ void DrawThing(platform::Canvas& canvas, const map::Thing& thing, const ViewStat
         shape = game::ShapePlus; // too small for its text
     }
     canvas.SetPen(look.Color);
+    if (sprite)
+    {
+        DrawSprite(canvas, look, x, y, radius);
+        return;
+    }
 
     const std::string label = LabelOf(thing, look, view);
     if (!label.empty())

@@ -18,6 +18,8 @@ ThingLook LookOfThing(const map::Thing& thing, int levelFormat)
     look.Radius = row.Radius;
     look.Shape = row.Shape;
     look.ShapeText = std::string(game::Text(row.ShapeText));
+    look.Height = row.Height;
+    look.Sprite = std::string(game::Text(row.Sprite));
     // The row holds all the rest: no further search of the table for each Thing drawn.
     look.MapSpot = game::IsMapSpotProperty(row.Property);
     look.PlayerStart = game::IsPlayerStartProperty(row.Property);

@@ -24,6 +24,8 @@ struct ThingLook
     bool PolyObject = false; // labelled with its angle
     bool MapSpot = false;    // labelled with its TID
     bool PlayerStart = false;
+    int Height = 0;     // map units
+    std::string Sprite; // the frame shown for the type
 };
 
 /// The look of a Thing from its type's row, or from the unknown row (as before a game is

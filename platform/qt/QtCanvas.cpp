@@ -135,6 +135,30 @@ QImage PictureOf(const MonoBitmap& bitmap, QRgb rgb)
 
 } // namespace
 
+void QtCanvas::DrawPicture(const IndexedPicture& picture, const Rect& target)
+{
+    if (picture.Width <= 0 || picture.Height <= 0 || picture.Colors.size() < 256 ||
+        target.Right <= target.Left || target.Bottom <= target.Top)
+    {
+        return;
+    }
+    // The pixels are wrapped, not copied; the colour table carries the transparent index as a
+    // clear colour.
+    QImage image(picture.Pixels.data(), picture.Width, picture.Height, picture.Pitch,
+                 QImage::Format_Indexed8);
+    QList<QRgb> colors(256);
+    for (int i = 0; i < 256; ++i)
+    {
+        colors[i] = i == picture.Transparent
+                        ? qRgba(0, 0, 0, 0)
+                        : (0xFF000000u | picture.Colors[static_cast<std::size_t>(i)]);
+    }
+    image.setColorTable(colors);
+    Painter.drawImage(
+        QRect(target.Left, target.Top, target.Right - target.Left, target.Bottom - target.Top),
+        image);
+}
+
 void QtCanvas::BlitMask(const MonoBitmap& bitmap, int x, int y, int color)
 {
     if (bitmap.Width <= 0 || bitmap.Height <= 0)

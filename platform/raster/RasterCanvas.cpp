@@ -284,6 +284,35 @@ void RasterCanvas::TextOut(int x, int y, std::string_view text)
     }
 }
 
+void RasterCanvas::DrawPicture(const IndexedPicture& picture, const Rect& target)
+{
+    const int width = target.Right - target.Left;
+    const int height = target.Bottom - target.Top;
+    if (width <= 0 || height <= 0 || picture.Width <= 0 || picture.Height <= 0 ||
+        picture.Colors.size() < 256 ||
+        picture.Pixels.size() <
+            static_cast<std::size_t>(picture.Pitch) * static_cast<std::size_t>(picture.Height - 1) +
+                static_cast<std::size_t>(picture.Width))
+    {
+        return;
+    }
+    for (int y = std::max(target.Top, 0); y < std::min(target.Bottom, H); ++y)
+    {
+        const int row = (y - target.Top) * picture.Height / height;
+        const std::uint8_t* source =
+            picture.Pixels.data() +
+            static_cast<std::size_t>(row) * static_cast<std::size_t>(picture.Pitch);
+        for (int x = std::max(target.Left, 0); x < std::min(target.Right, W); ++x)
+        {
+            const std::uint8_t index = source[(x - target.Left) * picture.Width / width];
+            if (index != picture.Transparent)
+            {
+                Pixels[static_cast<std::size_t>(y * W + x)] = picture.Colors[index] & 0xFFFFFFu;
+            }
+        }
+    }
+}
+
 void RasterCanvas::BlitMask(const MonoBitmap& bitmap, int x, int y, int color)
 {
     const std::uint32_t rgb = ColorOf(color);

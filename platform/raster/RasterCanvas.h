@@ -34,6 +34,7 @@ public:
     void FillRect(const Rect& rect, int color) override;
     void TextOut(int x, int y, std::string_view text) override;
     void BlitMask(const MonoBitmap& bitmap, int x, int y, int color) override;
+    void DrawPicture(const IndexedPicture& picture, const Rect& target) override;
     void Flush() override {}
 
     /// The pixel at (x, y), 0x00RRGGBB.

@@ -93,6 +93,12 @@ void RecordingCanvas::TextOut(int x, int y, std::string_view text)
     Record("TextOut", {x, y}, std::string(text));
 }
 
+void RecordingCanvas::DrawPicture(const IndexedPicture& picture, const Rect& target)
+{
+    Record("DrawPicture",
+           {target.Left, target.Top, target.Right, target.Bottom, picture.Width, picture.Height});
+}
+
 void RecordingCanvas::BlitMask(const MonoBitmap& bitmap, int x, int y, int color)
 {
     Record("BlitMask", {x, y, bitmap.Width, bitmap.Height, color});

@@ -42,6 +42,7 @@ public:
     void FillRect(const Rect& rect, int color) override;
     void TextOut(int x, int y, std::string_view text) override;
     void BlitMask(const MonoBitmap& bitmap, int x, int y, int color) override;
+    void DrawPicture(const IndexedPicture& picture, const Rect& target) override;
     void Flush() override;
 
     /// A drawn line segment with the pen and mode it was drawn in.
