@@ -31,6 +31,16 @@ std::optional<int> Ui::ChooseEntry(const std::string& caption,
     return choice;
 }
 
+std::optional<std::string> Ui::Browse(const BrowseRequest& request)
+{
+    const std::optional<int> choice = ChooseFromList(request.Caption, request.Names);
+    if (!choice || *choice < 0 || static_cast<std::size_t>(*choice) >= request.Names.size())
+    {
+        return std::nullopt;
+    }
+    return request.Names[static_cast<std::size_t>(*choice)];
+}
+
 std::string Message::Text() const
 {
     std::string text;

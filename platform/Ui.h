@@ -61,6 +61,15 @@ struct FileChoice
     bool ForSaving = false;
 };
 
+/// What a picture browser opens on: a grid of thumbnails from which the user picks one name.
+struct BrowseRequest
+{
+    std::string Caption;
+    int Variant = 0;                // which browser; the application numbers them
+    std::vector<std::string> Names; // the names offered, in the order shown
+    int Current = 0;                // the name framed when the browser opens
+};
+
 /// The operations the system needs of the user interface. The core reaches them only through
 /// TheUi(); the editor installs a Qt implementation, the CLI a console one, tests a recorder.
 class Ui
@@ -89,6 +98,11 @@ public:
     virtual std::optional<int> ChooseEntry(const std::string& caption,
                                            const std::vector<std::string>& items,
                                            const std::vector<bool>& enabled);
+
+    /// Opens a browser and returns the name picked, or nothing when it closed without one.
+    /// This form offers the names as a list choice; a window system overrides it to show the
+    /// thumbnails.
+    virtual std::optional<std::string> Browse(const BrowseRequest& request);
 
     /// Asks for a whole number within [low, high]; nothing when cancelled.
     virtual std::optional<int> AskNumber(const std::string& caption, const std::string& prompt,

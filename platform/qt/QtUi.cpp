@@ -228,6 +228,16 @@ std::optional<std::filesystem::path> QtUi::ChooseFile(const FileChoice& choice)
     return std::filesystem::path(path);
 }
 
+void QtUi::SetBrowser(std::function<std::optional<std::string>(const BrowseRequest&)> opener)
+{
+    Browser = std::move(opener);
+}
+
+std::optional<std::string> QtUi::Browse(const BrowseRequest& request)
+{
+    return Browser ? Browser(request) : Ui::Browse(request);
+}
+
 std::optional<int> QtUi::ChooseFromList(const std::string& caption,
                                         const std::vector<std::string>& items)
 {

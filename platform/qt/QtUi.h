@@ -35,6 +35,8 @@ public:
     void SetOwner(QWidget* owner);
     /// Where SetStatusText sends its text.
     void SetStatusSink(std::function<void(const std::string&)> sink);
+    /// What opens a browser window; without one, Browse offers the names as a list.
+    void SetBrowser(std::function<std::optional<std::string>(const BrowseRequest&)> opener);
 
     int Show(const Message& message) override;
     void ShowTextFile(const std::string& caption, const std::filesystem::path& file) override;
@@ -44,6 +46,7 @@ public:
     std::optional<int> ChooseEntry(const std::string& caption,
                                    const std::vector<std::string>& items,
                                    const std::vector<bool>& enabled) override;
+    std::optional<std::string> Browse(const BrowseRequest& request) override;
     std::optional<int> AskNumber(const std::string& caption, const std::string& prompt, int initial,
                                  int low, int high) override;
     std::optional<std::string> AskText(const std::string& caption, const std::string& prompt,
@@ -66,6 +69,7 @@ private:
 
     QPointer<QWidget> Owner;
     std::function<void(const std::string&)> StatusSink;
+    std::function<std::optional<std::string>(const BrowseRequest&)> Browser;
     QProgressDialog* Progress = nullptr;
     bool EscapePressed = false;
     int Pumping = 0;       // nesting of Pump

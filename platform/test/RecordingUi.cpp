@@ -30,6 +30,7 @@ RecordingUi::~RecordingUi()
     EXPECT_TRUE(Answers.empty()) << Answers.size() << " queued answer(s) never asked for";
     EXPECT_TRUE(Files.empty()) << Files.size() << " queued file choice(s) never asked for";
     EXPECT_TRUE(ListAnswers.empty()) << ListAnswers.size() << " list choice(s) never asked for";
+    EXPECT_TRUE(Browsed.empty()) << Browsed.size() << " browser(s) never opened";
     EXPECT_TRUE(Numbers.empty()) << Numbers.size() << " number(s) never asked for";
     EXPECT_TRUE(Texts.empty()) << Texts.size() << " text(s) never asked for";
 }
@@ -49,6 +50,12 @@ RecordingUi& RecordingUi::AnswerFile(std::optional<std::filesystem::path> file)
 RecordingUi& RecordingUi::AnswerList(std::optional<int> index)
 {
     ListAnswers.push_back(index);
+    return *this;
+}
+
+RecordingUi& RecordingUi::AnswerBrowse(std::optional<std::string> name)
+{
+    Browsed.push_back(std::move(name));
     return *this;
 }
 
@@ -111,6 +118,12 @@ std::optional<int> RecordingUi::ChooseFromList(const std::string& caption,
     ListCaptions.push_back(caption);
     ListItems.push_back(items);
     return TakeOrFail(ListAnswers, "list choice", caption);
+}
+
+std::optional<std::string> RecordingUi::Browse(const BrowseRequest& request)
+{
+    BrowseRequests.push_back(request);
+    return TakeOrFail(Browsed, "browser", request.Caption);
 }
 
 std::optional<int> RecordingUi::ChooseEntry(const std::string& caption,
@@ -202,6 +215,7 @@ void RecordingUi::Clear()
     FileRequests.clear();
     ListCaptions.clear();
     ListItems.clear();
+    BrowseRequests.clear();
     NumberPrompts.clear();
     StatusTexts.clear();
     Progress.clear();

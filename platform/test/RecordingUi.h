@@ -28,6 +28,8 @@ public:
     RecordingUi& AnswerFile(std::optional<std::filesystem::path> file);
     /// Queues the result of the next list choice.
     RecordingUi& AnswerList(std::optional<int> index);
+    /// Queues the name the next browser returns.
+    RecordingUi& AnswerBrowse(std::optional<std::string> name);
     /// Queues the result of the next number prompt.
     RecordingUi& AnswerNumber(std::optional<int> number);
     /// Queues the result of the next text prompt.
@@ -43,6 +45,7 @@ public:
     std::optional<int> ChooseEntry(const std::string& caption,
                                    const std::vector<std::string>& items,
                                    const std::vector<bool>& enabled) override;
+    std::optional<std::string> Browse(const BrowseRequest& request) override;
     std::optional<int> AskNumber(const std::string& caption, const std::string& prompt, int initial,
                                  int low, int high) override;
     std::optional<std::string> AskText(const std::string& caption, const std::string& prompt,
@@ -85,6 +88,7 @@ public:
     std::vector<std::string> ListCaptions;
     std::vector<std::vector<std::string>> ListItems; // the items of each list choice
     std::vector<std::vector<bool>> EntriesEnabled;   // of each menu of choices, which were enabled
+    std::vector<BrowseRequest> BrowseRequests;
     std::vector<NumberPrompt> NumberPrompts;
     std::vector<std::string> StatusTexts;
     std::vector<std::pair<std::string, std::string>> Progress;
@@ -95,6 +99,7 @@ private:
     std::deque<int> Answers;
     std::deque<std::optional<std::filesystem::path>> Files;
     std::deque<std::optional<int>> ListAnswers;
+    std::deque<std::optional<std::string>> Browsed;
     std::deque<std::optional<int>> Numbers;
     std::deque<std::optional<std::string>> Texts;
     int EscapeFrom = 0;
