@@ -1,0 +1,216 @@
+// The browsers' name lists from the catalogues, the marker runs, the level list and the Thing
+// table, and the opening of a browser through the Ui.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/BrowserLists.h"
+
+#include "game/GameState.h"
+#include "gfx/TextureCatalogue.h"
+#include "platform/Ui.h"
+#include "wad/MarkerRanges.h"
+#include "wad/WadState.h"
+
+#include <algorithm>
+#include <cctype>
+#include <unordered_map>
+
+namespace kelvar::app
+{
+namespace
+{
+
+BrowserItem Item(std::string name, int directoryIndex, int file, int number = -1)
+{
+    BrowserItem item;
+    item.Name = std::move(name);
+    item.DirectoryIndex = directoryIndex;
+    item.File = file;
+    item.Number = number;
+    return item;
+}
+
+// Lumps of the patch and sprite runs this short are markers, not pictures.
+constexpr std::int32_t LeastPictureSize = 13;
+
+std::string UpperText(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](char c)
+                   { return static_cast<char>(std::toupper(static_cast<unsigned char>(c))); });
+    return text;
+}
+
+std::vector<BrowserItem> CatalogueList(const gfx::NameCatalogue& catalogue, bool externalOnly,
+                                       bool upperCase)
+{
+    std::vector<BrowserItem> list;
+    for (const int row : externalOnly ? catalogue.PwadList() : catalogue.List())
+    {
+        const gfx::CatalogueEntry& entry = catalogue.Rows()[static_cast<std::size_t>(row)];
+        BrowserItem item;
+        item.Name = upperCase ? UpperText(entry.Name.Text()) : entry.Name.Text();
+        item.DirectoryIndex = entry.DirectoryIndex;
+        item.File = entry.File;
+        item.Class = entry.Class;
+        list.push_back(std::move(item));
+    }
+    return list;
+}
+
+std::vector<BrowserItem> LevelList(bool externalOnly)
+{
+    std::vector<BrowserItem> list;
+    for (const wad::LevelListEntry& level : wad::Wad().Levels)
+    {
+        if (!externalOnly || level.FileNumber != 0)
+        {
+            list.push_back(Item(level.Name.Text(), -1, level.FileNumber));
+        }
+    }
+    return list;
+}
+
+std::vector<BrowserItem> PnamesList(bool externalOnly)
+{
+    std::vector<BrowserItem> list;
+    const std::vector<gfx::PatchRecord>& patches = gfx::Catalogue().Patches;
+    for (std::size_t i = 0; i < patches.size(); ++i)
+    {
+        const gfx::PatchRecord& patch = patches[i];
+        if (!externalOnly || (patch.DirectoryIndex >= 0 && patch.File != 0))
+        {
+            list.push_back(
+                Item(patch.Name.Text(), patch.DirectoryIndex, patch.File, static_cast<int>(i)));
+        }
+    }
+    return list;
+}
+
+// The pictures of marker runs in order, each name once: a later lump of a name (a PWAD's
+// doubled run comes after the IWAD's) takes the earlier one's place.
+std::vector<BrowserItem> RunList(std::initializer_list<wad::MarkerRun> runs, bool externalOnly)
+{
+    std::vector<BrowserItem> list;
+    std::unordered_map<std::uint64_t, std::size_t> seen;
+    const wad::LumpDirectory& master = wad::Master();
+    for (const wad::MarkerRun& run : runs)
+    {
+        for (int i = run.First; run.Start >= 0 && i < run.First + run.Count; ++i)
+        {
+            if (i < 0 || static_cast<std::size_t>(i) >= master.Size())
+            {
+                continue;
+            }
+            const wad::LumpEntry& lump = master[static_cast<std::size_t>(i)];
+            if (lump.Size < LeastPictureSize || (externalOnly && lump.FileNumber == 0))
+            {
+                continue;
+            }
+            const BrowserItem item = Item(lump.Name.Text(), i, lump.FileNumber);
+            const auto [place, added] = seen.try_emplace(lump.Name.Key(), list.size());
+            if (added)
+            {
+                list.push_back(item);
+            }
+            else
+            {
+                list[place->second] = item;
+            }
+        }
+    }
+    return list;
+}
+
+std::vector<BrowserItem> PatchList(bool externalOnly)
+{
+    const wad::MarkerRanges& markers = wad::Wad().Markers;
+    std::vector<BrowserItem> list = RunList({markers.P, markers.PP}, externalOnly);
+    std::sort(list.begin(), list.end(),
+              [](const BrowserItem& a, const BrowserItem& b)
+              { return UpperText(a.Name) < UpperText(b.Name); });
+    return list;
+}
+
+std::vector<BrowserItem> ThingList()
+{
+    std::vector<BrowserItem> list;
+    for (const game::ThingTypeRow& row : game::Game().Things)
+    {
+        const std::string_view name = game::Text(row.Name);
+        // Headings, the end row and free rows name no Thing.
+        if (row.Type == 0 || row.Type >= game::FirstHeading || name.empty() || name.front() == 'x')
+        {
+            continue;
+        }
+        BrowserItem item = Item(std::string(name), -1, 0, static_cast<int>(row.Type));
+        item.Sprite = game::Text(row.Sprite);
+        list.push_back(std::move(item));
+    }
+    return list;
+}
+
+} // namespace
+
+void EnsureBrowserCatalogues()
+{
+    BrowserState& state = Browser();
+    const std::uint64_t stamp = wad::Master().Stamp();
+    if (state.CatalogueStamp == stamp && gfx::Catalogue().Textures.Size() > 0)
+    {
+        return;
+    }
+    wad::BuildMarkerLists();
+    gfx::CatalogueOptions options;
+    options.AnyGraphicAsTexture = game::Game().ZdoomTypes;
+    gfx::BuildTextureCatalogue(options);
+    gfx::BuildFlatCatalogue(options);
+    state.CatalogueStamp = stamp;
+}
+
+std::vector<BrowserItem> BuildBrowserList(int variant, bool externalOnly)
+{
+    const gfx::CatalogueState& catalogue = gfx::Catalogue();
+    switch (variant)
+    {
+    case BrowseTextures:
+        return CatalogueList(catalogue.Textures, externalOnly, false);
+    case BrowseFlats:
+        return CatalogueList(catalogue.Flats, externalOnly, true);
+    case BrowseLevels:
+        return LevelList(externalOnly);
+    case BrowsePnames:
+        return PnamesList(externalOnly);
+    case BrowsePatches:
+        return PatchList(externalOnly);
+    case BrowseSprites:
+        return RunList({wad::Wad().Markers.S, wad::Wad().Markers.SS}, externalOnly);
+    case BrowseThings:
+        return ThingList();
+    default:
+        return {};
+    }
+}
+
+std::optional<std::string> OpenBrowser(int variant, std::string_view startName)
+{
+    if (variant != BrowseLevels && variant != BrowseThings)
+    {
+        EnsureBrowserCatalogues();
+    }
+    BrowserState& state = Browser();
+    StartBrowser(state, variant, BuildBrowserList(variant, state.ExternalOnly), startName);
+
+    platform::BrowseRequest request;
+    request.Caption = BrowserCaption(variant);
+    request.Variant = variant;
+    request.Current = state.Current;
+    for (const BrowserItem& item : state.List)
+    {
+        request.Names.push_back(item.Name);
+    }
+    std::optional<std::string> chosen = platform::TheUi().Browse(request);
+    state.List.clear();
+    state.List.shrink_to_fit();
+    return chosen;
+}
+
+} // namespace kelvar::app

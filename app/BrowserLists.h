@@ -1,0 +1,35 @@
+// The browsers' name lists, one for each variant, and the entry that opens a browser.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "app/Browser.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kelvar::app
+{
+
+/// Builds the marker runs and the texture and flat catalogues again when the master directory
+/// changed since they were last built for a browser (or never were).
+void EnsureBrowserCatalogues();
+
+/// The names a browser offers:
+/// - Textures and Flats: the catalogues' lists in their order (flats in upper case);
+/// - Levels: the level list;
+/// - Pnames: the PNAMES entries in their order;
+/// - Patches: the pictures between the patch markers, each name once, sorted;
+/// - Sprites: the pictures between the sprite markers, in directory order, a PWAD's sprite
+///   taking the place of the IWAD's of the same name;
+/// - Things: the rows of the current game's Thing table.
+/// With `externalOnly`, only what comes from PWADs (Things are never filtered).
+std::vector<BrowserItem> BuildBrowserList(int variant, bool externalOnly);
+
+/// Opens the browser `variant` with the cell of `startName` framed, and returns the name
+/// picked, or nothing when the user closed it without one. Object editors call it in place
+/// of a name list. The list lives only while the browser is open.
+std::optional<std::string> OpenBrowser(int variant, std::string_view startName);
+
+} // namespace kelvar::app
