@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/Session.h"
 #include "app/ShellState.h"
+#include "app/ui/BrowserWindow.h"
 #include "app/ui/MainWindow.h"
 #include "platform/Fatal.h"
 #include "platform/Paths.h"
@@ -60,6 +61,8 @@ int main(int argc, char** argv)
     app::MainWindow window;
     ui.SetOwner(&window);
     ui.SetStatusSink([&window](const std::string& text) { window.ShowStatusText(text); });
+    ui.SetBrowser([&window](const platform::BrowseRequest& request)
+                  { return app::BrowserWindow::Open(request, &window); });
     platform::InstallFatalHook([] { app::FatalShutdown(); });
 
     const int startup = app::CreateSession(&clock);
