@@ -4,6 +4,7 @@
 #include "app/BrowserLists.h"
 
 #include "game/GameState.h"
+#include "gfx/GamePalette.h"
 #include "gfx/TextureCatalogue.h"
 #include "platform/Ui.h"
 #include "wad/MarkerRanges.h"
@@ -195,6 +196,11 @@ std::optional<std::string> OpenBrowser(int variant, std::string_view startName)
     if (variant != BrowseLevels && variant != BrowseThings)
     {
         EnsureBrowserCatalogues();
+    }
+    // The thumbnails are shown through the game palette; without one they still open, black.
+    if (!gfx::Palettes().Loaded)
+    {
+        (void)gfx::LoadGamePalette(gfx::Palettes().Options.PaletteNumber);
     }
     BrowserState& state = Browser();
     StartBrowser(state, variant, BuildBrowserList(variant, state.ExternalOnly), startName);

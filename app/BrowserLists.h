@@ -29,7 +29,8 @@ std::vector<BrowserItem> BuildBrowserList(int variant, bool externalOnly);
 
 /// Opens the browser `variant` with the cell of `startName` framed, and returns the name
 /// picked, or nothing when the user closed it without one. Object editors call it in place
-/// of a name list. The list lives only while the browser is open.
+/// of a name list. The list lives only while the browser is open. Loads the game palette when
+/// it isn't loaded ("Couldn't locate palette \"PLAYPAL\" entry" when it can't be).
 std::optional<std::string> OpenBrowser(int variant, std::string_view startName);
 
 } // namespace kelvar::app

@@ -153,6 +153,18 @@ TEST_F(BrowserListsTest, LevelsPnamesPatchesSpritesAndThingsHaveTheirLists)
     }
 }
 
+TEST_F(BrowserListsTest, OpeningABrowserBuildsTheCataloguesAndLoadsThePalette)
+{
+    gfx::ResetPalettes();
+    Ui.AnswerBrowse("FLOOR4_8");
+    EXPECT_EQ(OpenBrowser(BrowseFlats, "floor4_8"), "FLOOR4_8");
+    EXPECT_TRUE(gfx::Palettes().Loaded);
+    ASSERT_EQ(Ui.BrowseRequests.size(), 1u);
+    const platform::BrowseRequest& request = Ui.BrowseRequests.front();
+    EXPECT_EQ(request.Names.size(), gfx::Catalogue().Flats.Size());
+    EXPECT_EQ(request.Names[static_cast<std::size_t>(request.Current)], "FLOOR4_8");
+}
+
 TEST_F(BrowserListsTest, EachVariantReadsItsPictures)
 {
     BrowserState textures = Open(BrowseTextures);

@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/Browser.h"
 #include "app/BrowserLists.h"
+#include "gfx/GamePalette.h"
 #include "platform/test/RecordingUi.h"
 #include "wad/WadState.h"
 
@@ -306,6 +307,7 @@ TEST(OpenBrowser, TheUiGetsTheNamesAndTheFramedOneAndTheListGoesAfterwards)
     platform::ScopedUi scoped(ui);
     ResetBrowser();
     wad::ResetWad();
+    gfx::Palettes().Loaded = true; // no game file to take a palette from
     wad::Wad().Levels = {{wad::LumpName::From("MAP01"), 0, 0},
                          {wad::LumpName::From("MAP02"), 0, 0}};
     ui.AnswerBrowse("MAP02").AnswerBrowse(std::nullopt);
@@ -319,6 +321,7 @@ TEST(OpenBrowser, TheUiGetsTheNamesAndTheFramedOneAndTheListGoesAfterwards)
     EXPECT_TRUE(Browser().List.empty());
     EXPECT_FALSE(OpenBrowser(BrowseLevels, {}).has_value());
     wad::ResetWad();
+    gfx::ResetPalettes();
 }
 
 TEST(OpenBrowser, TheListFormOfTheUiOffersTheNames)
