@@ -123,7 +123,11 @@ constexpr RouteRow RouteTable[] = {
     {CmdAlignY, CmdAlignY, LineDefs, AlignTexturesYCommand, "Align Textures (Y Offset)"},
     {CmdAlignYSide1, CmdAlignYSide2Menu, LineDefs, nullptr,
      "Align Y, side 1 or 2: the menu uses 479 and 601"},
-    {CmdAlignXFirst, CmdAlignXLast, LineDefs, AlignTexturesXCommand, "Align X"},
+    // 537 and 541 run as 478 and 600, their keys; the other six only from the menu.
+    {CmdAlignXFirst, CmdAlignXFirst, LineDefs, nullptr, "Align X: the menu uses 478"},
+    {CmdAlignXFirst + 1, CmdAlignXFirst + 3, LineDefs, AlignTexturesXCommand, "Align X"},
+    {CmdAlignXFirst + 4, CmdAlignXFirst + 4, LineDefs, nullptr, "Align X: the menu uses 600"},
+    {CmdAlignXFirst + 5, CmdAlignXLast, LineDefs, AlignTexturesXCommand, "Align X"},
     {CmdAlignXSide2, CmdAlignXSide2, LineDefs, AlignTexturesXCommand, "Align X side 2"},
     {CmdAlignYSide2, CmdAlignYSide2, LineDefs, AlignTexturesYCommand, "Align Y side 2"},
     {CmdRaiseCeiling, CmdLowerBoth, Sectors | Things, nullptr, "heights"},

@@ -134,15 +134,17 @@ bool SidesMeet(const LevelData& level, const WalkedSide& last, const WalkedSide&
 bool GoOnPastNewTexture(std::uint32_t sideNumber, const TextureName& before, const TextureName& now,
                         int which)
 {
-    const char* used = which == 1 ? "Upper Texture %s used"
-                                  : (which == 2 ? "Lower Texture %s used" : "Texture %s used");
+    const std::string used =
+        which == 1   ? platform::Format("Upper Texture %s used", now.Text().c_str())
+        : which == 2 ? platform::Format("Lower Texture %s used", now.Text().c_str())
+                     : platform::Format("Texture %s used", now.Text().c_str());
     return platform::ShowMessageLines(
                platform::LinesCancel, "Texture Align",
                {"DIFFERENT TEXTURES",
                 platform::Format("SideDef %d, Texture Different", static_cast<int>(sideNumber)),
                 platform::Format("Texture %s followed by %s", before.Text().c_str(),
                                  now.Text().c_str()),
-                platform::Format(used, now.Text().c_str())},
+                used},
                platform::MessageButtons::YesNo) == 1;
 }
 
@@ -293,8 +295,9 @@ AlignResult AlignTexturesX(LevelData& level, const ObjectList& list, const XAlig
         const WalkedSide& step = walk[i];
         int which = 0;
         const TextureName texture = AlignedTexture(view.SideDefs[step.Side], which);
-        const std::optional<TextureSize> size = sizes ? sizes(texture) : std::nullopt;
-        const bool known = size && size->Width > 0;
+        // A texture of no known width counts as unknown: its side starts at 0.
+        const TextureSize size = (sizes ? sizes(texture) : std::nullopt).value_or(TextureSize{});
+        const bool known = size.Width > 0;
         if (!known && !options.AnyTexture)
         {
             platform::ShowMessageLines(
@@ -311,13 +314,13 @@ AlignResult AlignTexturesX(LevelData& level, const ObjectList& list, const XAlig
         {
             return stopped(i);
         }
-        const int scale = known ? size->XScale : 8;
+        const int scale = known ? size.XScale : 8;
         const int offset = !known ? 0 : (scale != 8 ? scale * running / 8 : running);
         level.SideDefs[step.Side].XOffset = static_cast<std::int16_t>(offset);
         const LineDef& line = view.LineDefs[static_cast<std::size_t>(step.Line)];
         const double length =
             Distance(VertexPoint(view, line.StartVertex), VertexPoint(view, line.EndVertex));
-        running = known ? (running + static_cast<int>(length)) % size->Width : 0;
+        running = known ? (running + static_cast<int>(length)) % size.Width : 0;
     }
     NoteChange(level, KindSideDef);
     return AlignResult::Done;

@@ -8,12 +8,44 @@
 #include "wad/LevelWriter.h"
 #include "wad/WadState.h"
 
+#include <utility>
+
 namespace kelvar::wad
 {
-
-int WriteLevelCopy(const map::LevelData& level, const std::string& path,
-                   const std::string& levelName)
+namespace
 {
+
+// The level with its unknown wall textures replaced. The copy shares the level's arrays but
+// for the SideDef blocks it changes.
+map::LevelData Cleaned(const map::LevelData& level, const TextureCleaning& cleaning)
+{
+    map::LevelData copy = level;
+    const auto unknown = [&](const map::TextureName& name)
+    { return name.Chars[0] != '-' && name.Chars[0] != '$' && !cleaning.Known(name); };
+    for (std::int32_t i = 0; i < copy.SideDefs.Count(); ++i)
+    {
+        const map::SideDef& side = std::as_const(copy).SideDefs[static_cast<std::size_t>(i)];
+        if (unknown(side.UpperTexture) || unknown(side.LowerTexture) || unknown(side.NormalTexture))
+        {
+            map::SideDef& changed = copy.SideDefs[static_cast<std::size_t>(i)];
+            for (map::TextureName* name :
+                 {&changed.UpperTexture, &changed.LowerTexture, &changed.NormalTexture})
+            {
+                *name = unknown(*name) ? cleaning.Replacement : *name;
+            }
+        }
+    }
+    return copy;
+}
+
+} // namespace
+
+int WriteLevelCopy(const map::LevelData& original, const std::string& path,
+                   const std::string& levelName, const TextureCleaning* cleaning)
+{
+    const map::LevelData cleaned =
+        cleaning != nullptr && cleaning->Known ? Cleaned(original, *cleaning) : map::LevelData{};
+    const map::LevelData& level = cleaning != nullptr && cleaning->Known ? cleaned : original;
     WadOutput out;
     out.Stream = CheckedOpen(path, "wb", 0);
     if (!out.Stream)

@@ -61,7 +61,7 @@ TEST(EditScript, XAlignmentRunsAroundARoomByTheWidthOfItsTexture)
     // A room of 200 by 136; its walls get MARBLE1, 128 wide in freedoom2's TEXTURE1. The box
     // marks the four walls, the last (200,0 to 0,0) last: the run starts there.
     const testkit::CommandOutput made = testkit::RunCli(
-        Edit(dir, "draw 0,0 0,136 200,136 200,0; mode linedefs; box -10 -10 210 146; run 537"),
+        Edit(dir, "draw 0,0 0,136 200,136 200,0; mode linedefs; box -10 -10 210 146; run 478"),
         dir.Path());
     ASSERT_EQ(made.Status, 0) << made.Text;
     const testkit::CommandOutput read = testkit::RunOmgifol("omg_levels.py", dir.File("out.wad"));
