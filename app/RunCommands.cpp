@@ -1,12 +1,14 @@
 // The handlers of Test Level and 3D Mode Texture Align: the shared preparation, the records'
 // settings in and out, and what the launcher needs of the shell.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/BrowserLists.h"
 #include "app/CommandHandlers.h"
 #include "app/RunSettings.h"
 #include "app/SaveDispatcher.h"
 #include "app/Session.h"
 #include "app/ShellState.h"
 #include "check/SaveChecks.h"
+#include "gfx/TextureCatalogue.h"
 #include "map/GameCodes.h"
 #include "map/MapState.h"
 #include "map/Selection.h"
@@ -38,7 +40,16 @@ bool WriteViewerCopy(const std::filesystem::path& copy, const run::Viewer3DOptio
     const int game = wad.Game.Game;
     const std::string name = map::IsEpisodicGame(game) ? "E1M1" : "MAP01";
     const std::filesystem::path work = wad.ProgramDir / ViewerWorkFile;
-    if (wad::WriteLevelCopy(map::Map().Level, work.string(), name) != 0)
+    // With "Check invalid textures" the copy's unknown wall textures become the default one.
+    wad::TextureCleaning cleaning;
+    if (options.CheckInvalidTextures)
+    {
+        EnsureBrowserCatalogues();
+        cleaning.Known = [](const map::TextureName& texture)
+        { return gfx::Catalogue().Textures.Contains(wad::LumpName::From(texture.Text())); };
+        cleaning.Replacement = map::Map().Textures.Normal;
+    }
+    if (wad::WriteLevelCopy(map::Map().Level, work.string(), name, &cleaning) != 0)
     {
         return false;
     }
