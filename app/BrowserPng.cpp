@@ -1,5 +1,4 @@
-// PNG lumps for the browsers, on the game palette. Kept apart from the lump pictures: the
-// picture-file decoder and the lump decoder each name their result DecodedPicture.
+// PNG lumps for the browsers, brought to the game palette as a PNG file is.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/BrowserPictures.h"
 
@@ -11,7 +10,7 @@ namespace kelvar::app
 
 std::optional<gfx::ImageRaster> BrowserPngRaster(std::span<const std::uint8_t> bytes)
 {
-    gfx::DecodedPicture decoded;
+    gfx::FilePicture decoded;
     if (gfx::DecodePng(bytes, decoded) != gfx::PngStatus::Ok)
     {
         return std::nullopt;

@@ -88,7 +88,7 @@ BENCHMARK(FastMatchColorImage)->Unit(benchmark::kMillisecond);
 // A direct-colour picture brought to the palette as the BMP reader does it.
 void PictureToGamePalette(benchmark::State& state)
 {
-    gfx::DecodedPicture picture;
+    gfx::FilePicture picture;
     picture.Width = Side;
     picture.Height = Side;
     picture.Bits = 24;

@@ -73,7 +73,7 @@ bool SupportedBits(int bits)
 }
 
 // The pixel at `x` of a stored row, as a palette index or a colour.
-void TakePixel(const uint8_t* row, int x, int bits, DecodedPicture& out)
+void TakePixel(const uint8_t* row, int x, int bits, FilePicture& out)
 {
     const auto ux = static_cast<size_t>(x);
     switch (bits)
@@ -107,7 +107,7 @@ void TakePixel(const uint8_t* row, int x, int bits, DecodedPicture& out)
 
 } // namespace
 
-BmpStatus DecodeBmp(std::span<const uint8_t> bytes, DecodedPicture& out)
+BmpStatus DecodeBmp(std::span<const uint8_t> bytes, FilePicture& out)
 {
     if (bytes.size() < FileHeaderSize)
     {
@@ -149,7 +149,7 @@ BmpStatus DecodeBmp(std::span<const uint8_t> bytes, DecodedPicture& out)
             return BmpStatus::ReadError;
         }
     }
-    out = DecodedPicture{};
+    out = FilePicture{};
     out.Width = info.Width;
     out.Height = static_cast<int>(height);
     out.Bits = info.Bits;
@@ -224,7 +224,7 @@ int LoadBmp(const std::filesystem::path& fileName, int scale, bool matchPalette,
         platform::ShowError("Image %s\nnot found", fileName.c_str());
         return 0;
     }
-    DecodedPicture picture;
+    FilePicture picture;
     switch (DecodeBmp(*bytes, picture))
     {
     case BmpStatus::Ok:

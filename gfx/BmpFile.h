@@ -29,7 +29,7 @@ inline constexpr int BmpCreateFailed = 5002;
 
 /// Decodes a BMP: 1, 4 and 8 bits as indexes with the file's palette, 16 (5-5-5), 24 and
 /// 32 bits as colours; top-down and bottom-up rows. A colour count of 0 means 1 << bits.
-BmpStatus DecodeBmp(std::span<const uint8_t> bytes, DecodedPicture& out);
+BmpStatus DecodeBmp(std::span<const uint8_t> bytes, FilePicture& out);
 
 /// An 8-bit BMP of `raster`: 40-byte info header, 256 colours of `palette`, rows bottom-up.
 std::vector<uint8_t> EncodeBmp(const ImageRaster& raster, const Palette& palette);

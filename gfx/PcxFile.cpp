@@ -126,7 +126,7 @@ void EncodeRow(const uint8_t* row, int pitch, std::vector<uint8_t>& bytes)
 
 } // namespace
 
-PcxStatus DecodePcx(std::span<const uint8_t> bytes, DecodedPicture& out, PcxHeader* header)
+PcxStatus DecodePcx(std::span<const uint8_t> bytes, FilePicture& out, PcxHeader* header)
 {
     if (bytes.size() < MinPcxSize)
     {
@@ -148,7 +148,7 @@ PcxStatus DecodePcx(std::span<const uint8_t> bytes, DecodedPicture& out, PcxHead
                                  static_cast<size_t>(height));
     DecodeRuns(bytes.subspan(HeaderSize), decoded);
 
-    out = DecodedPicture{};
+    out = FilePicture{};
     out.Width = width;
     out.Height = height;
     // The palette is the last 768 bytes, whatever the marker byte before it says.
@@ -205,7 +205,7 @@ int ReadImageFile(int kind, bool matchPalette, int scale, const std::filesystem:
         platform::ShowError("Image %s\nnot found", fileName.c_str());
         return 0;
     }
-    DecodedPicture picture;
+    FilePicture picture;
     PcxHeader header;
     switch (DecodePcx(*bytes, picture, &header))
     {

@@ -34,7 +34,7 @@ struct PcxHeader
 /// Decodes a PCX: the run-length pixels after the 128-byte header, rows taken at the stride
 /// of bytes per line, the palette from the last 768 bytes of the file. `header` receives the
 /// header fields whenever the file is long enough to hold them.
-PcxStatus DecodePcx(std::span<const uint8_t> bytes, DecodedPicture& out, PcxHeader* header);
+PcxStatus DecodePcx(std::span<const uint8_t> bytes, FilePicture& out, PcxHeader* header);
 
 /// An 8-bit PCX of `raster`: every row coded over its whole pitch, then 12 and the palette.
 std::vector<uint8_t> EncodePcx(const ImageRaster& raster, const Palette& palette);

@@ -18,7 +18,7 @@ constexpr int CacheBits = 12;
 constexpr size_t CacheSlots = size_t{1} << CacheBits;
 
 // The game-palette index of each pixel, before scaling.
-std::vector<uint8_t> GameIndexes(const DecodedPicture& picture, const Palette& gamePalette,
+std::vector<uint8_t> GameIndexes(const FilePicture& picture, const Palette& gamePalette,
                                  const PictureOptions& options, PictureRead& read)
 {
     std::vector<uint8_t> indexes;
@@ -65,7 +65,7 @@ std::vector<uint8_t> GameIndexes(const DecodedPicture& picture, const Palette& g
 
 } // namespace
 
-PictureRead ToGamePalette(const DecodedPicture& picture, const Palette& gamePalette,
+PictureRead ToGamePalette(const FilePicture& picture, const Palette& gamePalette,
                           const PictureOptions& options)
 {
     PictureRead read;

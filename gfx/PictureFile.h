@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Design notes
-// - A decoder turns a file's bytes into a DecodedPicture without showing anything: palette
+// - A decoder turns a file's bytes into a FilePicture without showing anything: palette
 //   indexes with the file's own palette, or plain colours for direct-colour files.
 // - ToGamePalette then makes the ImageRaster every other part of the editor uses. Indexed
 //   pictures go through a translation table from the file's palette to the game palette
@@ -36,7 +36,7 @@ inline constexpr int MaxPictureSide = 16384;
 inline constexpr int64_t MaxPicturePixels = int64_t{64} * 1024 * 1024;
 
 /// A picture as its file holds it, top row first, rows without padding.
-struct DecodedPicture
+struct FilePicture
 {
     int Width = 0;
     int Height = 0;
@@ -71,7 +71,7 @@ struct PictureRead
 };
 
 /// The raster of a decoded picture on `gamePalette`.
-PictureRead ToGamePalette(const DecodedPicture& picture, const Palette& gamePalette,
+PictureRead ToGamePalette(const FilePicture& picture, const Palette& gamePalette,
                           const PictureOptions& options);
 
 /// The picture options of the palette state's settings.

@@ -30,7 +30,7 @@ struct ReadContext
     std::span<const uint8_t> Bytes;
     size_t At = 0;
     PngStatus Status = PngStatus::Damaged;
-    DecodedPicture Picture;
+    FilePicture Picture;
     std::vector<uint8_t> Pixels;
     std::vector<png_bytep> Rows;
 };
@@ -88,7 +88,7 @@ void PutBigEndian32(png_byte* bytes, int32_t value)
 }
 
 // The offsets of a grAb chunk, held to 16 bits.
-void TakeGrab(png_structp png, png_infop info, DecodedPicture& picture)
+void TakeGrab(png_structp png, png_infop info, FilePicture& picture)
 {
     png_unknown_chunkp chunks = nullptr;
     const int count = png_get_unknown_chunks(png, info, &chunks);
@@ -106,7 +106,7 @@ void TakeGrab(png_structp png, png_infop info, DecodedPicture& picture)
 }
 
 // Sets the transforms; returns the bytes a pixel takes after them (1 or 4).
-int ChooseTransforms(png_structp png, png_infop info, DecodedPicture& picture)
+int ChooseTransforms(png_structp png, png_infop info, FilePicture& picture)
 {
     const int colorType = png_get_color_type(png, info);
     const int bitDepth = png_get_bit_depth(png, info);
@@ -141,7 +141,7 @@ int ChooseTransforms(png_structp png, png_infop info, DecodedPicture& picture)
 // Palette, tRNS and pixels into the picture, once the image is read.
 void TakePixels(png_structp png, png_infop info, ReadContext& context, int bytesPerPixel)
 {
-    DecodedPicture& picture = context.Picture;
+    FilePicture& picture = context.Picture;
     const size_t count = static_cast<size_t>(picture.Width) * static_cast<size_t>(picture.Height);
     if (bytesPerPixel == 1)
     {
@@ -190,7 +190,7 @@ void TakePixels(png_structp png, png_infop info, ReadContext& context, int bytes
     png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_ALWAYS, GrabName, 1);
     png_set_user_limits(png, MaxPictureSide, MaxPictureSide);
     png_read_info(png, info);
-    DecodedPicture& picture = context.Picture;
+    FilePicture& picture = context.Picture;
     picture.Width = static_cast<int>(png_get_image_width(png, info));
     picture.Height = static_cast<int>(png_get_image_height(png, info));
     if (picture.Width < 1 || picture.Height < 1)
@@ -248,7 +248,7 @@ void TakePixels(png_structp png, png_infop info, ReadContext& context, int bytes
 
 } // namespace
 
-PngStatus DecodePng(std::span<const uint8_t> bytes, DecodedPicture& out)
+PngStatus DecodePng(std::span<const uint8_t> bytes, FilePicture& out)
 {
     if (bytes.size() < 8 || png_sig_cmp(bytes.data(), 0, 8) != 0)
     {
@@ -322,7 +322,7 @@ int LoadPng(const std::filesystem::path& fileName, int scale, bool matchPalette,
         platform::ShowError("Image %s\nnot found", fileName.c_str());
         return 0;
     }
-    DecodedPicture picture;
+    FilePicture picture;
     const PngStatus status = DecodePng(*bytes, picture);
     if (status == PngStatus::ZeroSize)
     {

@@ -25,7 +25,7 @@ enum class PngStatus
 /// Decodes a PNG. Palette pictures (any bit depth) keep their indexes and PLTE, with tRNS as
 /// alpha; gray pictures of 8 bits or less become indexes on a gray ramp; everything else
 /// becomes colours, with alpha when the file has any. A grAb chunk gives the offsets.
-PngStatus DecodePng(std::span<const uint8_t> bytes, DecodedPicture& out);
+PngStatus DecodePng(std::span<const uint8_t> bytes, FilePicture& out);
 
 /// A palette PNG of `raster` with the 256 colours of `palette`, and a grAb chunk holding the
 /// raster's offsets when either is not 0. Nothing when libpng fails.

@@ -34,7 +34,7 @@ ImageRaster RandomRaster(int width, int height, unsigned seed)
     return raster;
 }
 
-PictureRead Decoded(const DecodedPicture& picture, const Palette& game)
+PictureRead Decoded(const FilePicture& picture, const Palette& game)
 {
     PictureOptions options;
     return ToGamePalette(picture, game, options);
@@ -72,7 +72,7 @@ TEST(BmpAndPcx, RoundTripsOfEveryPitch)
         {
             const ImageRaster raster =
                 RandomRaster(width, height, static_cast<unsigned>(width * 7 + height));
-            DecodedPicture picture;
+            FilePicture picture;
             ASSERT_EQ(DecodeBmp(EncodeBmp(raster, gray), picture), BmpStatus::Ok);
             EXPECT_EQ(picture.FilePalette, gray);
             EXPECT_EQ(Decoded(picture, gray).Raster, raster) << "BMP " << width << "x" << height;
@@ -99,7 +99,7 @@ TEST(Bmp, HeaderAsWrittenAndOptionalFields)
     // A colour count and an image size of 0 read the same.
     bytes[46] = bytes[47] = 0;
     bytes[34] = bytes[35] = bytes[36] = bytes[37] = 0;
-    DecodedPicture picture;
+    FilePicture picture;
     ASSERT_EQ(DecodeBmp(bytes, picture), BmpStatus::Ok);
     EXPECT_EQ(picture.FilePalette, palette);
     PictureOptions keep;
@@ -137,7 +137,7 @@ TEST(Pcx, RunCodingByteForByte)
     std::vector<uint8_t> file = EncodePcx(ImageRaster(2, 1), palette);
     file.erase(file.begin() + 128, file.end() - 769);
     file.insert(file.begin() + 128, {0xC0, 77, 3, 4});
-    DecodedPicture picture;
+    FilePicture picture;
     ASSERT_EQ(DecodePcx(file, picture, nullptr), PcxStatus::Ok);
     EXPECT_EQ(picture.Indexes, (std::vector<uint8_t>{3, 4}));
 }
@@ -200,12 +200,12 @@ TEST_F(PictureFileTest, DamagedFilesGetTheirMessagesAndNeverCrash)
     // Every truncation of either decodes to a refusal or a picture, never past the bytes.
     for (size_t size = 0; size < bmp.size(); ++size)
     {
-        DecodedPicture picture;
+        FilePicture picture;
         EXPECT_NE(DecodeBmp(std::span(bmp).first(size), picture), BmpStatus::Ok) << size;
     }
     for (size_t size = 0; size < pcx.size(); ++size)
     {
-        DecodedPicture picture;
+        FilePicture picture;
         (void)DecodePcx(std::span(pcx).first(size), picture, nullptr);
     }
 

@@ -61,7 +61,7 @@ TEST(Png, PaletteRoundTripsWithOffsets)
         raster.topOffset = 300;
         const auto bytes = EncodePng(raster, palette);
         ASSERT_TRUE(bytes);
-        DecodedPicture picture;
+        FilePicture picture;
         ASSERT_EQ(DecodePng(*bytes, picture), PngStatus::Ok);
         EXPECT_TRUE(picture.Indexed);
         EXPECT_EQ(picture.FilePalette, palette);
@@ -151,13 +151,13 @@ TEST_F(PngFileTest, DamagedFilesAreRefusedWithoutACrash)
     ASSERT_TRUE(bytes);
     for (size_t size = 0; size < bytes->size(); ++size)
     {
-        DecodedPicture picture;
+        FilePicture picture;
         EXPECT_NE(DecodePng(std::span(*bytes).first(size), picture), PngStatus::Ok) << size;
     }
     // A flipped bit in the pixel data fails its check sum.
     std::vector<uint8_t> flipped = *bytes;
     flipped[flipped.size() - 20] ^= 0x10;
-    DecodedPicture picture;
+    FilePicture picture;
     EXPECT_EQ(DecodePng(flipped, picture), PngStatus::Damaged);
     // A width of 0 and a width past the limit.
     std::vector<uint8_t> zero = *bytes;
