@@ -7,6 +7,7 @@
 #include "cli/KeyCommands.h"
 #include "cli/LevelCommands.h"
 #include "cli/PaletteCommands.h"
+#include "cli/PictureCommands.h"
 #include "cli/RenderCommands.h"
 #include "cli/SaveCommands.h"
 #include "cli/SoundCommands.h"
@@ -79,6 +80,16 @@ void PrintUsage(std::FILE* out)
                "                          a PWAD holding the MIDI file converted to MUS\n"
                "  music render IWAD [PWAD...] LUMP -o FILE.wav [--soundfont FILE.sf2]\n"
                "                          a music lump played into a wave by fluidsynth\n"
+               "  picture export IWAD [PWAD...] NAME -o FILE.png|FILE.bmp|FILE.pcx [--texture]\n"
+               "                          a picture lump, or the texture of that name composed\n"
+               "                          from its patches, in the game palette (a PNG keeps\n"
+               "                          the offsets)\n"
+               "  picture export IWAD [PWAD...] --all sprites|patches|flats -d DIR\n"
+               "                          every picture between those markers as DIR/NAME.png\n"
+               "  picture import IWAD [PWAD...] FILE -o OUT.wad [--name LUMP]\n"
+               "         [--as patch|sprite|flat]\n"
+               "                          a PNG, BMP or PCX file brought to the game palette as\n"
+               "                          one lump of a new PWAD (a patch by default)\n"
                "  palette export IWAD [PWAD...] -o FILE.pal|FILE.pac|FILE.png [--palette N]\n"
                "                          PLAYPAL's palette N (0 by default) as a JASC text\n"
                "                          palette, 768 bytes, or a 16 by 16 swatch picture\n"
@@ -167,6 +178,10 @@ int Run(int argc, char** argv)
     if (command == "music")
     {
         return MusicCommand(rest);
+    }
+    if (command == "picture")
+    {
+        return PictureCommand(rest);
     }
     if (command == "palette")
     {

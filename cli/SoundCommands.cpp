@@ -3,6 +3,7 @@
 #include "cli/SoundCommands.h"
 
 #include "cli/Commands.h"
+#include "cli/LumpFiles.h"
 #include "cli/WadCommands.h"
 #include "platform/Messages.h"
 #include "sound/MidiFile.h"
@@ -33,7 +34,6 @@ namespace
 {
 
 namespace fs = std::filesystem;
-using Bytes = std::vector<std::uint8_t>;
 
 // The words of a sound or music command.
 struct Request
@@ -94,118 +94,6 @@ std::optional<Request> ParseRequest(const std::vector<std::string>& arguments)
         }
     }
     return request;
-}
-
-std::string Lower(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
-}
-
-std::string Upper(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-    return text;
-}
-
-std::string ExtensionOf(const std::string& path)
-{
-    return Lower(fs::path(path).extension().string());
-}
-
-// Writes a file afresh. An old file of that name is removed first rather than truncated: ext4
-// flushes a truncated and rewritten file to disk when it is closed, which would cost a batch
-// of exports far more than its own work.
-bool WriteFileBytes(const fs::path& path, const Bytes& bytes)
-{
-    std::error_code ignored;
-    fs::remove(path, ignored);
-    std::FILE* out = std::fopen(path.c_str(), "wb");
-    if (out == nullptr)
-    {
-        platform::ShowError("Could not create %s", path.c_str());
-        return false;
-    }
-    const bool written = sound::WriteRange(out, 0, bytes);
-    return std::fclose(out) == 0 && written;
-}
-
-std::optional<Bytes> ReadFileBytes(const fs::path& path)
-{
-    std::FILE* in = std::fopen(path.c_str(), "rb");
-    if (in == nullptr)
-    {
-        std::fprintf(stderr, "kelvar-cli: cannot read %s\n", path.c_str());
-        return std::nullopt;
-    }
-    Bytes bytes = sound::ReadRange(in, 0, -1);
-    std::fclose(in);
-    return bytes;
-}
-
-// A lump found by name in the loaded files, with the open stream of its file.
-struct FoundLump
-{
-    std::string Name;
-    std::FILE* Stream = nullptr;
-    std::int32_t Offset = 0;
-    std::int32_t Size = 0;
-
-    Bytes Read() const { return sound::ReadRange(Stream, Offset, Size); }
-};
-
-std::optional<FoundLump> FindNamedLump(const std::string& name)
-{
-    const std::string upper = Upper(name);
-    const int index = wad::FindLump(wad::Wad().Files[0], upper, false);
-    if (index < 0)
-    {
-        platform::ShowError(" %s - Lump Name not found", upper.c_str());
-        return std::nullopt;
-    }
-    const wad::LumpEntry& entry = wad::Master()[static_cast<std::size_t>(index)];
-    wad::FileRec& file = wad::Wad().Files[static_cast<std::size_t>(entry.FileNumber)];
-    wad::EnsureOpen(file);
-    return FoundLump{upper, file.Stream.get(), entry.Offset, entry.Size};
-}
-
-// Opens the files of `positional` (all but the last word when a lump is named) and finds the
-// lump. Returns the exit status so far.
-int OpenAndFind(const Request& request, std::optional<FoundLump>& lump)
-{
-    const std::vector<std::string> files(request.Positional.begin(), request.Positional.end() - 1);
-    const int status = OpenFiles(files);
-    if (wad::Wad().Files[0].State == 0)
-    {
-        return ExitBadFile;
-    }
-    lump = FindNamedLump(request.Positional.back());
-    return lump ? status : ExitBadFile;
-}
-
-// Writes a PWAD that holds the one lump `name`.
-bool WriteLumpPwad(const fs::path& path, const std::string& name, const Bytes& data)
-{
-    wad::WadOutput out;
-    out.Stream = wad::CheckedOpen(path, "wb", 0);
-    const std::uint8_t header[wad::WadHeaderSize] = {};
-    if (!out.Stream || wad::CheckedWrite(out.Stream.get(), header, wad::WadHeaderSize) != 1)
-    {
-        return false;
-    }
-    const std::int64_t start = out.Offset;
-    if (!wad::WriteData(out, data.data(), static_cast<std::int64_t>(data.size())))
-    {
-        return false;
-    }
-    wad::EnterRow(out, name, start);
-    if (!wad::WriteDirectoryAndHeader(out, "PWAD"))
-    {
-        return false;
-    }
-    return std::fclose(out.Stream.release()) == 0;
 }
 
 // The lump name an imported file gets: --name, else the file's own name, at most 8 letters.
@@ -483,7 +371,7 @@ int SoundCommand(const std::vector<std::string>& arguments)
         return ExportAllSounds(*request);
     }
     std::optional<FoundLump> lump;
-    const int status = OpenAndFind(*request, lump);
+    const int status = OpenAndFind(request->Positional, lump);
     return lump ? std::max(status, ExportOneSound(*lump, request->Output)) : status;
 }
 
@@ -507,7 +395,7 @@ int MusicCommand(const std::vector<std::string>& arguments)
         return ImportMusic(*request);
     }
     std::optional<FoundLump> lump;
-    const int status = OpenAndFind(*request, lump);
+    const int status = OpenAndFind(request->Positional, lump);
     if (!lump)
     {
         return status;

@@ -25,7 +25,13 @@ std::vector<uint8_t> GameIndexes(const FilePicture& picture, const Palette& game
     if (picture.Indexed)
     {
         read.FilePalette = picture.FilePalette;
-        read.Translation = MatchPaletteTable(picture.FilePalette, gamePalette, options.Margins);
+        // A picture already in the game palette keeps its indexes: matching would send each of
+        // the palette's repeated colours to the first of them, and a lump exported and brought
+        // back would change.
+        read.Translation =
+            picture.FilePalette == gamePalette
+                ? IdentityTable()
+                : MatchPaletteTable(picture.FilePalette, gamePalette, options.Margins);
         indexes = picture.Indexes;
         if (options.MatchPalette)
         {

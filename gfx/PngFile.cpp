@@ -230,6 +230,10 @@ void TakePixels(png_structp png, png_infop info, ReadContext& context, int bytes
                  static_cast<png_uint_32>(raster.Height()), 8, PNG_COLOR_TYPE_PALETTE,
                  PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
     png_set_PLTE(png, info, context.Colors.data(), static_cast<int>(context.Colors.size()));
+    // Palette pictures of a game are small and flat: the fastest deflate and no row filters
+    // make files of nearly the same size in a fraction of the time.
+    png_set_compression_level(png, 1);
+    png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_NONE);
     if (raster.leftOffset != 0 || raster.topOffset != 0)
     {
         png_unknown_chunk grab{};

@@ -83,6 +83,29 @@ TEST(BmpAndPcx, RoundTripsOfEveryPitch)
     }
 }
 
+TEST(BmpAndPcx, APictureInTheGamePaletteKeepsEveryIndexEvenOfARepeatedColour)
+{
+    Palette game{};
+    for (int i = 0; i < 256; ++i)
+    {
+        game[static_cast<size_t>(i)] = {static_cast<uint8_t>(i), static_cast<uint8_t>(255 - i), 7};
+    }
+    game[200] = game[100]; // palettes repeat colours; matching would send 200 to 100
+    ImageRaster raster(3, 1);
+    raster.Set(0, 0, 100);
+    raster.Set(1, 0, 200);
+    raster.Set(2, 0, 5);
+    FilePicture decoded;
+    ASSERT_EQ(DecodeBmp(EncodeBmp(raster, game), decoded), BmpStatus::Ok);
+    PictureOptions options;
+    const ImageRaster back = ToGamePalette(decoded, game, options).Raster;
+    EXPECT_EQ(back.At(1, 0), 200);
+    Palette other = game;
+    other[5] = {1, 2, 3};
+    EXPECT_EQ(ToGamePalette(decoded, other, options).Raster.At(1, 0), 100)
+        << "a picture in another palette is matched, repeated colours to the first";
+}
+
 TEST(Bmp, HeaderAsWrittenAndOptionalFields)
 {
     const Palette palette = test::FreedoomPalette();

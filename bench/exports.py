@@ -1,9 +1,11 @@
 #!/usr/bin/env python3
-# Times extracting every sound of freedoom2.wad to WAV files as whole processes: deutex -sounds
-# beside kelvar-cli sound export --all, each into a fresh folder, alternating, `runs` times.
-# Usage: sounds.py KELVAR_CLI RUNS. Prints "deutex <median s>", "kelvar <median s>" and the
-# counts of files each wrote, then the medians of the processor time (user + system) each
-# used, which a busy machine disturbs less. deutex also writes the PC speaker sounds as text.
+# Times extracting every sound (as WAV) or every sprite (as PNG) of freedoom2.wad as whole
+# processes: deutex -sounds or -sprites beside kelvar-cli sound export --all or picture export
+# --all sprites, each into a fresh folder, alternating, `runs` times.
+# Usage: exports.py KELVAR_CLI RUNS [sounds|sprites]. Prints "deutex <median s>", "kelvar
+# <median s>" and the counts of files each wrote, then the medians of the processor time (user
+# + system) each used, which a busy machine disturbs less. deutex also writes the PC speaker
+# sounds as text.
 # SPDX-License-Identifier: GPL-3.0-or-later
 import os
 import shutil
@@ -14,6 +16,9 @@ import tempfile
 import time
 
 cli, runs = os.path.abspath(sys.argv[1]), int(sys.argv[2])
+kind = sys.argv[3] if len(sys.argv) > 3 else "sounds"
+if kind not in ("sounds", "sprites"):
+    sys.exit("the kind is sounds or sprites")
 iwad = "/usr/share/games/doom/freedoom2.wad"
 
 
@@ -44,10 +49,13 @@ with tempfile.TemporaryDirectory() as work:
             os.mkdir(out)
             if tool == "deutex":
                 # deutex finds its IWAD only by a path relative to where it runs.
-                command = ["/usr/games/deutex", "-doom2", "iwad", "-dir", tool, "-sounds", "-extract"]
-                written = os.path.join(out, "sounds")
-            else:
+                command = ["/usr/games/deutex", "-doom2", "iwad", "-dir", tool, "-" + kind, "-extract"]
+                written = os.path.join(out, kind)
+            elif kind == "sounds":
                 command = [cli, "sound", "export", iwad, "--all", "-d", out]
+                written = out
+            else:
+                command = [cli, "picture", "export", iwad, "--all", "sprites", "-d", out]
                 written = out
             wall, used = timed(command, work)
             times[tool].append(wall)
