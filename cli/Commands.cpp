@@ -12,6 +12,7 @@
 #include "cli/SaveCommands.h"
 #include "cli/SoundCommands.h"
 #include "cli/StatusCommands.h"
+#include "cli/TextureCommands.h"
 #include "cli/WadCommands.h"
 #include "map/Selection.h"
 #include "platform/ConsoleUi.h"
@@ -80,6 +81,9 @@ void PrintUsage(std::FILE* out)
                "                          a PWAD holding the MIDI file converted to MUS\n"
                "  music render IWAD [PWAD...] LUMP -o FILE.wav [--soundfont FILE.sf2]\n"
                "                          a music lump played into a wave by fluidsynth\n"
+               "  textures IWAD [PWAD...] [--flats|--patches|--sprites]\n"
+               "                          the wall textures (or flats, PNAMES patches, sprites)\n"
+               "                          with their sizes, where each lies and its file\n"
                "  picture export IWAD [PWAD...] NAME -o FILE.png|FILE.bmp|FILE.pcx [--texture]\n"
                "                          a picture lump, or the texture of that name composed\n"
                "                          from its patches, in the game palette (a PNG keeps\n"
@@ -178,6 +182,10 @@ int Run(int argc, char** argv)
     if (command == "music")
     {
         return MusicCommand(rest);
+    }
+    if (command == "textures")
+    {
+        return ListTextures(rest);
     }
     if (command == "picture")
     {
