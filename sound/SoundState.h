@@ -1,4 +1,4 @@
-// The settings of sound and music conversion: the tempos of the two MIDI directions.
+// The settings of sound and music: the tempos of the two MIDI directions, the interface sounds.
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
 // Design notes
@@ -21,6 +21,12 @@ struct SoundState
     int MusToMidiTempo = 89;
     /// The MUS tick rate, in ticks per second, that kelvarmus writes.
     int MidiToMusTempo = 140;
+    /// Whether the interface sounds play at all.
+    bool InterfaceSoundsOn = true;
+    /// Off: the interface sounds are the plain beep instead.
+    bool SoundHardwareOn = true;
+    /// Set when music failed to open; later music is refused until the session ends.
+    bool MidiOpenFailed = false;
 };
 
 /// The one instance.
