@@ -49,12 +49,13 @@ public:
     }
 };
 
-/// Plays nothing and says so truthfully: no device, every play refused. kelvar-cli's.
+/// Takes every play and plays nothing: kelvar-cli's, and what is there before the editor
+/// installs its own. It has no device, but a play is no failure, so nothing beeps in its place.
 class SilentAudio final : public Audio
 {
 public:
-    bool PlayWave(std::span<const std::uint8_t>) override { return false; }
-    int PlayMidi(std::span<const std::uint8_t>) override { return AudioNoDevice; }
+    bool PlayWave(std::span<const std::uint8_t>) override { return true; }
+    int PlayMidi(std::span<const std::uint8_t>) override { return AudioStarted; }
     void StopSound() override {}
     void StopMusic() override {}
     bool HasDevice() override { return false; }

@@ -6,6 +6,7 @@
 #include "app/ui/MainWindow.h"
 #include "platform/Fatal.h"
 #include "platform/Paths.h"
+#include "platform/qt/QtAudio.h"
 #include "platform/qt/QtClock.h"
 #include "platform/qt/QtUi.h"
 
@@ -58,6 +59,8 @@ int main(int argc, char** argv)
     }
 
     platform::QtClock clock;
+    platform::QtAudio audio;
+    platform::ScopedAudio installedAudio(audio);
     app::MainWindow window;
     ui.SetOwner(&window);
     ui.SetStatusSink([&window](const std::string& text) { window.ShowStatusText(text); });

@@ -16,6 +16,7 @@
 #include "run/RunState.h"
 #include "run/ui/TestOptionsDialog.h"
 #include "run/ui/TestR3dDialog.h"
+#include "sound/InterfaceSounds.h"
 #include "wad/WadState.h"
 
 #include <QApplication>
@@ -34,6 +35,28 @@ namespace kelvar::app
 {
 namespace
 {
+
+// The interface sound a command's cue asks for; whether it plays is the sound settings' call.
+void PlayCueSound(SoundCue cue)
+{
+    switch (cue)
+    {
+    case SoundCue::None:
+        return;
+    case SoundCue::Confirm:
+        sound::PlayInterfaceSound(sound::SoundConfirm);
+        return;
+    case SoundCue::Mode:
+        sound::PlayInterfaceSound(sound::SoundMode);
+        return;
+    case SoundCue::Tick:
+        sound::PlayInterfaceSound(sound::SoundTick);
+        return;
+    case SoundCue::Selection:
+        sound::PlayInterfaceSound(sound::SoundSelection);
+        return;
+    }
+}
 
 QString Text(std::string_view text)
 {
@@ -315,6 +338,7 @@ void MainWindow::ActOnRequests()
     }
     Acting = true;
     const CommandRequests requests = TakeRequests();
+    PlayCueSound(requests.Sound);
     if (requests.MiscMenuChanged || requests.MenuStateChanged)
     {
         BuildMenus();

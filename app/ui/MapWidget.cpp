@@ -9,6 +9,7 @@
 #include "map/MapState.h"
 #include "map/Selection.h"
 #include "platform/qt/QtCanvas.h"
+#include "sound/Playback.h"
 #include "view/Colors.h"
 #include "view/Renderer.h"
 #include "view/ViewState.h"
@@ -371,6 +372,12 @@ void MapWidget::EdgeScrollTick()
 
 void MapWidget::keyPressEvent(QKeyEvent* event)
 {
+    if (event->key() == Qt::Key_Escape)
+    {
+        // Esc silences a sound or music that is playing, and goes on to do what it does here.
+        sound::StopSound();
+        sound::StopMusic();
+    }
     if (ToolKey(event))
     {
         return;
