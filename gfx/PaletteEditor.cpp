@@ -253,7 +253,8 @@ int GradientColormap(PaletteEditorState& state, int begin, int end)
 void AdjustColors(PaletteEditorState& state, const ColorAdjustment& adjustment)
 {
     const auto [first, last] = Range(state);
-    const auto adjust = [&](Palette& palette)
+    // Copied into the lambda by name: clang 14 can't capture structured bindings.
+    const auto adjust = [&, first = first, last = last](Palette& palette)
     {
         for (int i = first; i <= last; ++i)
         {
