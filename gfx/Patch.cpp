@@ -95,12 +95,17 @@ void DrawPost(const std::uint8_t* pixels, int count, int row, int column, ImageR
         // The usual case, straight down the column; rows above the top are passed over.
         const int first = std::max(0, -row);
         const int end = std::min(count, target.Height() - row);
-        const auto pitch = static_cast<std::ptrdiff_t>(target.Pitch());
-        std::uint8_t* out = target.Row(0) + (row + first) * pitch + column;
-        for (int i = first; i < end; ++i, out += pitch)
+        // A post wholly above or below the target (or an empty target) draws nothing, and its
+        // first pixel's address would lie outside the raster.
+        if (first < end)
         {
-            *out = pixels[i];
-            used |= pixels[i] == fillIndex;
+            const auto pitch = static_cast<std::ptrdiff_t>(target.Pitch());
+            std::uint8_t* out = target.Row(0) + (row + first) * pitch + column;
+            for (int i = first; i < end; ++i, out += pitch)
+            {
+                *out = pixels[i];
+                used |= pixels[i] == fillIndex;
+            }
         }
     }
     else

@@ -160,7 +160,9 @@ std::span<const std::uint8_t> UnwrapRiff(std::span<const std::uint8_t> bytes)
         {
             return bytes.subspan(at + 8, std::min<std::size_t>(size, bytes.size() - at - 8));
         }
-        at += 8 + size + (size & 1);
+        // Summed as std::size_t: in 32 bits a size near 4 GB wraps to a step of 0 and the walk
+        // never ends.
+        at += 8 + std::size_t{size} + (size & 1);
     }
     return {};
 }
