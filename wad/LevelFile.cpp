@@ -118,7 +118,7 @@ bool WriteReject(WadOutput& out, const SavePlan& plan, const map::LevelData& lev
     {
         // AttackStep zero bytes, then the attack byte, over and over.
         const std::size_t period = static_cast<std::size_t>(choices.AttackStep) + 1;
-        for (std::size_t i = choices.AttackStep; i < table.size(); i += period)
+        for (std::size_t i = period - 1; i < table.size(); i += period)
         {
             table[i] = choices.AttackByte;
         }
