@@ -16,6 +16,7 @@
 #include "platform/Fatal.h"
 #include "platform/Format.h"
 #include "platform/Messages.h"
+#include "sound/SoundState.h"
 #include "view/ViewState.h"
 #include "wad/CheckedFile.h"
 #include "wad/FileTable.h"
@@ -281,6 +282,9 @@ void ApplyViewSettings()
     options.ExpertMode = chk.ExpertMode != 0;
     options.AdditiveSelect = chk.AdditiveSelect != 0;
     options.UndoEnabled = chk.EnableUndo != 0;
+    // The editor's own sounds (selection, mode change, confirmations) follow "Enable Sound
+    // Select"; the sound output itself is the audio port's business.
+    sound::Sound().InterfaceSoundsOn = chk.EnableSoundSelect != 0;
     if (chk.UndoLimit >= 10 && chk.UndoLimit <= 1000)
     {
         options.UndoLimit = chk.UndoLimit;

@@ -2,6 +2,9 @@
 // mode cycle, AutoMode, and the unsaved-changes question.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/Modes.h"
+#include "app/Session.h"
+#include "app/ShellState.h"
+#include "sound/SoundState.h"
 #include "tests/app/CommandTestKit.h"
 
 namespace kelvar::app
@@ -197,6 +200,16 @@ TEST_F(ModesTest, TheUnsavedChangesQuestionOnlyComesWithChanges)
     EXPECT_FALSE(ContinueWithUnsavedChanges("Edit Level"));
     EXPECT_EQ(Ui.Last().Text(), " You have unsaved Changes.  Continue with Edit Level?");
     EXPECT_TRUE(Ui.Last().IsQuestion());
+}
+
+TEST_F(ModesTest, TheEditorsOwnSoundsFollowEnableSoundSelect)
+{
+    Shell().Chk.EnableSoundSelect = 0;
+    ApplyViewSettings();
+    EXPECT_FALSE(sound::Sound().InterfaceSoundsOn);
+    Shell().Chk.EnableSoundSelect = 1;
+    ApplyViewSettings();
+    EXPECT_TRUE(sound::Sound().InterfaceSoundsOn);
 }
 
 } // namespace
