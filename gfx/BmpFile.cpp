@@ -253,35 +253,10 @@ int LoadBmp(const std::filesystem::path& fileName, int scale, bool matchPalette,
 int SaveBmp(const std::string& name, const ImageRaster& raster, const Palette* palette,
             const std::filesystem::path& fileName, bool prompt)
 {
-    std::filesystem::path path = fileName;
-    if (prompt)
-    {
-        const auto chosen = ChoosePictureFile("BMP name", name, ".BMP");
-        if (!chosen)
-        {
-            return -1;
-        }
-        path = *chosen;
-    }
-    const std::vector<uint8_t> bytes =
-        EncodeBmp(raster, palette != nullptr ? *palette : Palettes().GamePalette);
-    const int result = WritePictureBytes(path, bytes);
-    if (result == WriteCreateFailed)
-    {
-        platform::ShowError("DIB Error opening file!");
-        return BmpCreateFailed;
-    }
-    if (result == WriteFailed)
-    {
-        platform::ShowError("DIB Error saving file!");
-        return BmpSaveFailed;
-    }
-    if (prompt)
-    {
-        platform::ShowInfo("BMP %s (%d x %-d) Saved Successfully", path.c_str(), raster.Width(),
-                           raster.Height());
-    }
-    return BmpSaved;
+    const Palette& colors = palette != nullptr ? *palette : Palettes().GamePalette;
+    return SavePictureFile("BMP", ".BMP", name, raster, fileName, prompt,
+                           [&]() -> std::optional<std::vector<uint8_t>>
+                           { return EncodeBmp(raster, colors); });
 }
 
 } // namespace kelvar::gfx

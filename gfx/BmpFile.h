@@ -22,11 +22,6 @@ enum class BmpStatus
     Unsupported, // a bit count other than 1, 4, 8, 16, 24, 32, or a size out of range
 };
 
-/// BMP results of SaveBmp.
-inline constexpr int BmpSaved = 0;
-inline constexpr int BmpSaveFailed = 5000;
-inline constexpr int BmpCreateFailed = 5002;
-
 /// Decodes a BMP: 1, 4 and 8 bits as indexes with the file's palette, 16 (5-5-5), 24 and
 /// 32 bits as colours; top-down and bottom-up rows. A colour count of 0 means 1 << bits.
 BmpStatus DecodeBmp(std::span<const uint8_t> bytes, FilePicture& out);

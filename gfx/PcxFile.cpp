@@ -239,35 +239,10 @@ int ReadImageFile(int kind, bool matchPalette, int scale, const std::filesystem:
 int SavePcx(const std::string& name, const ImageRaster& raster, const Palette* palette,
             const std::filesystem::path& fileName, bool prompt)
 {
-    std::filesystem::path path = fileName;
-    if (prompt)
-    {
-        const auto chosen = ChoosePictureFile("PCX name", name, ".PCX");
-        if (!chosen)
-        {
-            return -1;
-        }
-        path = *chosen;
-    }
-    const std::vector<uint8_t> bytes =
-        EncodePcx(raster, palette != nullptr ? *palette : Palettes().GamePalette);
-    const int result = WritePictureBytes(path, bytes);
-    if (result == WriteCreateFailed)
-    {
-        platform::ShowError("DIB Error opening file!");
-        return BmpCreateFailed;
-    }
-    if (result == WriteFailed)
-    {
-        platform::ShowError("DIB Error saving file!");
-        return BmpSaveFailed;
-    }
-    if (prompt)
-    {
-        platform::ShowInfo("PCX %s (%d x %-d) Saved Successfully", path.c_str(), raster.Width(),
-                           raster.Height());
-    }
-    return BmpSaved;
+    const Palette& colors = palette != nullptr ? *palette : Palettes().GamePalette;
+    return SavePictureFile("PCX", ".PCX", name, raster, fileName, prompt,
+                           [&]() -> std::optional<std::vector<uint8_t>>
+                           { return EncodePcx(raster, colors); });
 }
 
 } // namespace kelvar::gfx

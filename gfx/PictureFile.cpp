@@ -3,6 +3,7 @@
 #include "gfx/PictureFile.h"
 
 #include "gfx/GamePalette.h"
+#include "platform/Messages.h"
 #include "platform/Ui.h"
 
 #include <algorithm>
@@ -151,6 +152,40 @@ ChoosePictureFile(const std::string& caption, const std::string& name, const std
         Palettes().PictureFolder = path->parent_path();
     }
     return path;
+}
+
+int SavePictureFile(const std::string& kind, const std::string& extension, const std::string& name,
+                    const ImageRaster& raster, const std::filesystem::path& fileName, bool prompt,
+                    const std::function<std::optional<std::vector<uint8_t>>()>& bytes)
+{
+    std::filesystem::path path = fileName;
+    if (prompt)
+    {
+        const auto chosen = ChoosePictureFile(kind + " name", name, extension);
+        if (!chosen)
+        {
+            return -1;
+        }
+        path = *chosen;
+    }
+    const std::optional<std::vector<uint8_t>> encoded = bytes();
+    const int result = encoded ? WritePictureBytes(path, *encoded) : WriteFailed;
+    if (result == WriteCreateFailed)
+    {
+        platform::ShowError("DIB Error opening file!");
+        return BmpCreateFailed;
+    }
+    if (result == WriteFailed)
+    {
+        platform::ShowError("DIB Error saving file!");
+        return BmpSaveFailed;
+    }
+    if (prompt)
+    {
+        platform::ShowInfo("%s %s (%d x %-d) Saved Successfully", kind.c_str(), path.c_str(),
+                           raster.Width(), raster.Height());
+    }
+    return BmpSaved;
 }
 
 } // namespace kelvar::gfx

@@ -16,6 +16,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -88,6 +89,19 @@ inline constexpr int WriteFailed = 2;
 
 /// Writes a picture file's bytes: WriteDone, WriteCreateFailed, or WriteFailed.
 int WritePictureBytes(const std::filesystem::path& path, std::span<const uint8_t> bytes);
+
+/// Results of the picture saves (SaveBmp, SavePcx, SavePng).
+inline constexpr int BmpSaved = 0;
+inline constexpr int BmpSaveFailed = 5000;
+inline constexpr int BmpCreateFailed = 5002;
+
+/// The save every picture file kind shares: with `prompt` the dialog "<KIND> name" proposes
+/// `name` with `extension` (-1 when cancelled); `bytes` are written (nothing from the encoder is
+/// a failed write); "DIB Error opening file!" or "DIB Error saving file!" on failure, and with
+/// `prompt` "<KIND> %s (%d x %-d) Saved Successfully" after.
+int SavePictureFile(const std::string& kind, const std::string& extension, const std::string& name,
+                    const ImageRaster& raster, const std::filesystem::path& fileName, bool prompt,
+                    const std::function<std::optional<std::vector<uint8_t>>()>& bytes);
 
 /// The file dialog of a picture save: `caption` ("BMP name"...), proposing `name` with
 /// `extension` in the folder last used. Nothing when cancelled.

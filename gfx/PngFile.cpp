@@ -351,34 +351,10 @@ int LoadPng(const std::filesystem::path& fileName, int scale, bool matchPalette,
 int SavePng(const std::string& name, const ImageRaster& raster, const Palette* palette,
             const std::filesystem::path& fileName, bool prompt)
 {
-    std::filesystem::path path = fileName;
-    if (prompt)
-    {
-        const auto chosen = ChoosePictureFile("PNG name", name, ".PNG");
-        if (!chosen)
-        {
-            return -1;
-        }
-        path = *chosen;
-    }
-    const auto bytes = EncodePng(raster, palette != nullptr ? *palette : Palettes().GamePalette);
-    const int result = bytes ? WritePictureBytes(path, *bytes) : WriteFailed;
-    if (result == WriteCreateFailed)
-    {
-        platform::ShowError("DIB Error opening file!");
-        return BmpCreateFailed;
-    }
-    if (result == WriteFailed)
-    {
-        platform::ShowError("DIB Error saving file!");
-        return BmpSaveFailed;
-    }
-    if (prompt)
-    {
-        platform::ShowInfo("PNG %s (%d x %-d) Saved Successfully", path.c_str(), raster.Width(),
-                           raster.Height());
-    }
-    return BmpSaved;
+    const Palette& colors = palette != nullptr ? *palette : Palettes().GamePalette;
+    return SavePictureFile("PNG", ".PNG", name, raster, fileName, prompt,
+                           [&]() -> std::optional<std::vector<uint8_t>>
+                           { return EncodePng(raster, colors); });
 }
 
 } // namespace kelvar::gfx
