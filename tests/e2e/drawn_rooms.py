@@ -11,7 +11,7 @@ import sys
 
 import omg
 
-from nodes_and_engine import edit_level, engine_runs, undo_differences
+from nodes_and_engine import edit_level, played_and_undone
 
 IWAD = "/usr/share/games/doom/freedoom2.wad"
 LEVEL = "MAP01"
@@ -73,18 +73,7 @@ def main():
                      if 4800 <= v.x <= 5500 and 3300 <= v.y <= 3900)
     if corners != [(4936, 3424), (4936, 3808), (5320, 3424), (5320, 3808)]:
         failures.append(f"the turned and scaled room's corners: {corners}")
-    ok, engine = engine_runs(IWAD, out, LEVEL, work)
-    if not ok:
-        failures.append(f"dsda-doom exit {engine.returncode}\n{engine.stdout[-500:]}")
-
-    undone = os.path.join(work, "undone.wad")
-    run = edit_level(cli, work, IWAD, LEVEL, undone, script + "; undo" * steps)
-    if run.returncode != 0:
-        failures.append(f"undo script exit {run.returncode}\n{run.stderr[-1000:]}")
-    else:
-        back = omg.MapEditor(omg.WAD(undone).maps[LEVEL])
-        for kind in undo_differences(before, back):
-            failures.append(f"after undo, {kind} differ")
+    failures += played_and_undone(cli, work, IWAD, LEVEL, out, script, steps, before)
 
     for failure in failures:
         print("FAIL " + failure)

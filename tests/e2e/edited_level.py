@@ -11,7 +11,7 @@ import sys
 
 import omg
 
-from nodes_and_engine import edit_level, engine_runs, undo_differences
+from nodes_and_engine import edit_level, played_and_undone
 
 IWAD = "/usr/share/games/doom/freedoom2.wad"
 LEVEL = "MAP01"
@@ -96,19 +96,7 @@ def main():
     closed = [s for s in after.sectors if s.z_floor == s.z_ceil and s.tx_ceil == "FLAT20"]
     if not closed:
         failures.append("no closed door Sector")
-    ok, engine = engine_runs(IWAD, out, LEVEL, work)
-    if not ok:
-        failures.append(f"dsda-doom exit {engine.returncode}\n{engine.stdout[-500:]}")
-
-    # Every step undone: the objects save as they were read.
-    undone = os.path.join(work, "undone.wad")
-    run = edit_level(cli, work, IWAD, LEVEL, undone, script + "; undo" * steps)
-    if run.returncode != 0:
-        failures.append(f"undo script exit {run.returncode}\n{run.stderr[-1000:]}")
-    else:
-        back = omg.MapEditor(omg.WAD(undone).maps[LEVEL])
-        for kind in undo_differences(before, back):
-            failures.append(f"after undo, {kind} differ")
+    failures += played_and_undone(cli, work, IWAD, LEVEL, out, script, steps, before)
 
     for failure in failures:
         print("FAIL " + failure)

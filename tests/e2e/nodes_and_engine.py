@@ -39,6 +39,24 @@ def undo_differences(before, back):
     return differ
 
 
+def played_and_undone(cli, work, iwad, name, out, script, steps, before):
+    """The failures of the two checks every edit script ends with: dsda-doom plays the saved
+    level, and the script with every step undone saves the level's objects as they were read."""
+    failures = []
+    ok, engine = engine_runs(iwad, out, name, work)
+    if not ok:
+        failures.append(f"dsda-doom exit {engine.returncode}\n{engine.stdout[-500:]}")
+    undone = os.path.join(work, "undone.wad")
+    run = edit_level(cli, work, iwad, name, undone, script + "; undo" * steps)
+    if run.returncode != 0:
+        failures.append(f"undo script exit {run.returncode}\n{run.stderr[-1000:]}")
+    else:
+        back = omg.MapEditor(omg.WAD(undone).maps[name])
+        for kind in undo_differences(before, back):
+            failures.append(f"after undo, {kind} differ")
+    return failures
+
+
 def edit_level(cli, work, iwad, name, out, script, new_level=False):
     """Runs `kelvar-cli edit` with a script on one level (made empty first with new_level),
     saving with nodes to `out`."""
