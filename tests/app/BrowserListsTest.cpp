@@ -8,7 +8,7 @@
 #include "gfx/PngFile.h"
 #include "gfx/TextureCatalogue.h"
 #include "gfx/TextureLumps.h"
-#include "tests/testkit/WadFixture.h"
+#include "tests/app/BrowserFixture.h"
 #include "wad/WadState.h"
 
 #include <gtest/gtest.h>
@@ -38,31 +38,9 @@ bool IsUpper(const std::string& name)
     return std::none_of(name.begin(), name.end(), [](char c) { return c >= 'a' && c <= 'z'; });
 }
 
-class BrowserListsTest : public testkit::WadFixture
+class BrowserListsTest : public FreedoomBrowserFixture
 {
 protected:
-    void SetUp() override
-    {
-        WadFixture::SetUp();
-        DropAll();
-        ASSERT_EQ(OpenIwad(Freedoom2), 1);
-        game::SelectTablesFor(map::GameDoom2, map::GameDoom2, false, false);
-        ASSERT_EQ(gfx::LoadGamePalette(0), 1);
-    }
-    void TearDown() override
-    {
-        DropAll();
-        WadFixture::TearDown();
-    }
-    static void DropAll()
-    {
-        ResetBrowser();
-        game::ResetGame();
-        gfx::ResetPalettes();
-        gfx::Catalogue() = {};
-        gfx::TextureLumps() = {};
-    }
-
     // A browser on `variant` as OpenBrowser starts it, with the grid of a large window.
     BrowserState Open(int variant, bool externalOnly = false)
     {

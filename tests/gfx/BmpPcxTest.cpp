@@ -40,21 +40,9 @@ PictureRead Decoded(const FilePicture& picture, const Palette& game)
     return ToGamePalette(picture, game, options);
 }
 
-class PictureFileTest : public testkit::WadFixture
+class PictureFileTest : public test::FreedoomPaletteFixture
 {
 protected:
-    void SetUp() override
-    {
-        WadFixture::SetUp();
-        ResetPalettes();
-        Palettes().GamePalette = test::FreedoomPalette();
-    }
-    void TearDown() override
-    {
-        ResetPalettes();
-        WadFixture::TearDown();
-    }
-
     std::string Write(const std::string& name, const std::vector<uint8_t>& bytes)
     {
         const std::string path = Dir.File(name);

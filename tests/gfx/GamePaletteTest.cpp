@@ -14,19 +14,8 @@ namespace kelvar::gfx
 namespace
 {
 
-class GamePaletteTest : public testkit::WadFixture
+class GamePaletteTest : public test::PaletteFixture
 {
-protected:
-    void SetUp() override
-    {
-        WadFixture::SetUp();
-        ResetPalettes();
-    }
-    void TearDown() override
-    {
-        ResetPalettes();
-        WadFixture::TearDown();
-    }
 };
 
 std::string PaletteLump(Rgb first, int palettes)

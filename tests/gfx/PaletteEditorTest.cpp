@@ -18,20 +18,9 @@ namespace kelvar::gfx
 namespace
 {
 
-class PaletteEditorTest : public testkit::WadFixture
+class PaletteEditorTest : public test::PaletteFixture
 {
 protected:
-    void SetUp() override
-    {
-        WadFixture::SetUp();
-        ResetPalettes();
-    }
-    void TearDown() override
-    {
-        ResetPalettes();
-        WadFixture::TearDown();
-    }
-
     void OpenFreedoom()
     {
         ASSERT_EQ(OpenIwad(testkit::FreedoomWad("freedoom2.wad")), 1);

@@ -18,21 +18,9 @@ namespace kelvar::gfx
 namespace
 {
 
-class PngFileTest : public testkit::WadFixture
+class PngFileTest : public test::FreedoomPaletteFixture
 {
 protected:
-    void SetUp() override
-    {
-        WadFixture::SetUp();
-        ResetPalettes();
-        Palettes().GamePalette = test::FreedoomPalette();
-    }
-    void TearDown() override
-    {
-        ResetPalettes();
-        WadFixture::TearDown();
-    }
-
     void RunPil(const std::string& body)
     {
         testkit::WriteFile(Dir.File("make.py"),

@@ -8,7 +8,7 @@
 #include "gfx/GamePalette.h"
 #include "gfx/TextureCatalogue.h"
 #include "gfx/TextureLumps.h"
-#include "tests/testkit/WadFixture.h"
+#include "tests/app/BrowserFixture.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -23,31 +23,9 @@ namespace kelvar::app
 namespace
 {
 
-class BrowserWindowTest : public testkit::WadFixture
+class BrowserWindowTest : public FreedoomBrowserFixture
 {
 protected:
-    void SetUp() override
-    {
-        WadFixture::SetUp();
-        DropAll();
-        ASSERT_EQ(OpenIwad("/usr/share/games/doom/freedoom2.wad"), 1);
-        game::SelectTablesFor(map::GameDoom2, map::GameDoom2, false, false);
-        ASSERT_EQ(gfx::LoadGamePalette(0), 1);
-    }
-    void TearDown() override
-    {
-        DropAll();
-        WadFixture::TearDown();
-    }
-    static void DropAll()
-    {
-        ResetBrowser();
-        game::ResetGame();
-        gfx::ResetPalettes();
-        gfx::Catalogue() = {};
-        gfx::TextureLumps() = {};
-    }
-
     // Opens the browser's list as OpenBrowser does, and the window on it, shown.
     std::unique_ptr<BrowserWindow> Show(int variant, const std::string& start)
     {
