@@ -23,16 +23,7 @@ namespace kelvar::map
 namespace
 {
 
-// A list marked in the order given: the last is the head.
-ObjectList Marked(std::initializer_list<int> objects)
-{
-    ObjectList list;
-    for (const int object : objects)
-    {
-        ObjectListPush(list, object);
-    }
-    return list;
-}
+using testkit::Marked;
 
 // Three rooms in a row, Sectors 0, 1 and 2 from west to east, sharing the walls x = 128
 // (LineDef 8: Sector 1 in front, 0 behind) and x = 256 (LineDef 9: Sector 2 in front, 1

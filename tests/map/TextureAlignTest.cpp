@@ -18,15 +18,7 @@ namespace kelvar::map
 namespace
 {
 
-ObjectList Marked(std::initializer_list<int> objects)
-{
-    ObjectList list;
-    for (const int object : objects)
-    {
-        ObjectListPush(list, object);
-    }
-    return list;
-}
+using testkit::Marked;
 
 // A wall of three LineDefs along y = 0 from x = 0, of lengths 100, 50 and 70, running east,
 // two-sided onto a second Sector behind, textures on both sides given per LineDef.

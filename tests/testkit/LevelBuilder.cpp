@@ -242,6 +242,16 @@ WadBuilder& LevelBuilder::WriteTo(WadBuilder& wad, std::string_view name, LevelL
     return wad;
 }
 
+map::ObjectList Marked(std::initializer_list<int> objects)
+{
+    map::ObjectList list;
+    for (const int object : objects)
+    {
+        map::ObjectListPush(list, object);
+    }
+    return list;
+}
+
 LevelBuilder TwoRoomsBuilder()
 {
     LevelBuilder builder;

@@ -3,9 +3,11 @@
 #pragma once
 
 #include "map/LevelData.h"
+#include "map/ObjectList.h"
 #include "tests/testkit/MapPrinters.h"
 #include "tests/testkit/WadBuilder.h"
 
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -67,6 +69,9 @@ public:
 private:
     map::LevelData Data;
 };
+
+/// A list marked in the order given: the last is the head, as a user's last click is.
+map::ObjectList Marked(std::initializer_list<int> objects);
 
 /// Two rooms sharing the wall x = 128 (LineDef 4, Vertexes 3 to 2). The west room, Sector 0
 /// (floor 0, ceiling 128), is bordered by LineDefs 0, 1, 2 and 4; the east room, Sector 1

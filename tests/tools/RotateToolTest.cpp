@@ -25,16 +25,6 @@ protected:
     void SetUp() override { map::ResetMap(); }
     void TearDown() override { map::ResetMap(); }
 
-    static map::ObjectList Listed(std::initializer_list<int> objects)
-    {
-        map::ObjectList list;
-        for (const int object : objects)
-        {
-            map::ObjectListPush(list, object);
-        }
-        return list;
-    }
-
     void Press(int key, int times, bool shift = false)
     {
         for (int i = 0; i < times; ++i)
@@ -66,7 +56,7 @@ TEST_F(RotateToolTest, QuarterTurnsAreExactAndFourReturnEveryVertex)
     Map().Level = testkit::LevelBuilder().Vertex(-64, -64).Vertex(64, 64).Vertex(0, 0).Build();
     Map().Options.GridSnap = false;
     const map::LevelData before = Map().Level;
-    ASSERT_TRUE(RotateScaleBegin(Rotation, map::ModeVertexes, Listed({0, 1, 2})));
+    ASSERT_TRUE(RotateScaleBegin(Rotation, map::ModeVertexes, testkit::Marked({0, 1, 2})));
     Press('>', 90);
     EXPECT_EQ(At(0), (map::Vertex{64, -64})) << "counter-clockwise";
     EXPECT_EQ(At(1), (map::Vertex{-64, 64}));
@@ -82,7 +72,7 @@ TEST_F(RotateToolTest, QuarterTurnsAreExactAndFourReturnEveryVertex)
     // four quarter turns recomputed from the saved copy lose nothing.
     Map().Level = Triangle();
     const map::LevelData triangle = Map().Level;
-    ASSERT_TRUE(RotateScaleBegin(Rotation, map::ModeSectors, Listed({0})));
+    ASSERT_TRUE(RotateScaleBegin(Rotation, map::ModeSectors, testkit::Marked({0})));
     Press('>', 90);
     EXPECT_EQ(At(0), (map::Vertex{43, 23}));
     EXPECT_EQ(At(1), (map::Vertex{-56, 23}));
@@ -94,7 +84,7 @@ TEST_F(RotateToolTest, QuarterTurnsAreExactAndFourReturnEveryVertex)
 TEST_F(RotateToolTest, WithTheGridOnNoTurnStillSnaps)
 {
     Map().Level = testkit::LevelBuilder().Polygon({{3, 5}, {50, 77}, {100, 3}}).Build();
-    ASSERT_TRUE(RotateScaleBegin(Rotation, map::ModeVertexes, Listed({0, 1, 2})));
+    ASSERT_TRUE(RotateScaleBegin(Rotation, map::ModeVertexes, testkit::Marked({0, 1, 2})));
     Press('>', 1);
     Press('<', 1);
     EXPECT_EQ(Rotation.Angle, 0);
@@ -106,7 +96,7 @@ TEST_F(RotateToolTest, WithTheGridOnNoTurnStillSnaps)
 TEST_F(RotateToolTest, KeysAndMouseStepTheAngleAndScale)
 {
     Map().Level = Triangle();
-    ASSERT_TRUE(RotateScaleBegin(Rotation, map::ModeLineDefs, Listed({1})));
+    ASSERT_TRUE(RotateScaleBegin(Rotation, map::ModeLineDefs, testkit::Marked({1})));
     EXPECT_EQ(Rotation.Vertexes.size(), 2u) << "one LineDef is two Vertexes: enough";
     Press('>', 1);
     Press(' ', 1);
@@ -145,10 +135,10 @@ TEST_F(RotateToolTest, FewerThanTwoObjectsAreRefusedWithoutAnUndoStep)
 {
     Map().Level = Triangle();
     const map::LevelData before = Map().Level;
-    EXPECT_FALSE(RotateScaleBegin(Rotation, map::ModeVertexes, Listed({2})));
+    EXPECT_FALSE(RotateScaleBegin(Rotation, map::ModeVertexes, testkit::Marked({2})));
     EXPECT_EQ(Ui.Last().Title, "Select");
     EXPECT_EQ(Ui.Last().Text(), "Select at least 2 Vertexs");
-    EXPECT_FALSE(RotateScaleBegin(Rotation, map::ModeThings, Listed({})));
+    EXPECT_FALSE(RotateScaleBegin(Rotation, map::ModeThings, testkit::Marked({})));
     EXPECT_EQ(Ui.Last().Text(), "Select at least 2 Things");
     EXPECT_EQ(Map().Undo.Position, -1);
     EXPECT_EQ(Map().Level, before);
@@ -160,7 +150,7 @@ TEST_F(RotateToolTest, ThingsTurnAboutTheirOwnCentreAndCountNoGeometry)
     Map().Options.GridSnap = false;
     Map().Options.UndoEnabled = false; // the tool's step is taken all the same
     const map::LevelData before = Map().Level;
-    ASSERT_TRUE(RotateScaleBegin(Rotation, map::ModeThings, Listed({0, 1})));
+    ASSERT_TRUE(RotateScaleBegin(Rotation, map::ModeThings, testkit::Marked({0, 1})));
     EXPECT_EQ(Map().Undo.Position, 0);
     Rotation.AngleStep = 180;
     Press('>', 1);
@@ -177,7 +167,7 @@ TEST_F(RotateToolTest, EscapePutsBackTheSavedCopy)
     room.Room(0, 0, 128, 128).Thing(64, 32, 1).Thing(500, 500, 1);
     Map().Level = room.Build();
     const map::LevelData before = Map().Level;
-    ASSERT_TRUE(RotateScaleBegin(Rotation, map::ModeSectors, Listed({0})));
+    ASSERT_TRUE(RotateScaleBegin(Rotation, map::ModeSectors, testkit::Marked({0})));
     EXPECT_EQ(Rotation.Things, (std::vector<std::int32_t>{0})) << "the Sector's Thing only";
     Press(' ', 1);
     Press('>', 11);
@@ -195,7 +185,7 @@ TEST_F(RotateToolTest, EscapePutsBackTheSavedCopy)
 TEST_F(RotateToolTest, FinishMergesVertexesScaledOntoOneAskingOnce)
 {
     Map().Level = testkit::WallOfTwoLines(); // Vertexes at 0, 64 and 128 along y = 0
-    ASSERT_TRUE(RotateScaleBegin(Rotation, map::ModeVertexes, Listed({0, 2})));
+    ASSERT_TRUE(RotateScaleBegin(Rotation, map::ModeVertexes, testkit::Marked({0, 2})));
     Press(' ', 1);
     Press('R', 25, true); // scale 0: both ends onto the middle Vertex
     EXPECT_EQ(At(0), (map::Vertex{64, 0}));
