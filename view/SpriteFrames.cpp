@@ -124,19 +124,24 @@ void ClearSpriteFrames()
 
 const std::array<std::uint32_t, 256>& DisplayColors()
 {
+    // Asked for every sprite drawn: the table is made again only when the palette changed, and
+    // the check compares in place rather than copying the palette.
     static std::array<std::uint32_t, 256> colors{};
-    static std::optional<gfx::Palette> madeFrom;
+    static gfx::Palette madeFrom{};
+    static int made = -1; // -1 never, 0 from the gray ramp, 1 from the display palette
     const gfx::PaletteState& palettes = gfx::Palettes();
-    const gfx::Palette shown = palettes.Loaded ? palettes.DisplayPalette : gfx::GrayRamp();
-    if (madeFrom != shown)
+    const int source = palettes.Loaded ? 1 : 0;
+    if (made == source && (source == 0 || madeFrom == palettes.DisplayPalette))
     {
-        for (std::size_t i = 0; i < colors.size(); ++i)
-        {
-            colors[i] = (std::uint32_t{shown[i].red} << 16) | (std::uint32_t{shown[i].green} << 8) |
-                        shown[i].blue;
-        }
-        madeFrom = shown;
+        return colors;
     }
+    madeFrom = source == 1 ? palettes.DisplayPalette : gfx::GrayRamp();
+    for (std::size_t i = 0; i < colors.size(); ++i)
+    {
+        colors[i] = (std::uint32_t{madeFrom[i].red} << 16) |
+                    (std::uint32_t{madeFrom[i].green} << 8) | madeFrom[i].blue;
+    }
+    made = source;
     return colors;
 }
 
