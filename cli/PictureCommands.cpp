@@ -238,22 +238,14 @@ int ExportPicture(const Request& request)
 std::optional<gfx::ImageRaster> ReadPictureFile(const Bytes& bytes, const std::string& file)
 {
     gfx::FilePicture decoded;
-    bool read = false;
-    bool fast = false;
-    if (bytes.size() >= 8 && bytes[0] == 0x89 && bytes[1] == 'P' && bytes[2] == 'N' &&
-        bytes[3] == 'G')
-    {
-        read = gfx::DecodePng(bytes, decoded) == gfx::PngStatus::Ok;
-        fast = true;
-    }
-    else if (bytes.size() >= 2 && bytes[0] == 'B' && bytes[1] == 'M')
-    {
-        read = gfx::DecodeBmp(bytes, decoded) == gfx::BmpStatus::Ok;
-    }
-    else if (!bytes.empty() && bytes[0] == 0x0A)
-    {
-        read = gfx::DecodePcx(bytes, decoded, nullptr) == gfx::PcxStatus::Ok;
-    }
+    const gfx::LumpKind kind =
+        gfx::ClassifyLumpPrefix(bytes, static_cast<std::int64_t>(bytes.size())).Kind;
+    const bool fast = kind == gfx::LumpKind::Png;
+    const bool read =
+        (kind == gfx::LumpKind::Png && gfx::DecodePng(bytes, decoded) == gfx::PngStatus::Ok) ||
+        (kind == gfx::LumpKind::Bmp && gfx::DecodeBmp(bytes, decoded) == gfx::BmpStatus::Ok) ||
+        (kind == gfx::LumpKind::Pcx &&
+         gfx::DecodePcx(bytes, decoded, nullptr) == gfx::PcxStatus::Ok);
     if (!read)
     {
         std::fprintf(stderr, "kelvar-cli: %s is no PNG, BMP or PCX picture it can read\n",
