@@ -100,7 +100,7 @@ BrowserPicture ComposedTexture(const std::string& name)
     {
         for (const gfx::TexturePatch& patch : lump->Patches(*record))
         {
-            const std::vector<std::uint8_t> bytes =
+            const std::vector<std::uint8_t>& bytes =
                 gfx::PatchBytes(patch.Index, gfx::DefaultTextureCacheLimit);
             if (gfx::HasPngSignature(bytes))
             {
@@ -257,7 +257,7 @@ BrowserPicture ReadBrowserPicture(const BrowserState& state, int index)
         return LevelPicture(state, item);
     case BrowsePnames:
     {
-        const std::vector<std::uint8_t> bytes =
+        const std::vector<std::uint8_t>& bytes =
             gfx::PatchBytes(item.Number, gfx::DefaultTextureCacheLimit);
         return DecodeLump(bytes, static_cast<std::int64_t>(bytes.size()), false);
     }

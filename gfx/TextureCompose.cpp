@@ -8,6 +8,7 @@
 #include "wad/FindLump.h"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace kelvar::gfx
@@ -38,24 +39,27 @@ void DrawOver(ImageRaster& target, const ImageRaster& patch, int x, int y, std::
 
 } // namespace
 
-std::vector<std::uint8_t> PatchBytes(int index, std::int32_t cacheLimit)
+const std::vector<std::uint8_t>& PatchBytes(int index, std::int32_t cacheLimit)
 {
+    static std::vector<std::uint8_t> uncached; // a patch too large to keep, or none
     std::vector<PatchRecord>& patches = Catalogue().Patches;
     if (index < 0 || static_cast<std::size_t>(index) >= patches.size())
     {
-        return {};
+        uncached.clear();
+        return uncached;
     }
     PatchRecord& record = patches[static_cast<std::size_t>(index)];
-    if (!record.Data.empty())
+    if (record.Data.empty())
     {
-        return record.Data;
+        std::vector<std::uint8_t> bytes = wad::ReadLumpBytes(record.DirectoryIndex);
+        if (record.Size > cacheLimit)
+        {
+            uncached = std::move(bytes);
+            return uncached;
+        }
+        record.Data = std::move(bytes);
     }
-    std::vector<std::uint8_t> bytes = wad::ReadLumpBytes(record.DirectoryIndex);
-    if (record.Size <= cacheLimit)
-    {
-        record.Data = bytes;
-    }
-    return bytes;
+    return record.Data;
 }
 
 std::optional<ImageRaster> ComposeTexture(std::string_view name, const ComposeOptions& options)
@@ -74,7 +78,7 @@ std::optional<ImageRaster> ComposeTexture(std::string_view name, const ComposeOp
     ImageRaster picture(texture->Width, texture->Height, options.Background);
     for (const TexturePatch& placed : lump->Patches(*texture))
     {
-        const std::vector<std::uint8_t> bytes = PatchBytes(placed.Index, options.CacheLimit);
+        const std::vector<std::uint8_t>& bytes = PatchBytes(placed.Index, options.CacheLimit);
         const std::optional<ImageRaster> patch =
             bytes.empty() ? std::nullopt : DecodePatch(bytes, options.Background);
         if (patch)

@@ -30,7 +30,8 @@ std::optional<ImageRaster> ComposeTexture(std::string_view name,
                                           const ComposeOptions& options = {});
 
 /// The bytes of PNAMES entry `index`, read once and kept when not larger than `cacheLimit`.
-/// Empty when the entry has no lump.
-std::vector<std::uint8_t> PatchBytes(int index, std::int32_t cacheLimit);
+/// Empty when the entry has no lump. The bytes of a patch too large to keep are valid until the
+/// next call.
+const std::vector<std::uint8_t>& PatchBytes(int index, std::int32_t cacheLimit);
 
 } // namespace kelvar::gfx
