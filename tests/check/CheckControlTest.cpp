@@ -1,0 +1,2 @@
+// Tests of CheckControl.
+// SPDX-License-Identifier: GPL-3.0-or-later

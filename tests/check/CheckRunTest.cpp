@@ -1,0 +1,2 @@
+// Tests of CheckRun.
+// SPDX-License-Identifier: GPL-3.0-or-later

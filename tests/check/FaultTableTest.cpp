@@ -1,0 +1,2 @@
+// Tests of FaultTable.
+// SPDX-License-Identifier: GPL-3.0-or-later

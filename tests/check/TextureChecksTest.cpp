@@ -1,0 +1,2 @@
+// Tests of TextureChecks.
+// SPDX-License-Identifier: GPL-3.0-or-later

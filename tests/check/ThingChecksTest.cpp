@@ -1,0 +1,2 @@
+// Tests of ThingChecks.
+// SPDX-License-Identifier: GPL-3.0-or-later
