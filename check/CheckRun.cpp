@@ -61,8 +61,29 @@ bool CheckRun::Poll(std::size_t done, std::size_t total)
 
 void CheckRun::Log(int kind, std::uint32_t index, const std::string& text)
 {
-    Findings.push_back({static_cast<std::uint16_t>(kind), index, text});
+    Findings.push_back({static_cast<std::uint16_t>(kind), index, text, false});
     ++ErrorCount;
+}
+
+void CheckRun::LogDetail(const std::string& text)
+{
+    Findings.push_back({0, 0, text, true});
+}
+
+// Lines of one finding not tied to an object: the first opens it, the others are its detail.
+void CheckRun::LogLines(const std::vector<std::string>& lines)
+{
+    for (std::size_t i = 0; i < lines.size(); ++i)
+    {
+        if (i == 0)
+        {
+            Log(0, 0, lines[i]);
+        }
+        else
+        {
+            LogDetail(lines[i]);
+        }
+    }
 }
 
 Answer CheckRun::Verify(const Prompt& prompt)
@@ -78,20 +99,20 @@ Answer CheckRun::Verify(const Prompt& prompt)
             }
             else
             {
-                Findings.push_back({0, 0, prompt.Lines[i]});
+                LogDetail(prompt.Lines[i]);
             }
         }
         if (prompt.Crash)
         {
-            Findings.push_back({0, 0, CrashWarning()});
+            LogDetail(CrashWarning());
         }
         return Mode == RunMode::LogAndFix && offersFix ? Answer::Fix : Answer::Continue;
     }
 
     platform::Message message;
-    message.Title = platform::Format("Verification Failed on (%s  # %lu)",
-                                     map::KindName(prompt.Kind),
-                                     static_cast<unsigned long>(prompt.Index));
+    message.Title =
+        platform::Format("Verification Failed on (%s  # %lu)", map::KindName(prompt.Kind),
+                         static_cast<unsigned long>(prompt.Index));
     const std::size_t shown = std::min(prompt.Lines.size(), PromptLineLimit);
     message.Lines.assign(prompt.Lines.begin(),
                          prompt.Lines.begin() + static_cast<std::ptrdiff_t>(shown));
@@ -131,11 +152,7 @@ Answer CheckRun::Ask(const std::string& title, const std::vector<std::string>& l
 {
     if (Logging())
     {
-        for (const std::string& line : lines)
-        {
-            Findings.push_back({0, 0, line});
-        }
-        ++ErrorCount;
+        LogLines(lines);
         return Mode == RunMode::LogAndFix ? Answer::Fix : Answer::Continue;
     }
     platform::Message message;
@@ -151,10 +168,7 @@ void CheckRun::Tell(const std::string& title, const std::vector<std::string>& li
 {
     if (Logging())
     {
-        for (const std::string& line : lines)
-        {
-            Findings.push_back({0, 0, line});
-        }
+        LogLines(lines);
         return;
     }
     platform::Message message;

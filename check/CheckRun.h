@@ -33,28 +33,28 @@ namespace kelvar::check
 /// editor options the checks read.
 struct CheckSettings
 {
-    bool UpperTexture = true;       // "Upper Texture"
-    bool NormalTexture = true;      // "Normal Texture"
-    bool LowerTexture = true;       // "Lower Texture"
-    bool XOffsets = false;          // "X Offsets"
-    bool YOffsets = false;          // "Y Offsets"
-    bool MultiPatchTextures = true; // "Multi-Patch Txtr.'s"
-    bool SectorClosed1 = true;      // "Sector Closed 1"
-    bool SectorClosed2 = true;      // "Sector Closed 2"
-    bool SectorClosed3 = true;      // "Sector Closed 3"
+    bool UpperTexture = true;        // "Upper Texture"
+    bool NormalTexture = true;       // "Normal Texture"
+    bool LowerTexture = true;        // "Lower Texture"
+    bool XOffsets = false;           // "X Offsets"
+    bool YOffsets = false;           // "Y Offsets"
+    bool MultiPatchTextures = true;  // "Multi-Patch Txtr.'s"
+    bool SectorClosed1 = true;       // "Sector Closed 1"
+    bool SectorClosed2 = true;       // "Sector Closed 2"
+    bool SectorClosed3 = true;       // "Sector Closed 3"
     bool OverlappingLineDefs = true; // "Check Overlapping Linedefs"
-    bool DuplicateSideDefs = true;  // "Check Duplicate Sidedefs"
-    bool DuplicateLineDefs = true;  // "Check Duplicate Linedefs"
-    bool DuplicateVertices = true;  // "Check Duplicate Vertex"
-    bool ThingsInSector = true;     // "Things in Sector"
-    bool ThingShooter = true;       // "Thing Shooter"
-    bool ThingsOnTop = true;        // "Things on Top"
-    bool CheckKeys = true;          // "Check Keys ( HEXEN )"
-    bool CheckTags = true;          // "Check Tags"
-    bool ShortLines = true;         // "Check Short Lines"
-    int ShortestLine = 0;           // "Shortest Line to check\n( 0 - 8 units )"
-    bool PlayerStarts = true;       // "Check Player Starts"
-    bool ThingTypes = true;         // "Check Thing Type"
+    bool DuplicateSideDefs = true;   // "Check Duplicate Sidedefs"
+    bool DuplicateLineDefs = true;   // "Check Duplicate Linedefs"
+    bool DuplicateVertices = true;   // "Check Duplicate Vertex"
+    bool ThingsInSector = true;      // "Things in Sector"
+    bool ThingShooter = true;        // "Thing Shooter"
+    bool ThingsOnTop = true;         // "Things on Top"
+    bool CheckKeys = true;           // "Check Keys ( HEXEN )"
+    bool CheckTags = true;           // "Check Tags"
+    bool ShortLines = true;          // "Check Short Lines"
+    int ShortestLine = 0;            // "Shortest Line to check\n( 0 - 8 units )"
+    bool PlayerStarts = true;        // "Check Player Starts"
+    bool ThingTypes = true;          // "Check Thing Type"
 
     bool ExpertMode = false;             // "Expert Mode (Fewer Messages)"
     bool MergeDuplicateVertices = false; // "Merge Duplicate Vertices": pairs merge unasked
@@ -76,12 +76,14 @@ enum class RunMode : std::uint8_t
 };
 
 /// One entry of the error list: the object's kind (map::Kind...; 0 for a line of text), its
-/// number and the text.
+/// number and the text. The lines of one finding after its first are marked Detail, so a
+/// reader of the list can keep a finding's lines together.
 struct Finding
 {
     std::uint16_t Kind = 0;
     std::uint32_t Index = 0;
     std::string Text;
+    bool Detail = false;
 
     bool operator==(const Finding&) const = default;
 };
@@ -141,8 +143,11 @@ public:
     /// and at the end.
     bool Poll(std::size_t done, std::size_t total);
 
-    /// LogError: a line of the error list.
+    /// LogError: a line of the error list, counted as a finding.
     void Log(int kind, std::uint32_t index, const std::string& text);
+
+    /// A further line of the finding logged last.
+    void LogDetail(const std::string& text);
 
     /// VerifyFinding. Prompting: the box titled "Verification Failed on (%s  # %lu)" with the
     /// lines and "Press Cancel to see the Object", Continue and Cancel (and the fix button);
@@ -157,7 +162,7 @@ public:
     Answer Ask(const std::string& title, const std::vector<std::string>& lines);
 
     /// A message with only OK. Prompting: shown under `title`; logging: its lines go to the
-    /// list as text.
+    /// list as one finding.
     void Tell(const std::string& title, const std::vector<std::string>& lines);
 
     /// Before a repair: takes the undo step when the run's level is the editor's level.
@@ -165,6 +170,8 @@ public:
     void BeforeRepair();
 
 private:
+    void LogLines(const std::vector<std::string>& lines);
+
     std::size_t PollCalls = 0;
 };
 
