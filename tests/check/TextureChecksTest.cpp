@@ -156,8 +156,7 @@ TEST_F(TextureChecks, AOneSidedWallWithoutANormalTextureGetsMarble)
 {
     map::LevelData level = CleanTwoRooms();
     level.SideDefs[2].NormalTexture = map::NoTexture;
-    const std::vector<std::string> missing = {"Linedef 2: sideDef1 2 missing normal texture",
-                                              "Continue (leaves it alone)?"};
+    const std::vector<std::string> missing = {"Linedef 2: sideDef1 2 missing normal texture"};
     EXPECT_EQ(Found(level, Heights), missing);
     Settings.NormalTexture = false;
     EXPECT_TRUE(Found(level, Heights).empty()) << "the option gates the test";
@@ -180,10 +179,10 @@ TEST_F(TextureChecks, TwoSidedWallsNeedUpperAndLowerTexturesWhereHeightsDiffer)
     level.Sectors[1].FloorHeight = 16; // the west side sees the east room's step up
     level.Sectors[0].FloorHeight = 0;
     EXPECT_EQ(Found(level, Heights),
-              (std::vector<std::string>{
-                  "Linedef 4: sideDef2 7 has no upper texture", "2-sided LineDef requires Texture.",
-                  "Continue (leaves it alone)?", "Linedef 4: sideDef2 7 has no lower texture",
-                  "2-sided LineDef requires Texture.", "Continue (leaves it alone)?"}));
+              (std::vector<std::string>{"Linedef 4: sideDef2 7 has no upper texture",
+                                        "2-sided LineDef requires Texture.",
+                                        "Linedef 4: sideDef2 7 has no lower texture",
+                                        "2-sided LineDef requires Texture."}));
 
     // The mirror rules: the east side sees the west room's higher floor and lower ceiling.
     map::LevelData mirror = testkit::TwoRooms();
@@ -192,10 +191,10 @@ TEST_F(TextureChecks, TwoSidedWallsNeedUpperAndLowerTexturesWhereHeightsDiffer)
     const std::vector<std::string> found = Found(mirror, Heights);
     EXPECT_TRUE(Has(found, "Linedef 4: sideDef1 6 has no upper texture"));
     EXPECT_TRUE(Has(found, "Linedef 4: sideDef1 6 has no lower texture"));
-    EXPECT_EQ(found.size(), 6u);
+    EXPECT_EQ(found.size(), 4u);
 
     Settings.UpperTexture = false;
-    EXPECT_EQ(Found(level, Heights).size(), 3u) << "only the lower texture is tested";
+    EXPECT_EQ(Found(level, Heights).size(), 2u) << "only the lower texture is tested";
     Settings.LowerTexture = false;
     EXPECT_TRUE(Found(level, Heights).empty());
     Settings = {};
@@ -243,8 +242,7 @@ TEST_F(TextureChecks, AWallThatShowsOnlyOnceALiftHasLoweredIsFound)
 
     EXPECT_EQ(Found(level, Heights),
               (std::vector<std::string>{"Linedef 4: sideDef1 6 has no lower texture",
-                                        "Lower Floor LineDef requires Texture.",
-                                        "Continue (leaves it alone)?"}));
+                                        "Lower Floor LineDef requires Texture."}));
     EXPECT_EQ(level, before) << "the moved heights never reach the level";
     const auto& progress = Ui.Progress;
     EXPECT_TRUE(
@@ -257,7 +255,7 @@ TEST_F(TextureChecks, AWallThatShowsOnlyOnceALiftHasLoweredIsFound)
     const std::vector<std::string> found = Found(level, Heights);
     EXPECT_EQ(std::count(found.begin(), found.end(), "Linedef 4: sideDef2 7 has no lower texture"),
               1);
-    EXPECT_EQ(found.size(), 3u);
+    EXPECT_EQ(found.size(), 2u);
 
     // The run over a list tests only the LineDefs that touch it.
     level.Sectors[1].FloorHeight = 0;
@@ -285,16 +283,13 @@ TEST_F(TextureChecks, CeilingsThatMoveAreTestedRaisedAndLowered)
     level.LineDefs[0].Tag = 1;
     level.Sectors[1].Tag = 1;
     const std::string missing = "Linedef 4: sideDef1 6 has no upper texture";
-    const std::string leave = "Continue (leaves it alone)?";
-    EXPECT_EQ(
-        Found(level, Heights),
-        (std::vector<std::string>{missing, "Raise Ceiling LineDef requires Texture.", leave}));
+    EXPECT_EQ(Found(level, Heights),
+              (std::vector<std::string>{missing, "Raise Ceiling LineDef requires Texture."}));
     level.LineDefs[1].Type = 44;
     level.LineDefs[1].Tag = 2;
     level.Sectors[0].Tag = 2;
-    EXPECT_EQ(
-        Found(level, Heights),
-        (std::vector<std::string>{missing, "Lower Ceiling LineDef requires Texture.", leave}));
+    EXPECT_EQ(Found(level, Heights),
+              (std::vector<std::string>{missing, "Lower Ceiling LineDef requires Texture."}));
 }
 
 TEST_F(TextureChecks, EscapeInAMovedRunLeavesTheSectorsAsTheyWere)
@@ -331,8 +326,7 @@ TEST_F(TextureChecks, AMultiPatchNormalTextureOnATwoSidedLineIsAWarningOnce)
     map::LevelData level = LiftLevel();
     level.SideDefs[6].NormalTexture = TextureName::From("MIDGRATE");
     level.SideDefs[6].LowerTexture = TextureName::From("STARTAN3");
-    const std::vector<std::string> warning = {"Linedef 4, texture MIDGRATE has 3 patches!",
-                                              "Possible problem, continue?"};
+    const std::vector<std::string> warning = {"Linedef 4, texture MIDGRATE has 3 patches!"};
     EXPECT_EQ(Found(level, Heights), warning) << "once, not again in the lift's run";
     EXPECT_TRUE(Found(level, HeightsFix).empty()) << "the automatic fix has nothing to do";
     Settings.MultiPatchTextures = false;
@@ -485,23 +479,21 @@ map::LevelData ExtraLevel()
 TEST_F(TextureChecks, TexturesNoHeightNeedsAreFoundAndUppersRemoved)
 {
     map::LevelData level = ExtraLevel();
-    const std::vector<std::string> extra = {
-        "Linedef 4: sideDef1 6 upper STONE2 not req",   "Continue (leaves it alone)?",
-        "Linedef 4: sideDef1 6 lower STARTAN3 not req", "Continue (no change)?",
-        "Linedef 4: sideDef2 7 lower STARTAN3 not req", "Continue (no change)?"};
+    const std::vector<std::string> extra = {"Linedef 4: sideDef1 6 upper STONE2 not req",
+                                            "Linedef 4: sideDef1 6 lower STARTAN3 not req",
+                                            "Linedef 4: sideDef2 7 lower STARTAN3 not req"};
     EXPECT_EQ(Found(level, Extra), extra);
 
     // The automatic fixes remove the upper texture and leave the lower ones.
     EXPECT_EQ(Fixed(level, Extra),
               (std::vector<std::string>{"Linedef 4: sideDef1 6 upper STONE2 not req",
-                                        "Continue (leaves it alone)?",
                                         "LineDef 4 Fixed Upper sideDef1 6"}));
     EXPECT_TRUE(level.SideDefs[6].UpperTexture.IsNone());
     EXPECT_EQ(level.SideDefs[7].UpperTexture, TextureName::From("STARTAN3")) << "needed";
     level.SideDefs[6].UpperTexture = TextureName::From("STONE2");
     EXPECT_EQ(Found(level, [](CheckRun& run) { return CheckExtraTextures(run, true); }),
               (std::vector<std::string>{"LineDef 4 Fixed Upper sideDef1 6"}));
-    EXPECT_EQ(Found(level, Extra), std::vector<std::string>(extra.begin() + 2, extra.end()));
+    EXPECT_EQ(Found(level, Extra), std::vector<std::string>(extra.begin() + 1, extra.end()));
 
     // The prompt asks first whether to look at lower textures.
     level.SideDefs[6].UpperTexture = TextureName::From("STONE2");
@@ -568,7 +560,7 @@ TEST_F(TextureChecks, AQuarterMillionLineDefsAreCheckedInOnePassPerRun)
         sector.Tag = 1;
     }
     ASSERT_GT(level.LineDefs.size(), 230000u);
-    EXPECT_EQ(Found(level, Heights).size(), 3u * (Sectors - 1)) << "every step's riser";
+    EXPECT_EQ(Found(level, Heights).size(), 2u * (Sectors - 1)) << "every step's riser";
     EXPECT_EQ(Found(level, Extra).size(), 0u);
 }
 

@@ -261,9 +261,15 @@ TEST_F(ThingChecks, MovingThingsInOneSidedWalls)
                                      {Trooper, 128, 244, 7},
                                      {HealthPotion, 2, 64, 7},
                                      {Trooper, 250, 250, 7}});
-    EXPECT_EQ(LogOf(level, CheckThings), (Lines{"Thing 0 Trooper", "is in a wall. Can it move?",
-                                                "Thing 3 Trooper", "is in a wall. Can it move?"}))
+    EXPECT_EQ(LogOf(level, CheckThings), (Lines{"Thing 0 Trooper", "Thing 3 Trooper"}))
         << "12 away is free, a bonus may touch walls";
+    CheckRun prompt(level, Settings, RunMode::Prompt);
+    Ui.Answer(1).Answer(1);
+    EXPECT_TRUE(CheckThings(prompt));
+    ASSERT_EQ(Ui.Messages.size(), 2u);
+    EXPECT_EQ(Ui.Messages[1].Lines, (Lines{"Thing 3 Trooper", "is in a wall. Can it move?",
+                                           "Press Cancel to see the Object"}))
+        << "the prompt asks what the list leaves out";
 
     // Beside a two-sided LineDef a Thing is in the open.
     map::LevelData rooms = testkit::TwoRooms();

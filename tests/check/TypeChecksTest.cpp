@@ -37,6 +37,15 @@ protected:
         }
         return lines;
     }
+
+    // The lines of the last message a prompted run of `check` showed, each answered Continue.
+    Lines PromptedLines(map::LevelData& level, bool (*check)(CheckRun&))
+    {
+        CheckRun run(level, Settings, RunMode::Prompt);
+        Ui.Answer(1);
+        EXPECT_TRUE(check(run));
+        return Ui.Messages.empty() ? Lines{} : Ui.Last().Lines;
+    }
 };
 
 // Three rooms side by side, Sectors 0, 1 and 2; LineDef 0 is the west wall of room 0, and
@@ -95,10 +104,9 @@ TEST_F(TypeChecks, TagsMustNameWhatTheTypeActsOn)
     lines.LineDefs[5].Tag = 9;
     EXPECT_TRUE(LogOf(lines, CheckLineTypes).empty());
     lines.LineDefs[5].Tag = 8;
-    EXPECT_EQ(
-        LogOf(lines, CheckLineTypes),
-        (Lines{"LineDef 0 W1 Light ON    Level goes to 255", "LineDef tag 9 not found",
-               "LineDef 5 -L Scroll Wall Left", "Sector tag 8 not required.", "Reset tag to 0?"}));
+    EXPECT_EQ(LogOf(lines, CheckLineTypes),
+              (Lines{"LineDef 0 W1 Light ON    Level goes to 255", "LineDef tag 9 not found",
+                     "LineDef 5 -L Scroll Wall Left", "Sector tag 8 not required."}));
 }
 
 TEST_F(TypeChecks, UnwantedLineTagIsResetOnRequest)
@@ -129,8 +137,7 @@ TEST_F(TypeChecks, UnwantedLineTagIsResetOnRequest)
 
     map::LevelData copy = map::Map().Level;
     EXPECT_EQ(LogOf(copy, CheckLineTypes, RunMode::LogAndFix),
-              (Lines{"LineDef 6 DR*OpenDoor Wait/Close", "Sector tag 7 not required.",
-                     "Reset tag to 0?"}));
+              (Lines{"LineDef 6 DR*OpenDoor Wait/Close", "Sector tag 7 not required."}));
     EXPECT_EQ(copy.LineDefs[6].Tag, 0);
     EXPECT_TRUE(LogOf(copy, CheckLineTypes).empty()) << "repaired, nothing is left to find";
 
@@ -154,9 +161,12 @@ TEST_F(TypeChecks, TeleportsNeedALandingForEverySkill)
 
     level.Sectors[2].Tag = 3;
     level.Things.push_back(ThingAt(600, 64, TeleportLanding, 7));
-    Lines twoSectors = missingHard;
-    twoSectors.push_back("2 Sectors have same Teleport Tag?");
-    EXPECT_EQ(LogOf(level, CheckLineTypes), twoSectors);
+    EXPECT_EQ(LogOf(level, CheckLineTypes), missingHard);
+    Lines asked = missingHard;
+    asked.insert(asked.end(),
+                 {"2 Sectors have same Teleport Tag?", "Press Cancel to see the Object"});
+    EXPECT_EQ(PromptedLines(level, CheckLineTypes), asked)
+        << "the list leaves out the closing question, the prompt asks it";
 
     level.Things[0].Flags = 4;
     level.Things.push_back(ThingAt(310, 64, TeleportLanding, 3));
@@ -208,8 +218,10 @@ TEST_F(TypeChecks, HexenThingIdsAndPolyobjects)
     map::Thing spot = ThingAt(300, 64, 3001);
     spot.Angle = 2;
     level.Things.push_back(spot);
-    EXPECT_EQ(LogOf(level, CheckLineTypes),
-              (Lines{"LineDef 0 Teleport", "Tid 5 found, but it's not a normal type?"}));
+    EXPECT_EQ(LogOf(level, CheckLineTypes), Lines{"LineDef 0 Teleport"});
+    EXPECT_EQ(PromptedLines(level, CheckLineTypes),
+              (Lines{"LineDef 0 Teleport", "Tid 5 found, but it's not a normal type?",
+                     "Press Cancel to see the Object"}));
     level.Things[0].Type = 9001;
     EXPECT_TRUE(LogOf(level, CheckLineTypes).empty());
 }
@@ -236,7 +248,7 @@ TEST_F(TypeChecks, SectorTypesAndTagsNoLineDefNames)
     level.Sectors[2].Tag = 6;
     level.LineDefs[0].Tag = 6;
     const Lines found = {"Sector 0, Invalid Sector type 999", "Sector 1 Normal",
-                         "LineDef tag 4 not found.", "Reset tag to 0?"};
+                         "LineDef tag 4 not found."};
     EXPECT_EQ(LogOf(level, CheckSectorTypes), found);
     EXPECT_EQ(Ui.Progress.front().first, "Checking Sector Types/Tags (esc)");
 
