@@ -9,6 +9,8 @@
 #include "platform/Ui.h"
 
 #include <algorithm>
+#include <array>
+#include <string_view>
 
 namespace kelvar::check
 {
@@ -34,6 +36,36 @@ const char* GameNameForCrash()
     default:
         return "DOOM";
     }
+}
+
+// True for a prompt's closing question, which asks what to do ("Delete the LineDef ?",
+// "Continue (leaves it alone)?") rather than tells what is wrong ("is in a wall. Can it
+// move?").
+bool IsClosingQuestion(const std::string& line)
+{
+    static constexpr std::array<std::string_view, 10> Asks = {
+        "Continue",    "Delete",           "Reset", "Set ", "Clear", "Merge", "Separate",
+        "Do you want", "Possible problem", "Skip"};
+    return line.ends_with('?') &&
+           std::any_of(Asks.begin(), Asks.end(),
+                       [&line](std::string_view ask) { return line.starts_with(ask); });
+}
+
+// The lines of a prompt that belong in the error list: not the question a prompt ends with,
+// nor its "Press Cancel ..." hint, which only make sense with the prompt's buttons.
+std::vector<std::string> ListLines(const std::vector<std::string>& lines)
+{
+    std::vector<std::string> kept;
+    for (std::size_t i = 0; i < lines.size(); ++i)
+    {
+        const std::string& line = lines[i];
+        const bool question = i > 0 && i + 1 == lines.size() && IsClosingQuestion(line);
+        if (!question && !line.starts_with("Press Cancel"))
+        {
+            kept.push_back(line);
+        }
+    }
+    return kept;
 }
 
 } // namespace
@@ -91,15 +123,16 @@ Answer CheckRun::Verify(const Prompt& prompt)
     const bool offersFix = prompt.ContinueFixes || !prompt.FixButton.empty();
     if (Logging())
     {
-        for (std::size_t i = 0; i < prompt.Lines.size(); ++i)
+        const std::vector<std::string> lines = ListLines(prompt.Lines);
+        for (std::size_t i = 0; i < lines.size(); ++i)
         {
             if (i == 0)
             {
-                Log(prompt.Kind, prompt.Index, prompt.Lines[i]);
+                Log(prompt.Kind, prompt.Index, lines[i]);
             }
             else
             {
-                LogDetail(prompt.Lines[i]);
+                LogDetail(lines[i]);
             }
         }
         if (prompt.Crash)
@@ -152,7 +185,7 @@ Answer CheckRun::Ask(const std::string& title, const std::vector<std::string>& l
 {
     if (Logging())
     {
-        LogLines(lines);
+        LogLines(ListLines(lines));
         return Mode == RunMode::LogAndFix ? Answer::Fix : Answer::Continue;
     }
     platform::Message message;
@@ -191,7 +224,8 @@ std::string FindingLine(const Finding& finding)
 {
     if (finding.Kind == 0)
     {
-        return finding.Text;
+        // A finding's further lines stand under its text, past the kind and the number.
+        return finding.Detail ? "         " + finding.Text : finding.Text;
     }
     // The number is shown in five digits, as the list's columns are laid out for; the entry
     // keeps the whole number for showing the object.

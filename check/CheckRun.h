@@ -121,7 +121,7 @@ public:
     CheckRun(map::LevelData& level, const CheckSettings& settings, RunMode mode);
 
     map::LevelData& Level;
-    const CheckSettings& Settings;
+    const CheckSettings Settings; // a copy: a run may outlive the settings it was given
     const RunMode Mode;
 
     /// The error list of the run, in the order found, and the count of findings logged.
@@ -151,14 +151,14 @@ public:
 
     /// VerifyFinding. Prompting: the box titled "Verification Failed on (%s  # %lu)" with the
     /// lines and "Press Cancel to see the Object", Continue and Cancel (and the fix button);
-    /// Cancel shows the object and answers Stop. Logging: each line goes to the list, the
-    /// first under the object, and the answer is Continue, or Fix under LogAndFix when the
-    /// prompt offers a repair.
+    /// Cancel shows the object and answers Stop. Logging: the lines go to the list, the first
+    /// under the object, all but a closing question and a "Press Cancel" hint; the answer is
+    /// Continue, or Fix under LogAndFix when the prompt offers a repair.
     Answer Verify(const Prompt& prompt);
 
     /// A yes/no question about the level as a whole ("Delete unused Vertices?"), under
-    /// `title`. Prompting: Yes answers Fix, No Continue. Logging: the lines go to the list as
-    /// text; Continue, or Fix under LogAndFix.
+    /// `title`. Prompting: Yes answers Fix, No Continue. Logging: the lines but the question go
+    /// to the list as one finding; Continue, or Fix under LogAndFix.
     Answer Ask(const std::string& title, const std::vector<std::string>& lines);
 
     /// A message with only OK. Prompting: shown under `title`; logging: its lines go to the
@@ -176,7 +176,8 @@ private:
 };
 
 /// The form of an error list line: "%.02s %#05hu %s", the first two letters of the kind's
-/// name, the number and the text; a text line (kind 0) is its text.
+/// name, the number and the text; a text line (kind 0) is its text, indented under the
+/// finding's text when it is a further line of one.
 std::string FindingLine(const Finding& finding);
 
 } // namespace kelvar::check

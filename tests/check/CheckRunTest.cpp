@@ -82,9 +82,7 @@ TEST_F(CheckRunTest, LoggingNeverAsksAndRepairsOnlyWhenToldTo)
     EXPECT_EQ(log.ErrorCount, 2);
     EXPECT_EQ(log.Findings,
               (std::vector<Finding>{{map::KindLineDef, 3, "LineDef 3 is -0- length!", false},
-                                    {0, 0, "Delete the LineDef ?", true},
-                                    {0, 0, "3 Vertexes are not used", false},
-                                    {0, 0, "Delete unused Vertices?", true}}));
+                                    {0, 0, "3 Vertexes are not used", false}}));
 
     CheckRun fix(Level, Settings, RunMode::LogAndFix);
     EXPECT_EQ(fix.Verify(LinePrompt(true)), Answer::Fix);
@@ -92,6 +90,29 @@ TEST_F(CheckRunTest, LoggingNeverAsksAndRepairsOnlyWhenToldTo)
     EXPECT_EQ(fix.Verify(LinePrompt()), Answer::Continue); // nothing offered: nothing taken
     EXPECT_EQ(fix.Ask("Unused", {"Delete unused Vertices?"}), Answer::Fix);
     EXPECT_TRUE(Ui.Messages.empty());
+}
+
+TEST_F(CheckRunTest, TheListKeepsWhatIsWrongAndDropsWhatThePromptAsks)
+{
+    CheckRun log(Level, Settings, RunMode::Log);
+    Prompt wall;
+    wall.Kind = map::KindThing;
+    wall.Index = 4;
+    wall.Lines = {"Thing 4 Trooper", "is in a wall. Can it move?"};
+    (void)log.Verify(wall);
+    Prompt tag;
+    tag.Kind = map::KindSector;
+    tag.Index = 2;
+    tag.Lines = {"Sector 2 Normal", "LineDef tag 9 not found.", "Press Cancel to see LineDef",
+                 "Reset tag to 0?"};
+    (void)log.Verify(tag);
+    std::vector<std::string> lines;
+    for (const Finding& finding : log.Findings)
+    {
+        lines.push_back(finding.Text);
+    }
+    EXPECT_EQ(lines, (std::vector<std::string>{"Thing 4 Trooper", "is in a wall. Can it move?",
+                                               "Sector 2 Normal", "LineDef tag 9 not found."}));
 }
 
 TEST_F(CheckRunTest, AskTellsYesFromNo)
@@ -137,7 +158,8 @@ TEST(FindingLineTest, ShowsTheKindsFirstTwoLettersAndFiveDigits)
               "Li 00042 LineDef 42 has no first SideDef.");
     EXPECT_EQ(FindingLine({map::KindSector, 7, "Sector 7 is not closed!"}),
               "Se 00007 Sector 7 is not closed!");
-    EXPECT_EQ(FindingLine({0, 0, "and LineDef 9"}), "and LineDef 9");
+    EXPECT_EQ(FindingLine({0, 0, "3 Vertexes are not used"}), "3 Vertexes are not used");
+    EXPECT_EQ(FindingLine({0, 0, "and LineDef 9", true}), "         and LineDef 9");
 }
 
 } // namespace

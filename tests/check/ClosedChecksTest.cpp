@@ -21,9 +21,10 @@ using ClosedChecks = CheckFixture;
 std::vector<std::string> ListLines(const CheckRun& run)
 {
     std::vector<std::string> lines;
+    // A finding's further lines without the indent that lines them up under its text.
     for (const Finding& finding : run.Findings)
     {
-        lines.push_back(FindingLine(finding));
+        lines.push_back(finding.Detail ? finding.Text : FindingLine(finding));
     }
     return lines;
 }

@@ -26,9 +26,10 @@ using Step = std::function<bool(CheckRun&)>;
 Lines ListLines(const CheckRun& run)
 {
     Lines lines;
+    // A finding's further lines without the indent that lines them up under its text.
     for (const Finding& finding : run.Findings)
     {
-        lines.push_back(FindingLine(finding));
+        lines.push_back(finding.Detail ? finding.Text : FindingLine(finding));
     }
     return lines;
 }

@@ -261,7 +261,8 @@ TEST_F(ThingChecks, MovingThingsInOneSidedWalls)
                                      {Trooper, 128, 244, 7},
                                      {HealthPotion, 2, 64, 7},
                                      {Trooper, 250, 250, 7}});
-    EXPECT_EQ(LogOf(level, CheckThings), (Lines{"Thing 0 Trooper", "Thing 3 Trooper"}))
+    EXPECT_EQ(LogOf(level, CheckThings), (Lines{"Thing 0 Trooper", "is in a wall. Can it move?",
+                                                "Thing 3 Trooper", "is in a wall. Can it move?"}))
         << "12 away is free, a bonus may touch walls";
     CheckRun prompt(level, Settings, RunMode::Prompt);
     Ui.Answer(1).Answer(1);
