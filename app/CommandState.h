@@ -51,6 +51,7 @@ struct CommandRequests
     bool MovePointer = false;      // put the pointer at PointerX, PointerY (window pixels)
     int PointerX = 0;
     int PointerY = 0;
+    int PostedCommand = 0; // a command to run once this one is done: the checker's statistics
     SoundCue Sound = SoundCue::None;
 
     bool operator==(const CommandRequests&) const = default;

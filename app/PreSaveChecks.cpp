@@ -2,8 +2,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/PreSaveChecks.h"
 
+#include "app/CheckerCommands.h"
 #include "app/ShellState.h"
 #include "check/SaveChecks.h"
+#include "check/ThingChecks.h"
 #include "map/MapState.h"
 
 namespace kelvar::app
@@ -31,8 +33,16 @@ bool RunPreSaveChecks()
         return false;
     }
     check::PlayerOneCheck(level);
-    // The level checker isn't part of the editor yet: the start count can't offer it.
-    return check::PlayerStartCountCheck(level, options, {});
+    // Yes to the start count's question runs the checker's player start and exit check.
+    const check::CheckSettings settings = CheckerSettings();
+    return check::PlayerStartCountCheck(level, options,
+                                        [&level, &settings]
+                                        {
+                                            check::CheckRun run(level, settings,
+                                                                check::RunMode::Prompt);
+                                            run.ShowObject = ShowCheckedObject;
+                                            return check::CheckPlayerStarts(run, true);
+                                        });
 }
 
 bool RunSaveAsChecks()

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/Router.h"
 
+#include "app/CheckerCommands.h"
 #include "app/CommandHandlers.h"
 #include "app/Modes.h"
 #include "app/RecentLists.h"
@@ -55,9 +56,12 @@ constexpr RouteRow RouteTable[] = {
     {CommandFirstStartup, CommandFirstStartup, AnyMode, StartupCommand, "first start-up"},
     {CmdOptionsMenu, CmdGraphicsMenu, AnyMode, nullptr, "F5 to F7 menus"},
     {CmdMiscMenu, CmdMiscMenu, AnyMode, MiscMenuCommand, "Misc Menu"},
-    {CmdPrefabMenu, CmdCheckLevel, AnyMode, nullptr, "F9, F10 menus"},
-    {CmdPackSideDefs, CmdCenterMapCoordinates, AnyMode, nullptr, "Pack, Unpack, Center"},
-    {CmdRenumberTags, CmdRenumberTags, AnyMode, nullptr, "Renumber"},
+    {CmdCheckLevel, CmdCheckLevel, AnyMode, CheckLevelCommand, "Check Level"},
+    {CmdStatistics, CmdStatistics, AnyMode, CheckLevelCommand, "Statistics"},
+    {CmdCheckOpt, CmdCheckOpt, AnyMode, nullptr, "CheckOpt (a button of the checker)"},
+    {CmdPrefabMenu, CmdPrefabMenu, AnyMode, nullptr, "F9 menu"},
+    {CmdPackSideDefs, CmdCenterMapCoordinates, AnyMode, RepairCommand, "Pack, Unpack, Center"},
+    {CmdRenumberTags, CmdRenumberTags, AnyMode, RepairCommand, "Renumber"},
     // Undo, clipboard, objects.
     {CmdRedo, CmdRedo, AnyMode, UndoCommand, "Redo"},
     {CmdUndo, CmdUndo, AnyMode, UndoCommand, "Undo"},
@@ -150,7 +154,7 @@ constexpr RouteRow RouteTable[] = {
     {531, 531, Vertexes, MiscEntryCommand, "First Free Tag"},
     {533, 533, Vertexes, MiscEntryCommand, "Merge Several Vertices into one"},
     {534, 534, Vertexes, MiscEntryCommand, "Add a Linedef and split Sector"},
-    {CmdAutoFixSector, CmdAutoFixSector, LineDefs | Sectors, nullptr, "Auto Fix Sector"},
+    {CmdAutoFixSector, CmdAutoFixSector, LineDefs | Sectors, RepairCommand, "Auto Fix Sector"},
     {CmdRaiseByStep, CmdResetStep, AnyMode, nullptr, "object step"},
     {CmdSplitAddVertex, CmdSplitAddVertex, LineDefs, MiscEntryCommand, "Split and Add Vertex"},
     {CmdSplitLineDefSector, CmdSplitLineDefSector, LineDefs, MiscEntryCommand,
@@ -159,7 +163,6 @@ constexpr RouteRow RouteTable[] = {
     {CmdDeleteVertexJoin, CmdDeleteVertexJoin, Vertexes, MiscEntryCommand,
      "Delete Vertex and join Linedefs"},
     {CmdTextureReport, CmdObjectReport, AnyMode, nullptr, "texture and object reports"},
-    {CmdStatistics, CmdCheckOpt, AnyMode, nullptr, "statistics, CheckOpt"},
     // Help, the workbench, lump tools, toolbars, user tools.
     {CmdHelpContents, CmdHelpContents, AnyMode, nullptr, "help"},
     {CmdAbout, CmdAbout, AnyMode, nullptr, "About"},

@@ -76,6 +76,9 @@ struct SessionHooks
     std::function<bool(wad::SaveOptions&)> SaveDialog;
     /// The screen's size in pixels, for the resolution check; {0, 0} when unknown.
     std::function<std::pair<int, int>()> ScreenSize;
+    /// Runs the level checker's dialog; true when it closed by its Statistics button. Empty:
+    /// no window.
+    std::function<bool()> CheckDialog;
 };
 
 /// The session words.

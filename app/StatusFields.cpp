@@ -148,6 +148,7 @@ constexpr StatusField ChkTable[] = {
     CHK(ThingShooter, 328),
     CHK(CheckThingTypes, 330),
     CHK(SectorClosed3, 331),
+    CHK(ShortestLine, 333),
     CHK(SelectBoxDashed, 358),
     CHK(GridDashed, 360),
     CHK(KeepExtraVertexDrawing, 367),

@@ -164,7 +164,8 @@ struct ChkRecord
     std::int16_t ThingShooter;
     std::uint8_t CheckThingTypes;
     std::int16_t SectorClosed3;
-    std::uint8_t Reserved333[25];
+    std::uint8_t ShortestLine; // "Shortest Line to check", 0 to 8 map units
+    std::uint8_t Reserved334[24];
     std::int16_t SelectBoxDashed;
     std::int16_t GridDashed;
     std::uint8_t Reserved362[5];

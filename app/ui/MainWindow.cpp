@@ -10,6 +10,7 @@
 #include "app/SaveDispatcher.h"
 #include "app/Session.h"
 #include "app/ShellState.h"
+#include "app/ui/CheckDialog.h"
 #include "app/ui/SaveDialog.h"
 #include "platform/Messages.h"
 #include "platform/Processes.h"
@@ -172,6 +173,14 @@ void MainWindow::InstallSessionHooks()
     hooks.CrashSave = [] { return CrashSave(); };
     hooks.SaveDialog = [this](wad::SaveOptions& options)
     { return SaveDialog::Ask(options, CustomBuilderReady, this); };
+    hooks.CheckDialog = [this]
+    {
+        if (ErrorList == nullptr)
+        {
+            ErrorList = new ErrorListWindow(this);
+        }
+        return CheckDialog::Open(*ErrorList, this);
+    };
     run::TestHooks& test = run::Run().Test.Hooks;
     test.EditTestOptions = [this](run::TestOptions& options, const std::string& info)
     { return run::EditTestOptions(this, options, info); };
@@ -385,6 +394,10 @@ void MainWindow::ActOnRequests()
             at = MapView->rect().center();
         }
         ShowMiscPopup(at);
+    }
+    if (requests.PostedCommand != 0)
+    {
+        Run(requests.PostedCommand, false);
     }
     if (requests.QuitRequested)
     {

@@ -15,6 +15,8 @@
 namespace kelvar::app
 {
 
+class ErrorListWindow;
+
 /// The window of the editor. It hooks itself into the session, so the session's start-up
 /// steps reach its menus, cursor and closing.
 class MainWindow final : public QMainWindow
@@ -64,6 +66,7 @@ private:
     void TakeKeyboardBack();
 
     MapWidget* MapView = nullptr;
+    ErrorListWindow* ErrorList = nullptr; // the checker's findings; made on first use
     QWidget* InfoPane = nullptr;
     QLabel* InfoLines = nullptr;
     QLabel* InfoTextures = nullptr;

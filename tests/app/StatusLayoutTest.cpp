@@ -121,6 +121,7 @@ TEST_F(StatusLayout, KelvarChkHoldsEveryOptionAtItsOffsetAndNothingElse)
         {"ThingShooter", 328, 2, 257},
         {"CheckThingTypes", 330, 1, 1},
         {"SectorClosed3", 331, 2, 257},
+        {"ShortestLine", 333, 1, 0},
         {"SelectBoxDashed", 358, 2, 1},
         {"GridDashed", 360, 2, 1},
         {"KeepExtraVertexDrawing", 367, 1, 0},
