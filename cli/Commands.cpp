@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/Commands.h"
 
+#include "cli/CheckCommands.h"
 #include "cli/EditCommands.h"
 #include "cli/GameCommands.h"
 #include "cli/KeyCommands.h"
@@ -81,6 +82,14 @@ void PrintUsage(std::FILE* out)
                "                          a PWAD holding the MIDI file converted to MUS\n"
                "  music render IWAD [PWAD...] LUMP -o FILE.wav [--soundfont FILE.sf2]\n"
                "                          a music lump played into a wave by fluidsynth\n"
+               "  check IWAD [PWAD...] MAPNAME [--only GROUP,...] [--json] [--fix -o OUT.wad]\n"
+               "                          the level checker's findings (all checks, or those of\n"
+               "                          the groups closed, xref, walls, names, things, lines,\n"
+               "                          sectors, extra), as text or JSON; --fix takes every\n"
+               "                          repair offered and saves. Exit status 1 when something\n"
+               "                          was found\n"
+               "  stats IWAD [PWAD...] MAPNAME\n"
+               "                          the level's statistics report\n"
                "  textures IWAD [PWAD...] [--flats|--patches|--sprites]\n"
                "                          the wall textures (or flats, PNAMES patches, sprites)\n"
                "                          with their sizes, where each lies and its file\n"
@@ -182,6 +191,14 @@ int Run(int argc, char** argv)
     if (command == "music")
     {
         return MusicCommand(rest);
+    }
+    if (command == "check")
+    {
+        return CheckLevel(rest);
+    }
+    if (command == "stats" && rest.size() >= 2)
+    {
+        return LevelStatistics(rest);
     }
     if (command == "textures")
     {
