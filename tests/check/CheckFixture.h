@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "check/CheckRun.h"
 #include "game/GameState.h"
 #include "map/MapState.h"
 #include "platform/Assert.h"
@@ -25,6 +26,29 @@ inline std::vector<std::string> MessageTexts(const platform::RecordingUi& ui)
         texts.push_back(message.Text());
     }
     return texts;
+}
+
+/// The text of each finding of a run, in order.
+inline std::vector<std::string> FoundTexts(const CheckRun& run)
+{
+    std::vector<std::string> texts;
+    for (const Finding& finding : run.Findings)
+    {
+        texts.push_back(finding.Text);
+    }
+    return texts;
+}
+
+/// The error list of a run as its lines read, a finding's further lines without the indent that
+/// lines them up under its text.
+inline std::vector<std::string> ListLines(const CheckRun& run)
+{
+    std::vector<std::string> lines;
+    for (const Finding& finding : run.Findings)
+    {
+        lines.push_back(finding.Detail ? finding.Text : FindingLine(finding));
+    }
+    return lines;
 }
 
 class CheckFixture : public ::testing::Test

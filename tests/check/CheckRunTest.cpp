@@ -106,13 +106,9 @@ TEST_F(CheckRunTest, TheListKeepsWhatIsWrongAndDropsWhatThePromptAsks)
     tag.Lines = {"Sector 2 Normal", "LineDef tag 9 not found.", "Press Cancel to see LineDef",
                  "Reset tag to 0?"};
     (void)log.Verify(tag);
-    std::vector<std::string> lines;
-    for (const Finding& finding : log.Findings)
-    {
-        lines.push_back(finding.Text);
-    }
-    EXPECT_EQ(lines, (std::vector<std::string>{"Thing 4 Trooper", "is in a wall. Can it move?",
-                                               "Sector 2 Normal", "LineDef tag 9 not found."}));
+    EXPECT_EQ(FoundTexts(log),
+              (std::vector<std::string>{"Thing 4 Trooper", "is in a wall. Can it move?",
+                                        "Sector 2 Normal", "LineDef tag 9 not found."}));
 }
 
 TEST_F(CheckRunTest, AskTellsYesFromNo)

@@ -17,18 +17,6 @@ using testkit::LevelBuilder;
 
 using ClosedChecks = CheckFixture;
 
-// The error list of a run as its lines read.
-std::vector<std::string> ListLines(const CheckRun& run)
-{
-    std::vector<std::string> lines;
-    // A finding's further lines without the indent that lines them up under its text.
-    for (const Finding& finding : run.Findings)
-    {
-        lines.push_back(finding.Detail ? finding.Text : FindingLine(finding));
-    }
-    return lines;
-}
-
 // Settings with only the given steps of the check on.
 CheckSettings Steps(bool first, bool second, bool third)
 {

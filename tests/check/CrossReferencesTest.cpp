@@ -23,17 +23,6 @@ using CrossReferences = CheckFixture;
 
 using Step = std::function<bool(CheckRun&)>;
 
-Lines ListLines(const CheckRun& run)
-{
-    Lines lines;
-    // A finding's further lines without the indent that lines them up under its text.
-    for (const Finding& finding : run.Findings)
-    {
-        lines.push_back(finding.Detail ? finding.Text : FindingLine(finding));
-    }
-    return lines;
-}
-
 // The list of one run of `step` over `level` in `mode`; the step must run to its end.
 Lines RunStep(const Step& step, map::LevelData& level, RunMode mode,
               const CheckSettings& settings = CheckSettings{})

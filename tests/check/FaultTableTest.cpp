@@ -141,12 +141,7 @@ protected:
     {
         CheckRun run(level, Settings, mode);
         EXPECT_TRUE(RunChecksOf(button, run));
-        std::vector<std::string> lines;
-        for (const Finding& finding : run.Findings)
-        {
-            lines.push_back(finding.Text);
-        }
-        return lines;
+        return FoundTexts(run);
     }
 
     static bool Has(const std::vector<std::string>& lines, const std::string& line)

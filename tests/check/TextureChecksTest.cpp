@@ -30,12 +30,7 @@ protected:
     {
         CheckRun run(level, Settings, mode);
         EXPECT_TRUE(check(run));
-        std::vector<std::string> texts;
-        for (const Finding& finding : run.Findings)
-        {
-            texts.push_back(finding.Text);
-        }
-        return texts;
+        return FoundTexts(run);
     }
 
     template <class Check> std::vector<std::string> Fixed(map::LevelData& level, Check check)

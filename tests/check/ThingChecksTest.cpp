@@ -28,30 +28,19 @@ class ThingChecks : public CheckFixture
 protected:
     CheckSettings Settings;
 
-    // Every line a run logged, in order.
-    static Lines Logged(const CheckRun& run)
-    {
-        Lines lines;
-        for (const Finding& finding : run.Findings)
-        {
-            lines.push_back(finding.Text);
-        }
-        return lines;
-    }
-
     // The lines `check` logs over `level`.
     Lines LogOf(map::LevelData& level, bool (*check)(CheckRun&))
     {
         CheckRun run(level, Settings, RunMode::Log);
         EXPECT_TRUE(check(run));
-        return Logged(run);
+        return FoundTexts(run);
     }
 
     Lines StartsLog(map::LevelData& level)
     {
         CheckRun run(level, Settings, RunMode::Log);
         EXPECT_TRUE(CheckPlayerStarts(run, true));
-        return Logged(run);
+        return FoundTexts(run);
     }
 };
 
@@ -144,7 +133,7 @@ TEST_F(ThingChecks, StartsAreCountedPerPlayerAndSkill)
     CheckRun run(level, Settings, RunMode::Log);
     EXPECT_TRUE(CheckPlayerStarts(run, true));
     EXPECT_EQ(
-        Logged(run),
+        FoundTexts(run),
         (Lines{"This level is not for multi-player games", "Player 2 invalid skill level",
                "This works, but is bad practice", "Player 2 missing start for skill",
                "Skill  3 (medium)", "Skill 4-5 (hard)", "Player 3 has more than 1 start for skill",
@@ -300,7 +289,7 @@ TEST_F(ThingChecks, KeysAndTheDoorsThatNeedThem)
     map::LevelData spare = RoomWith({{5, 64, 64, 7}});
     CheckRun run(spare, Settings, RunMode::Log);
     EXPECT_TRUE(CheckThings(run));
-    EXPECT_EQ(Logged(run),
+    EXPECT_EQ(FoundTexts(run),
               (Lines{"Found 1 Blue key keys but no Blue key Door",
                      "Key could be used in a different level?", "So this key is not necessary?"}));
     EXPECT_EQ(run.Findings[0].Kind, map::KindThing);
@@ -396,7 +385,7 @@ TEST_F(ThingChecks, LargeLevelInLogMode)
     ASSERT_TRUE(CheckThings(run));
     ASSERT_TRUE(CheckLineTypes(run));
     ASSERT_TRUE(CheckSectorTypes(run));
-    const Lines logged = Logged(run);
+    const Lines logged = FoundTexts(run);
     EXPECT_EQ(std::count(logged.begin(), logged.end(), "are on top of each other."), 1);
     EXPECT_EQ(std::count(logged.begin(), logged.end(), "is in a wall. Can it move?"), 0);
     EXPECT_EQ(run.ErrorCount, 4) << "no exit, no players 2 to 4, too few deathmatch starts, the "

@@ -30,12 +30,7 @@ protected:
     {
         CheckRun run(level, Settings, mode);
         EXPECT_TRUE(check(run));
-        Lines lines;
-        for (const Finding& finding : run.Findings)
-        {
-            lines.push_back(finding.Text);
-        }
-        return lines;
+        return FoundTexts(run);
     }
 
     // The lines of the last message a prompted run of `check` showed, each answered Continue.
