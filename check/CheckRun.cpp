@@ -102,14 +102,15 @@ void CheckRun::LogDetail(const std::string& text)
     Findings.push_back({0, 0, text, true});
 }
 
-// Lines of one finding not tied to an object: the first opens it, the others are its detail.
-void CheckRun::LogLines(const std::vector<std::string>& lines)
+// Lines of one finding about an object (kind 0 for none): the first opens it under the object,
+// the others are its detail.
+void CheckRun::LogLines(int kind, std::uint32_t index, const std::vector<std::string>& lines)
 {
     for (std::size_t i = 0; i < lines.size(); ++i)
     {
         if (i == 0)
         {
-            Log(0, 0, lines[i]);
+            Log(kind, index, lines[i]);
         }
         else
         {
@@ -123,18 +124,7 @@ Answer CheckRun::Verify(const Prompt& prompt)
     const bool offersFix = prompt.ContinueFixes || !prompt.FixButton.empty();
     if (Logging())
     {
-        const std::vector<std::string> lines = ListLines(prompt.Lines);
-        for (std::size_t i = 0; i < lines.size(); ++i)
-        {
-            if (i == 0)
-            {
-                Log(prompt.Kind, prompt.Index, lines[i]);
-            }
-            else
-            {
-                LogDetail(lines[i]);
-            }
-        }
+        LogLines(prompt.Kind, prompt.Index, ListLines(prompt.Lines));
         if (prompt.Crash)
         {
             LogDetail(CrashWarning());
@@ -173,19 +163,24 @@ Answer CheckRun::Verify(const Prompt& prompt)
     case 2:
         return Answer::Fix;
     default:
-        if (ShowObject)
-        {
-            ShowObject(prompt.Kind, prompt.Index);
-        }
-        return Answer::Stop;
+        return CancelAt(prompt.Kind, prompt.Index);
     }
+}
+
+Answer CheckRun::CancelAt(int kind, std::uint32_t index)
+{
+    if (ShowObject)
+    {
+        ShowObject(kind, index);
+    }
+    return Answer::Stop;
 }
 
 Answer CheckRun::Ask(const std::string& title, const std::vector<std::string>& lines)
 {
     if (Logging())
     {
-        LogLines(ListLines(lines));
+        LogLines(0, 0, ListLines(lines));
         return Mode == RunMode::LogAndFix ? Answer::Fix : Answer::Continue;
     }
     platform::Message message;
@@ -201,7 +196,7 @@ void CheckRun::Tell(const std::string& title, const std::vector<std::string>& li
 {
     if (Logging())
     {
-        LogLines(lines);
+        LogLines(0, 0, lines);
         return;
     }
     platform::Message message;

@@ -143,6 +143,20 @@ public:
     /// and at the end.
     bool Poll(std::size_t done, std::size_t total);
 
+    /// Calls `visit(i)` for i from 0 to count - 1, polling before each. False as soon as the
+    /// user pressed Escape or `visit` answered false (stop); true when all were visited.
+    template <class Visit> bool Each(std::size_t count, Visit&& visit)
+    {
+        for (std::size_t i = 0; i < count; ++i)
+        {
+            if (Poll(i, count) || !visit(i))
+            {
+                return false;
+            }
+        }
+        return true;
+    }
+
     /// LogError: a line of the error list, counted as a finding.
     void Log(int kind, std::uint32_t index, const std::string& text);
 
@@ -155,6 +169,10 @@ public:
     /// under the object, all but a closing question and a "Press Cancel" hint; the answer is
     /// Continue, or Fix under LogAndFix when the prompt offers a repair.
     Answer Verify(const Prompt& prompt);
+
+    /// What Cancel on a prompt about an object does: shows the object (through ShowObject, when
+    /// set) and answers Stop.
+    Answer CancelAt(int kind, std::uint32_t index);
 
     /// A yes/no question about the level as a whole ("Delete unused Vertices?"), under
     /// `title`. Prompting: Yes answers Fix, No Continue. Logging: the lines but the question go
@@ -170,7 +188,7 @@ public:
     void BeforeRepair();
 
 private:
-    void LogLines(const std::vector<std::string>& lines);
+    void LogLines(int kind, std::uint32_t index, const std::vector<std::string>& lines);
 
     std::size_t PollCalls = 0;
 };

@@ -158,11 +158,7 @@ Answer AskAboutObject(CheckRun& run, const std::string& title, int kind, std::si
     case 0:
         return Answer::Continue;
     default:
-        if (run.ShowObject)
-        {
-            run.ShowObject(kind, number);
-        }
-        return Answer::Stop;
+        return run.CancelAt(kind, number);
     }
 }
 

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -49,18 +50,13 @@ struct EdgeEnd
 bool CollectEdgeEnds(CheckRun& run, std::vector<EdgeEnd>& ends)
 {
     const LevelData& level = run.Level;
-    const std::size_t count = level.LineDefs.size();
-    ends.reserve(count * 4);
-    for (std::size_t i = 0; i < count; ++i)
+    ends.reserve(level.LineDefs.size() * 4);
+    const auto addEnds = [&](std::size_t i)
     {
-        if (run.Poll(i, count))
-        {
-            return false;
-        }
         const LineDef& line = level.LineDefs[i];
         if (line.StartVertex >= level.Vertexes.size() || line.EndVertex >= level.Vertexes.size())
         {
-            continue;
+            return true;
         }
         const int front = map::SectorNumberOfSide(level, line.SideDef1);
         if (front >= 0)
@@ -74,8 +70,9 @@ bool CollectEdgeEnds(CheckRun& run, std::vector<EdgeEnd>& ends)
             ends.push_back({static_cast<std::uint32_t>(back), line.EndVertex, 1});
             ends.push_back({static_cast<std::uint32_t>(back), line.StartVertex, -1});
         }
-    }
-    return true;
+        return true;
+    };
+    return run.Each(level.LineDefs.size(), addEnds);
 }
 
 // Step 1: at every Vertex a Sector's edges meet, as many must end as start.
@@ -151,43 +148,42 @@ Prompt FacingFinding(int line, int side, std::uint32_t sideDef, int own, const m
     return finding;
 }
 
-// Step 2: a ray from the middle of each side, away from the LineDef, meets the nearest
-// LineDef across its path; the side of that LineDef facing back must face the same Sector.
-bool CheckSidesFaceTheirSectors(CheckRun& run)
+// A ray from the middle of each side of LineDef `number`, away from the LineDef, meets the
+// nearest LineDef across its path; the side of that LineDef facing back must face the same
+// Sector. False when the user stopped the check.
+bool SidesFaceTheirSectors(CheckRun& run, int number)
 {
-    run.Progress("Checking All Sectors Closed Step 2 (esc)");
     const LevelData& level = run.Level;
-    const std::size_t count = level.LineDefs.size();
-    for (std::size_t i = 0; i < count; ++i)
+    const LineDef& line = level.LineDefs[static_cast<std::size_t>(number)];
+    if (!Testable(level, line))
     {
-        if (run.Poll(i, count))
+        return true;
+    }
+    for (int side = 1; side <= 2; ++side)
+    {
+        const std::uint32_t sideDef = line.Side(side);
+        const int own = map::SectorNumberOfSide(level, sideDef);
+        if (own < 0)
+        {
+            continue; // no side, or no Sector: the cross-reference check's findings
+        }
+        const map::Beside found =
+            map::SectorBesideAt(level, number, map::RayStart::Middle, 0, side);
+        if (found.Sector != own &&
+            run.Verify(FacingFinding(number, side, sideDef, own, found)) == Answer::Stop)
         {
             return false;
         }
-        const LineDef& line = level.LineDefs[i];
-        if (!Testable(level, line))
-        {
-            continue;
-        }
-        const int number = static_cast<int>(i);
-        for (int side = 1; side <= 2; ++side)
-        {
-            const std::uint32_t sideDef = line.Side(side);
-            const int own = map::SectorNumberOfSide(level, sideDef);
-            if (own < 0)
-            {
-                continue; // no side, or no Sector: the cross-reference check's findings
-            }
-            const map::Beside found =
-                map::SectorBesideAt(level, number, map::RayStart::Middle, 0, side);
-            if (found.Sector != own &&
-                run.Verify(FacingFinding(number, side, sideDef, own, found)) == Answer::Stop)
-            {
-                return false;
-            }
-        }
     }
     return true;
+}
+
+// Step 2: each side faces its own Sector.
+bool CheckSidesFaceTheirSectors(CheckRun& run)
+{
+    run.Progress("Checking All Sectors Closed Step 2 (esc)");
+    return run.Each(run.Level.LineDefs.size(),
+                    [&](std::size_t i) { return SidesFaceTheirSectors(run, static_cast<int>(i)); });
 }
 
 // A LineDef of step 3 and the Sector behind it.
@@ -201,36 +197,42 @@ struct MissingBack
 // ray from its front meets a Sector and so does the ray from its back. Such a LineDef stands
 // inside the level rather than on its edge, and what it lacks is a second side facing the
 // Sector behind it. An edge of the level has nothing but the void behind it: its back ray
-// meets nothing, or only the backs of other edges, which have no side either.
+// meets nothing, or only the backs of other edges, which have no side either. Nothing when
+// LineDef `number` is not such a problem.
+std::optional<MissingBack> MissingBackOf(const LevelData& level, int number)
+{
+    const LineDef& line = level.LineDefs[static_cast<std::size_t>(number)];
+    if (line.SideDef2 != map::NoSideDef || map::SectorNumberOfSide(level, line.SideDef1) < 0 ||
+        !Testable(level, line))
+    {
+        return std::nullopt;
+    }
+    const map::Beside front = map::SectorBesideAt(level, number, map::RayStart::Middle, 0, 1);
+    if (front.Sector < 0)
+    {
+        return std::nullopt;
+    }
+    const map::Beside back = map::SectorBesideAt(level, number, map::RayStart::Middle, 0, 2);
+    if (back.Sector < 0)
+    {
+        return std::nullopt;
+    }
+    return MissingBack{number, back.Sector};
+}
+
+// The LineDefs of step 3 in the order of their numbers; false when stopped.
 bool FindMissingBacks(CheckRun& run, std::vector<MissingBack>& found)
 {
-    const LevelData& level = run.Level;
-    const std::size_t count = level.LineDefs.size();
-    for (std::size_t i = 0; i < count; ++i)
+    const auto add = [&](std::size_t i)
     {
-        if (run.Poll(i, count))
+        if (const std::optional<MissingBack> missing =
+                MissingBackOf(run.Level, static_cast<int>(i)))
         {
-            return false;
+            found.push_back(*missing);
         }
-        const LineDef& line = level.LineDefs[i];
-        if (line.SideDef2 != map::NoSideDef || map::SectorNumberOfSide(level, line.SideDef1) < 0 ||
-            !Testable(level, line))
-        {
-            continue;
-        }
-        const int number = static_cast<int>(i);
-        const map::Beside front = map::SectorBesideAt(level, number, map::RayStart::Middle, 0, 1);
-        if (front.Sector < 0)
-        {
-            continue;
-        }
-        const map::Beside back = map::SectorBesideAt(level, number, map::RayStart::Middle, 0, 2);
-        if (back.Sector >= 0)
-        {
-            found.push_back({number, back.Sector});
-        }
-    }
-    return true;
+        return true;
+    };
+    return run.Each(run.Level.LineDefs.size(), add);
 }
 
 // The repair of step 3: a new SideDef without textures facing the Sector behind, and the

@@ -41,6 +41,34 @@ long LineLength(const LevelData& level, const LineDef& line)
     return std::lround(std::sqrt(dx * dx + dy * dy));
 }
 
+// The finding about a LineDef's missing or doubled SideDef, or no lines when its sides are
+// fine.
+std::vector<std::string> SideDefText(const CheckRun& run, const LineDef& line, int number)
+{
+    if (!HasSide(line.SideDef1))
+    {
+        return {Format("LineDef %d has no first SideDef.", number)};
+    }
+    if (line.SideDef1 != line.SideDef2 || !run.Settings.DuplicateSideDefs)
+    {
+        return {};
+    }
+    // The list keeps a note of how to turn the check off; the prompt warns instead.
+    std::vector<std::string> lines = {
+        Format("LineDef %d uses %d SideDef twice", number, static_cast<int>(line.SideDef1))};
+    if (run.Logging())
+    {
+        lines.push_back("Use File Unpack Sidedef CMD to UNDO");
+        lines.push_back("See Checking options to disable check");
+    }
+    else
+    {
+        lines.push_back("Recommended only for experts!");
+        lines.push_back("Use File Unpack SideDef CMD to UNDO");
+    }
+    return lines;
+}
+
 // The finding about a short LineDef, or no lines when it is long enough.
 std::vector<std::string> ShortLineText(const CheckRun& run, const LineDef& line, int number)
 {
@@ -64,18 +92,18 @@ template <typename Faulty, typename Text, typename Repair>
 bool FlagPass(CheckRun& run, Faulty faulty, Text text, Repair repair)
 {
     const LevelData& level = run.Level;
-    const std::size_t count = level.LineDefs.size();
     std::vector<std::size_t> found;
-    for (std::size_t i = 0; i < count; ++i)
+    const auto test = [&](std::size_t i)
     {
-        if (run.Poll(i, count))
-        {
-            return false;
-        }
         if (faulty(level.LineDefs[i]))
         {
             found.push_back(i);
         }
+        return true;
+    };
+    if (!run.Each(level.LineDefs.size(), test))
+    {
+        return false;
     }
     if (found.empty() ||
         run.Ask("LineDef Flags", text(static_cast<int>(found.front()))) != Answer::Fix)
@@ -108,44 +136,15 @@ bool CheckMissingSideDefs(CheckRun& run)
 {
     run.Progress("Checking Missing SideDefs (esc)");
     const LevelData& level = run.Level;
-    const std::size_t count = level.LineDefs.size();
-    for (std::size_t i = 0; i < count; ++i)
+    const auto check = [&](std::size_t i)
     {
-        if (run.Poll(i, count))
-        {
-            return false;
-        }
-        const LineDef& line = level.LineDefs[i];
-        const int number = static_cast<int>(i);
         Prompt finding;
         finding.Kind = map::KindLineDef;
         finding.Index = static_cast<std::uint32_t>(i);
-        if (!HasSide(line.SideDef1))
-        {
-            finding.Lines = {Format("LineDef %d has no first SideDef.", number)};
-        }
-        else if (line.SideDef1 == line.SideDef2 && run.Settings.DuplicateSideDefs)
-        {
-            // The list keeps a note of how to turn the check off; the prompt warns instead.
-            finding.Lines = {Format("LineDef %d uses %d SideDef twice", number,
-                                    static_cast<int>(line.SideDef1))};
-            if (run.Logging())
-            {
-                finding.Lines.push_back("Use File Unpack Sidedef CMD to UNDO");
-                finding.Lines.push_back("See Checking options to disable check");
-            }
-            else
-            {
-                finding.Lines.push_back("Recommended only for experts!");
-                finding.Lines.push_back("Use File Unpack SideDef CMD to UNDO");
-            }
-        }
-        if (!finding.Lines.empty() && run.Verify(finding) == Answer::Stop)
-        {
-            return false;
-        }
-    }
-    return true;
+        finding.Lines = SideDefText(run, level.LineDefs[i], static_cast<int>(i));
+        return finding.Lines.empty() || run.Verify(finding) != Answer::Stop;
+    };
+    return run.Each(level.LineDefs.size(), check);
 }
 
 bool CheckShortLineDefs(CheckRun& run)

@@ -193,14 +193,11 @@ bool CheckUnusedVertexes(CheckRun& run)
 bool CheckUnusedSideDefs(CheckRun& run)
 {
     run.Progress("Checking for Unused/Duplicate SideDefs (esc)");
-    const std::size_t lines = run.Level.LineDefs.size();
     std::vector<std::int32_t> owner(run.Level.SideDefs.size(), -1);
-    for (std::size_t i = 0; i < lines; ++i)
+    if (!run.Each(run.Level.LineDefs.size(),
+                  [&](std::size_t i) { return CheckLineSides(run, i, owner); }))
     {
-        if (run.Poll(i, lines) || !CheckLineSides(run, i, owner))
-        {
-            return false;
-        }
+        return false;
     }
     std::vector<std::uint8_t> used(owner.size(), 0);
     std::transform(owner.begin(), owner.end(), used.begin(),

@@ -177,22 +177,8 @@ bool CheckExtraTextures(CheckRun& run, bool fix)
         run.Tell("Caution", {"Caution ! Rising stairs exist !", "They require lower textures!"});
     }
     const LookAhead ahead = LookAheadOf(run.Level, *moving);
-    const std::size_t count = run.Level.LineDefs.size();
-    for (std::size_t i = 0; i < count; ++i)
-    {
-        if (run.Poll(i, count))
-        {
-            return false;
-        }
-        const auto index = static_cast<std::uint32_t>(i);
-        const std::optional<TwoSides> sides =
-            TwoSidesOf(run.Level, std::as_const(run.Level).LineDefs[i]);
-        if (sides && !TestExtraWall(run, fix, lower, ahead, index, *sides))
-        {
-            return false;
-        }
-    }
-    return true;
+    return EachTwoSided(run, [&](std::uint32_t index, const TwoSides& sides)
+                        { return TestExtraWall(run, fix, lower, ahead, index, sides); });
 }
 
 } // namespace kelvar::check

@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace kelvar::check
@@ -123,6 +124,20 @@ struct TwoSides
     std::uint32_t Back = 0;
 };
 std::optional<TwoSides> TwoSidesOf(const map::LevelData& level, const map::LineDef& line);
+
+/// Calls `visit(index, sides)` for each LineDef whose two sides hold, polling at every LineDef.
+/// False as soon as the user pressed Escape or `visit` answered false (stop).
+template <class Visit> bool EachTwoSided(CheckRun& run, Visit visit)
+{
+    return run.Each(run.Level.LineDefs.size(),
+                    [&](std::size_t i)
+                    {
+                        const auto index = static_cast<std::uint32_t>(i);
+                        const std::optional<TwoSides> sides =
+                            TwoSidesOf(run.Level, std::as_const(run.Level).LineDefs[i]);
+                        return !sides || visit(index, *sides);
+                    });
+}
 
 /// Which upper and lower textures the sides of a two-sided LineDef need: a side needs a lower
 /// texture when its floor lies below the other's, an upper one when its ceiling lies above,

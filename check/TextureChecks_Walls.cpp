@@ -105,15 +105,8 @@ bool CheckCeiling(CheckRun& run, bool fix, std::uint32_t index)
 bool CheckCeilings(CheckRun& run, bool fix)
 {
     run.Progress("Checking Sector Heights (esc)");
-    const std::size_t count = run.Level.Sectors.size();
-    for (std::size_t i = 0; i < count; ++i)
-    {
-        if (run.Poll(i, count) || !CheckCeiling(run, fix, static_cast<std::uint32_t>(i)))
-        {
-            return false;
-        }
-    }
-    return true;
+    return run.Each(run.Level.Sectors.size(), [&](std::size_t i)
+                    { return CheckCeiling(run, fix, static_cast<std::uint32_t>(i)); });
 }
 
 // The normal texture of LineDef `index`'s only side, when it has none.
@@ -157,15 +150,8 @@ bool CheckNormalTextures(CheckRun& run, bool fix)
         return true;
     }
     run.Progress("Checking Missing Normal Wall Textures (esc)");
-    const std::size_t count = run.Level.LineDefs.size();
-    for (std::size_t i = 0; i < count; ++i)
-    {
-        if (run.Poll(i, count) || !CheckNormalTexture(run, fix, static_cast<std::uint32_t>(i)))
-        {
-            return false;
-        }
-    }
-    return true;
+    return run.Each(run.Level.LineDefs.size(), [&](std::size_t i)
+                    { return CheckNormalTexture(run, fix, static_cast<std::uint32_t>(i)); });
 }
 
 // A needed upper or lower texture that is missing; repeats of earlier runs are passed over.
@@ -428,32 +414,18 @@ bool TestWalls(CheckRun& run, bool fix, const WallRun& wallRun)
     // The automatic fix has nothing to do about it and doesn't stop for it.
     const bool patchTest = wallRun.Only == nullptr && !fix && run.Settings.MultiPatchTextures;
     PatchCounts patchCounts;
-    const std::size_t count = run.Level.LineDefs.size();
-    for (std::size_t i = 0; i < count; ++i)
+    const auto test = [&](std::uint32_t index, const TwoSides& sides)
     {
-        if (run.Poll(i, count))
+        if (wallRun.Only != nullptr && (*wallRun.Only)[sides.Front] == 0 &&
+            (*wallRun.Only)[sides.Back] == 0)
         {
-            return false;
+            return true;
         }
-        const auto index = static_cast<std::uint32_t>(i);
-        const std::optional<TwoSides> sides =
-            TwoSidesOf(run.Level, std::as_const(run.Level).LineDefs[i]);
-        if (!sides || (wallRun.Only != nullptr && (*wallRun.Only)[sides->Front] == 0 &&
-                       (*wallRun.Only)[sides->Back] == 0))
-        {
-            continue;
-        }
-        if (!TestWall(run, fix, wallRun, index, *sides))
-        {
-            return false;
-        }
-        if (patchTest && (!ReportPatches(run, patchCounts, index, sides->Side1) ||
-                          !ReportPatches(run, patchCounts, index, sides->Side2)))
-        {
-            return false;
-        }
-    }
-    return true;
+        return TestWall(run, fix, wallRun, index, sides) &&
+               (!patchTest || (ReportPatches(run, patchCounts, index, sides.Side1) &&
+                               ReportPatches(run, patchCounts, index, sides.Side2)));
+    };
+    return EachTwoSided(run, test);
 }
 
 bool CheckWallTextures(CheckRun& run, bool fix, const std::vector<std::uint32_t>& sectors,

@@ -337,15 +337,9 @@ bool CheckThings(CheckRun& run)
     {
         return false;
     }
-    const std::size_t count = run.Level.Things.size();
-    for (std::size_t i = 0; i < count; ++i)
-    {
-        if (run.Poll(i, count) || !CheckThing(run, walk, i))
-        {
-            return false;
-        }
-    }
-    return !KeyCheckRuns(run.Settings) || CheckKeyDoors(run);
+    return run.Each(run.Level.Things.size(),
+                    [&](std::size_t i) { return CheckThing(run, walk, i); }) &&
+           (!KeyCheckRuns(run.Settings) || CheckKeyDoors(run));
 }
 
 } // namespace kelvar::check

@@ -136,6 +136,25 @@ TEST_F(CheckRunTest, PollAsksTheUiSparinglyButAlwaysAtTheEnd)
     EXPECT_TRUE(run.Poll(1000, 1000));
 }
 
+TEST_F(CheckRunTest, EachStopsWhereTheVisitOrEscapeSays)
+{
+    std::vector<std::size_t> visited;
+    const auto visit = [&](std::size_t i)
+    {
+        visited.push_back(i);
+        return i != 1;
+    };
+    CheckRun run(Level, Settings, RunMode::Log);
+    EXPECT_TRUE(run.Each(1, visit));
+    EXPECT_FALSE(run.Each(5, visit));
+    EXPECT_EQ(visited, (std::vector<std::size_t>{0, 0, 1}));
+
+    CheckRun escaped(Level, Settings, RunMode::Log);
+    Ui.EscapeFromPoll(Ui.EscapePolls + 1);
+    EXPECT_FALSE(escaped.Each(5, visit));
+    EXPECT_EQ(visited.size(), 3u) << "visited after Escape";
+}
+
 TEST_F(CheckRunTest, RepairsOfTheEditorsLevelTakeAnUndoStep)
 {
     map::Map().Level = Level;
