@@ -17,6 +17,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <numeric>
+#include <optional>
 #include <string>
 #include <tuple>
 #include <unordered_map>
@@ -46,12 +47,28 @@ std::uint32_t PlaceKey(const map::Vertex& vertex)
            static_cast<std::uint16_t>(vertex.Y);
 }
 
-// The pairs of neighbours in a list of (key, number) sorted by key, then number: of three or
-// more with one key, each is paired with the next, so each but the last is the first of one
-// pair. The pairs come back ordered by their first number.
-template <typename Key>
-std::vector<Pair> NeighbourPairs(std::vector<std::pair<Key, std::uint32_t>> keyed)
+// The pairs of objects 0 to count - 1 with equal keys, polling at each object: `keyOf(i)`
+// answers an object's key, or nothing to leave it out. The objects are sorted by key, then
+// number; of three or more with one key, each is paired with the next, so each but the last is
+// the first of one pair. The pairs come back ordered by their first number; nothing when the
+// user pressed Escape.
+template <typename Key, typename KeyOf>
+std::optional<std::vector<Pair>> EqualKeyPairs(CheckRun& run, std::size_t count, KeyOf keyOf)
 {
+    std::vector<std::pair<Key, std::uint32_t>> keyed;
+    keyed.reserve(count);
+    const auto addKey = [&](std::size_t i)
+    {
+        if (const std::optional<Key> key = keyOf(i))
+        {
+            keyed.emplace_back(*key, static_cast<std::uint32_t>(i));
+        }
+        return true;
+    };
+    if (!run.Each(count, addKey))
+    {
+        return std::nullopt;
+    }
     std::sort(keyed.begin(), keyed.end());
     std::vector<Pair> pairs;
     for (std::size_t i = 1; i < keyed.size(); ++i)
@@ -207,150 +224,96 @@ std::vector<Pair> OverlappingPairs(const std::vector<Stretch>& stretches)
     return pairs;
 }
 
-} // namespace
-
-bool CheckVertexDuplicates(CheckRun& run)
+// One pair of Vertexes at one place, numbered as at the start of the step: merged unasked with
+// the merge option, otherwise asked about. False when the user stopped the check.
+bool SettleVertexPair(CheckRun& run, Renumbering& numbers, Pair atStart)
 {
-    run.Progress("Checking Vertex Duplicates");
-    const LevelData& level = run.Level;
-    const std::size_t count = level.Vertexes.size();
-    std::vector<std::pair<std::uint32_t, std::uint32_t>> keyed;
-    keyed.reserve(count);
-    for (std::size_t i = 0; i < count; ++i)
+    if (numbers.Removed(atStart.first) || numbers.Removed(atStart.second))
     {
-        if (run.Poll(i, count))
-        {
-            return false;
-        }
-        keyed.emplace_back(PlaceKey(level.Vertexes[i]), static_cast<std::uint32_t>(i));
+        return true;
     }
-    const std::vector<Pair> pairs = NeighbourPairs(std::move(keyed));
-    // The merge takes out the first of each pair, so of several at one place the last stays.
-    Renumbering numbers(count);
-    for (std::size_t p = 0; p < pairs.size(); ++p)
+    const auto first = numbers.Current(atStart.first);
+    const std::string text =
+        Format("Vertex %d and %d share the same Coordinates", static_cast<int>(first),
+               static_cast<int>(numbers.Current(atStart.second)));
+    // With the merge option the pair merges unasked; only a run that repairs nothing leaves it
+    // for the list.
+    if (run.Settings.MergeDuplicateVertices && run.Mode != RunMode::Log)
     {
-        if (run.Poll(p, pairs.size()))
-        {
-            return false;
-        }
-        if (numbers.Removed(pairs[p].first) || numbers.Removed(pairs[p].second))
-        {
-            continue;
-        }
-        const auto first = numbers.Current(pairs[p].first);
-        const std::string text =
-            Format("Vertex %d and %d share the same Coordinates", static_cast<int>(first),
-                   static_cast<int>(numbers.Current(pairs[p].second)));
-        // With the merge option the pair merges unasked; only a run that repairs nothing
-        // leaves it for the list.
-        if (run.Settings.MergeDuplicateVertices && run.Mode != RunMode::Log)
-        {
-            run.Log(map::KindVertex, first, text);
-            run.LogDetail("(Vertex Merge option set in F5)");
-            MergeVertexPair(run, numbers, pairs[p]);
-            continue;
-        }
-        Prompt finding;
-        finding.Kind = map::KindVertex;
-        finding.Index = first;
-        finding.Lines = {text,
-                         "Merge the Vertices?",
-                         "Press Cancel to see Vertex",
-                         "To see what's going on, cancel and then",
-                         "drag one of them away (either the vertex or an",
-                         "adjacent LineDef) and then Delete by inspection!"};
-        finding.ContinueFixes = true;
-        const Answer answer = run.Verify(finding);
-        if (answer == Answer::Stop)
-        {
-            return false;
-        }
-        if (answer == Answer::Fix)
-        {
-            MergeVertexPair(run, numbers, pairs[p]);
-        }
+        run.Log(map::KindVertex, first, text);
+        run.LogDetail("(Vertex Merge option set in F5)");
+        MergeVertexPair(run, numbers, atStart);
+        return true;
     }
-    return true;
+    Prompt finding;
+    finding.Kind = map::KindVertex;
+    finding.Index = first;
+    finding.Lines = {text,
+                     "Merge the Vertices?",
+                     "Press Cancel to see Vertex",
+                     "To see what's going on, cancel and then",
+                     "drag one of them away (either the vertex or an",
+                     "adjacent LineDef) and then Delete by inspection!"};
+    finding.ContinueFixes = true;
+    const Answer answer = run.Verify(finding);
+    if (answer == Answer::Fix)
+    {
+        MergeVertexPair(run, numbers, atStart);
+    }
+    return answer != Answer::Stop;
 }
 
-bool CheckDuplicateLineDefs(CheckRun& run)
+// Both ends' places of a LineDef, the lower first, so that the direction doesn't count;
+// nothing when a Vertex is missing.
+std::optional<std::uint64_t> EndsKey(const LevelData& level, const LineDef& line)
 {
-    run.Progress("Checking Duplicate LineDefs (esc)");
-    const LevelData& level = run.Level;
-    const std::size_t count = level.LineDefs.size();
-    std::vector<std::pair<std::uint64_t, std::uint32_t>> keyed;
-    keyed.reserve(count);
-    for (std::size_t i = 0; i < count; ++i)
+    if (!HasVertexes(level, line))
     {
-        if (run.Poll(i, count))
-        {
-            return false;
-        }
-        const LineDef& line = level.LineDefs[i];
-        if (HasVertexes(level, line))
-        {
-            // Both ends' places, the lower first, so that the direction doesn't count.
-            const std::uint64_t a = PlaceKey(level.Vertexes[line.StartVertex]);
-            const std::uint64_t b = PlaceKey(level.Vertexes[line.EndVertex]);
-            keyed.emplace_back(std::min(a, b) << 32 | std::max(a, b),
-                               static_cast<std::uint32_t>(i));
-        }
+        return std::nullopt;
     }
-    const std::vector<Pair> pairs = NeighbourPairs(std::move(keyed));
-    // Only the first LineDef of a pair is ever deleted, and the pairs come in the order of
-    // their first: every LineDef deleted so far lies below both of the pair at hand.
-    std::uint32_t deleted = 0;
-    for (std::size_t p = 0; p < pairs.size(); ++p)
-    {
-        if (run.Poll(p, pairs.size()))
-        {
-            return false;
-        }
-        const std::uint32_t first = pairs[p].first - deleted;
-        const std::uint32_t second = pairs[p].second - deleted;
-        const LineDef& a = level.LineDefs[first];
-        const LineDef& b = level.LineDefs[second];
-        const bool sameVertexes = (a.StartVertex == b.StartVertex && a.EndVertex == b.EndVertex) ||
-                                  (a.StartVertex == b.EndVertex && a.EndVertex == b.StartVertex);
-        Prompt finding;
-        finding.Kind = map::KindLineDef;
-        finding.Index = first;
-        finding.Lines = {Format(sameVertexes ? "LineDef %d and %d share the same Vertices"
-                                             : "LineDef %d and %d share the same Coordinates",
-                                static_cast<int>(first), static_cast<int>(second)),
-                         "Delete the first redundant LineDef ?"};
-        finding.ContinueFixes = true;
-        const Answer answer = run.Verify(finding);
-        if (answer == Answer::Stop)
-        {
-            return false;
-        }
-        if (answer == Answer::Fix)
-        {
-            run.BeforeRepair();
-            map::DeleteObject(run.Level, map::KindLineDef, static_cast<int>(first));
-            ++deleted;
-        }
-    }
-    return true;
+    const std::uint64_t a = PlaceKey(level.Vertexes[line.StartVertex]);
+    const std::uint64_t b = PlaceKey(level.Vertexes[line.EndVertex]);
+    return std::min(a, b) << 32 | std::max(a, b);
 }
 
-bool CheckVertexesOnLineDefs(CheckRun& run)
+// One pair of LineDefs at one place, numbered as at the start of the step, of which `deleted`
+// LineDefs are gone. False when the user stopped the check.
+bool SettleLineDefPair(CheckRun& run, std::uint32_t& deleted, Pair atStart)
 {
     const LevelData& level = run.Level;
-    const int lineCount = level.LineDefs.Count();
-    run.Progress(Format("Vertex Overlap %d LineDefs\nPress Esc to Stop Check", lineCount));
-    run.Progress(Format("Checking Overlap %d LineDefs Step1", lineCount));
-    const double tolerance = map::Map().Options.VertexMergeTolerance;
+    const std::uint32_t first = atStart.first - deleted;
+    const std::uint32_t second = atStart.second - deleted;
+    const LineDef& a = level.LineDefs[first];
+    const LineDef& b = level.LineDefs[second];
+    const bool sameVertexes = (a.StartVertex == b.StartVertex && a.EndVertex == b.EndVertex) ||
+                              (a.StartVertex == b.EndVertex && a.EndVertex == b.StartVertex);
+    Prompt finding;
+    finding.Kind = map::KindLineDef;
+    finding.Index = first;
+    finding.Lines = {Format(sameVertexes ? "LineDef %d and %d share the same Vertices"
+                                         : "LineDef %d and %d share the same Coordinates",
+                            static_cast<int>(first), static_cast<int>(second)),
+                     "Delete the first redundant LineDef ?"};
+    finding.ContinueFixes = true;
+    const Answer answer = run.Verify(finding);
+    if (answer == Answer::Fix)
+    {
+        run.BeforeRepair();
+        map::DeleteObject(run.Level, map::KindLineDef, static_cast<int>(first));
+        ++deleted;
+    }
+    return answer != Answer::Stop;
+}
+
+// The Vertexes that lie on LineDefs, as (Vertex, LineDef) pairs in the order of the Vertexes;
+// nothing when the user pressed Escape.
+std::optional<std::vector<Pair>> FindVertexesOnLineDefs(CheckRun& run, double tolerance)
+{
+    const LevelData& level = run.Level;
     const map::SpatialIndex& index = map::IndexOf(level);
-    std::vector<Pair> found; // Vertex, LineDef
-    const std::size_t count = level.Vertexes.size();
-    for (std::size_t v = 0; v < count; ++v)
+    std::vector<Pair> found;
+    const auto findLineDefs = [&](std::size_t v)
     {
-        if (run.Poll(v, count))
-        {
-            return false;
-        }
         const map::Vertex spot = level.Vertexes[v];
         for (const std::int32_t line : index.LineDefsNear(spot.X - tolerance, spot.Y - tolerance,
                                                           spot.X + tolerance, spot.Y + tolerance))
@@ -361,52 +324,107 @@ bool CheckVertexesOnLineDefs(CheckRun& run)
                 found.emplace_back(vertex, static_cast<std::uint32_t>(line));
             }
         }
-    }
-    // A split keeps every number and adds the new piece at the end; another Vertex found on the
-    // LineDef may lie on that piece by now, so the pieces of each LineDef are kept.
-    std::unordered_map<std::uint32_t, std::vector<std::uint32_t>> pieces;
-    for (std::size_t p = 0; p < found.size(); ++p)
+        return true;
+    };
+    if (!run.Each(level.Vertexes.size(), findLineDefs))
     {
-        if (run.Poll(p, found.size()))
-        {
-            return false;
-        }
-        const auto [vertex, atStart] = found[p];
-        std::vector<std::uint32_t> candidates{atStart};
-        const auto split = pieces.find(atStart);
-        if (split != pieces.end())
-        {
-            candidates.insert(candidates.end(), split->second.begin(), split->second.end());
-        }
-        const auto on =
-            std::find_if(candidates.begin(), candidates.end(),
-                         [&](std::uint32_t line)
-                         { return LiesOn(level, vertex, level.LineDefs[line], tolerance); });
-        if (on == candidates.end())
-        {
-            continue;
-        }
-        Prompt finding;
-        finding.Kind = map::KindVertex;
-        finding.Index = vertex;
-        finding.Lines = {
-            Format("Vertex %d is on LineDef %d", static_cast<int>(vertex), static_cast<int>(*on)),
-            "Do you want to split the LineDef there?"};
-        finding.ContinueFixes = true;
-        const Answer answer = run.Verify(finding);
-        if (answer == Answer::Stop)
-        {
-            return false;
-        }
-        if (answer == Answer::Fix)
-        {
-            run.BeforeRepair();
-            const int piece =
-                map::SplitLineDefAt(run.Level, static_cast<int>(*on), static_cast<int>(vertex));
-            pieces[atStart].push_back(static_cast<std::uint32_t>(piece));
-        }
+        return std::nullopt;
     }
-    return true;
+    return found;
+}
+
+// A Vertex found on a LineDef, asked about and split there on the answer. A split keeps every
+// number and adds the new piece at the end; another Vertex found on the LineDef may lie on that
+// piece by now, so `pieces` keeps the pieces of each LineDef. False when the user stopped the
+// check.
+bool SplitAtVertex(CheckRun& run,
+                   std::unordered_map<std::uint32_t, std::vector<std::uint32_t>>& pieces,
+                   double tolerance, Pair found)
+{
+    const LevelData& level = run.Level;
+    const auto [vertex, atStart] = found;
+    std::vector<std::uint32_t> candidates{atStart};
+    const auto split = pieces.find(atStart);
+    if (split != pieces.end())
+    {
+        candidates.insert(candidates.end(), split->second.begin(), split->second.end());
+    }
+    const auto on = std::find_if(
+        candidates.begin(), candidates.end(),
+        [&](std::uint32_t line) { return LiesOn(level, vertex, level.LineDefs[line], tolerance); });
+    if (on == candidates.end())
+    {
+        return true;
+    }
+    Prompt finding;
+    finding.Kind = map::KindVertex;
+    finding.Index = vertex;
+    finding.Lines = {
+        Format("Vertex %d is on LineDef %d", static_cast<int>(vertex), static_cast<int>(*on)),
+        "Do you want to split the LineDef there?"};
+    finding.ContinueFixes = true;
+    const Answer answer = run.Verify(finding);
+    if (answer == Answer::Fix)
+    {
+        run.BeforeRepair();
+        const int piece =
+            map::SplitLineDefAt(run.Level, static_cast<int>(*on), static_cast<int>(vertex));
+        pieces[atStart].push_back(static_cast<std::uint32_t>(piece));
+    }
+    return answer != Answer::Stop;
+}
+
+} // namespace
+
+bool CheckVertexDuplicates(CheckRun& run)
+{
+    run.Progress("Checking Vertex Duplicates");
+    const LevelData& level = run.Level;
+    const std::size_t count = level.Vertexes.size();
+    const std::optional<std::vector<Pair>> pairs = EqualKeyPairs<std::uint32_t>(
+        run, count, [&](std::size_t i) { return std::optional(PlaceKey(level.Vertexes[i])); });
+    if (!pairs)
+    {
+        return false;
+    }
+    // The merge takes out the first of each pair, so of several at one place the last stays.
+    Renumbering numbers(count);
+    return run.Each(pairs->size(),
+                    [&](std::size_t p) { return SettleVertexPair(run, numbers, (*pairs)[p]); });
+}
+
+bool CheckDuplicateLineDefs(CheckRun& run)
+{
+    run.Progress("Checking Duplicate LineDefs (esc)");
+    const LevelData& level = run.Level;
+    const std::optional<std::vector<Pair>> pairs = EqualKeyPairs<std::uint64_t>(
+        run, level.LineDefs.size(),
+        [&](std::size_t i) { return EndsKey(level, level.LineDefs[i]); });
+    if (!pairs)
+    {
+        return false;
+    }
+    // Only the first LineDef of a pair is ever deleted, and the pairs come in the order of
+    // their first: every LineDef deleted so far lies below both of the pair at hand.
+    std::uint32_t deleted = 0;
+    return run.Each(pairs->size(),
+                    [&](std::size_t p) { return SettleLineDefPair(run, deleted, (*pairs)[p]); });
+}
+
+bool CheckVertexesOnLineDefs(CheckRun& run)
+{
+    const int lineCount = run.Level.LineDefs.Count();
+    run.Progress(Format("Vertex Overlap %d LineDefs\nPress Esc to Stop Check", lineCount));
+    run.Progress(Format("Checking Overlap %d LineDefs Step1", lineCount));
+    const double tolerance = map::Map().Options.VertexMergeTolerance;
+    const std::optional<std::vector<Pair>> found = FindVertexesOnLineDefs(run, tolerance);
+    if (!found)
+    {
+        return false;
+    }
+    std::unordered_map<std::uint32_t, std::vector<std::uint32_t>> pieces;
+    return run.Each(found->size(), [&](std::size_t p)
+                    { return SplitAtVertex(run, pieces, tolerance, (*found)[p]); });
 }
 
 bool CheckCollinearOverlaps(CheckRun& run)
@@ -416,41 +434,34 @@ bool CheckCollinearOverlaps(CheckRun& run)
     run.Progress(Format("LineDef Overlap %d LineDefs\nPress Esc to Stop Check", lineCount));
     run.Progress(Format("Checking Overlap %d LineDefs Step2", lineCount));
     std::vector<Stretch> stretches;
-    const std::size_t count = level.LineDefs.size();
-    stretches.reserve(count);
-    for (std::size_t i = 0; i < count; ++i)
+    stretches.reserve(level.LineDefs.size());
+    const auto addStretch = [&](std::size_t i)
     {
-        if (run.Poll(i, count))
-        {
-            return false;
-        }
         const LineDef& line = level.LineDefs[i];
         if (HasVertexes(level, line) &&
             !(level.Vertexes[line.StartVertex] == level.Vertexes[line.EndVertex]))
         {
             stretches.push_back(StretchOf(level, line, static_cast<std::uint32_t>(i)));
         }
+        return true;
+    };
+    if (!run.Each(level.LineDefs.size(), addStretch))
+    {
+        return false;
     }
     std::sort(stretches.begin(), stretches.end(),
               [](const Stretch& a, const Stretch& b) { return a.Key() < b.Key(); });
     const std::vector<Pair> pairs = OverlappingPairs(stretches);
-    for (std::size_t p = 0; p < pairs.size(); ++p)
+    const auto report = [&](std::size_t p)
     {
-        if (run.Poll(p, pairs.size()))
-        {
-            return false;
-        }
         Prompt finding;
         finding.Kind = map::KindLineDef;
         finding.Index = pairs[p].first;
         finding.Lines = {Format("LineDef %d and %d overlap", static_cast<int>(pairs[p].first),
                                 static_cast<int>(pairs[p].second))};
-        if (run.Verify(finding) == Answer::Stop)
-        {
-            return false;
-        }
-    }
-    return true;
+        return run.Verify(finding) != Answer::Stop;
+    };
+    return run.Each(pairs.size(), report);
 }
 
 } // namespace kelvar::check
