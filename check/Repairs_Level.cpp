@@ -193,15 +193,10 @@ CenterResult CenterMap(map::LevelData& level)
     {
         return result;
     }
-    const auto [left, right] =
-        std::minmax_element(level.Vertexes.begin(), level.Vertexes.end(),
-                            [](const map::Vertex& a, const map::Vertex& b) { return a.X < b.X; });
-    const auto [bottom, top] =
-        std::minmax_element(level.Vertexes.begin(), level.Vertexes.end(),
-                            [](const map::Vertex& a, const map::Vertex& b) { return a.Y < b.Y; });
+    const map::VertexBox box = map::VertexBounds(level);
     // Clearing the low bits rounds toward minus infinity, on either side of 0.
-    result.OffsetX = ((left->X + right->X) / 2) & AlignmentMask;
-    result.OffsetY = ((bottom->Y + top->Y) / 2) & AlignmentMask;
+    result.OffsetX = ((box.MinX + box.MaxX) / 2) & AlignmentMask;
+    result.OffsetY = ((box.MinY + box.MaxY) / 2) & AlignmentMask;
     if (result.OffsetX == 0 && result.OffsetY == 0)
     {
         return result;

@@ -170,26 +170,10 @@ bool PlayerOneCheck(map::LevelData& level)
     {
         return false;
     }
-    std::int32_t minX = 0;
-    std::int32_t maxX = 0;
-    std::int32_t minY = 0;
-    std::int32_t maxY = 0;
-    if (!level.Vertexes.empty())
-    {
-        const auto [left, right] = std::minmax_element(
-            level.Vertexes.begin(), level.Vertexes.end(),
-            [](const map::Vertex& a, const map::Vertex& b) { return a.X < b.X; });
-        const auto [bottom, top] = std::minmax_element(
-            level.Vertexes.begin(), level.Vertexes.end(),
-            [](const map::Vertex& a, const map::Vertex& b) { return a.Y < b.Y; });
-        minX = left->X;
-        maxX = right->X;
-        minY = bottom->Y;
-        maxY = top->Y;
-    }
+    const map::VertexBox box = map::VertexBounds(level);
     // A new Thing gets the flags of every skill (and in the Hexen format every class and mode).
-    const int thing =
-        map::InsertObject(level, map::KindThing, -1, (minX + maxX) / 2, (minY + maxY) / 2);
+    const int thing = map::InsertObject(level, map::KindThing, -1, (box.MinX + box.MaxX) / 2,
+                                        (box.MinY + box.MaxY) / 2);
     level.Things[static_cast<std::size_t>(thing)].Type = type;
     level.Things[static_cast<std::size_t>(thing)].Angle = 90;
     return true;

@@ -6,6 +6,7 @@
 #include "game/GameState.h"
 #include "game/TypeLookup.h"
 #include "map/GameCodes.h"
+#include "map/ObjectStore.h"
 #include "platform/Format.h"
 
 #include <algorithm>
@@ -251,23 +252,7 @@ std::uint64_t NameKey(const map::TextureName& name)
 
 void AddRanges(std::vector<std::string>& lines, const map::LevelData& level)
 {
-    int minX = 0;
-    int maxX = 0;
-    int minY = 0;
-    int maxY = 0;
-    if (!level.Vertexes.empty())
-    {
-        const auto [left, right] = std::minmax_element(
-            level.Vertexes.begin(), level.Vertexes.end(),
-            [](const map::Vertex& a, const map::Vertex& b) { return a.X < b.X; });
-        const auto [bottom, top] = std::minmax_element(
-            level.Vertexes.begin(), level.Vertexes.end(),
-            [](const map::Vertex& a, const map::Vertex& b) { return a.Y < b.Y; });
-        minX = left->X;
-        maxX = right->X;
-        minY = bottom->Y;
-        maxY = top->Y;
-    }
+    const map::VertexBox box = map::VertexBounds(level);
     int lowest = 0;
     int highest = 0;
     std::unordered_set<std::uint64_t> flats;
@@ -291,8 +276,8 @@ void AddRanges(std::vector<std::string>& lines, const map::LevelData& level)
             }
         }
     }
-    lines.push_back(platform::Format("X range          %6d %6d", minX, maxX));
-    lines.push_back(platform::Format("Y range          %6d %6d", minY, maxY));
+    lines.push_back(platform::Format("X range          %6d %6d", box.MinX, box.MaxX));
+    lines.push_back(platform::Format("Y range          %6d %6d", box.MinY, box.MaxY));
     lines.push_back(platform::Format("Z range          %6d %6d", lowest, highest));
     lines.push_back(platform::Format("#Floor&WallTxts  %6d %6d", static_cast<int>(flats.size()),
                                      static_cast<int>(walls.size())));

@@ -593,6 +593,24 @@ void MeasureLevel(LevelData& level)
     }
 }
 
+VertexBox VertexBounds(const LevelData& level)
+{
+    if (level.Vertexes.empty())
+    {
+        return {};
+    }
+    const Vertex& first = level.Vertexes[0];
+    VertexBox box{first.X, first.X, first.Y, first.Y};
+    for (const Vertex& vertex : level.Vertexes)
+    {
+        box.MinX = std::min<std::int32_t>(box.MinX, vertex.X);
+        box.MaxX = std::max<std::int32_t>(box.MaxX, vertex.X);
+        box.MinY = std::min<std::int32_t>(box.MinY, vertex.Y);
+        box.MaxY = std::max<std::int32_t>(box.MaxY, vertex.Y);
+    }
+    return box;
+}
+
 namespace
 {
 

@@ -64,6 +64,21 @@ void ExtendBounds(LevelData& level, const Vertex& vertex);
 /// 100, -100, 116, -116.
 void MeasureLevel(LevelData& level);
 
+/// The smallest box around a level's Vertexes.
+struct VertexBox
+{
+    std::int32_t MinX = 0;
+    std::int32_t MaxX = 0;
+    std::int32_t MinY = 0;
+    std::int32_t MaxY = 0;
+
+    bool operator==(const VertexBox&) const = default;
+};
+
+/// The box around the Vertexes as they are, measured afresh rather than read from the level's
+/// bounds, which edits only ever widen; all 0 for a level without Vertexes.
+VertexBox VertexBounds(const LevelData& level);
+
 /// Empties a level and gives it its first capacities; arrays already there are kept.
 void LevelInit(LevelData& level);
 

@@ -177,6 +177,15 @@ TEST_F(ObjectStore, BoundsCopiesAndFreeing)
     EXPECT_EQ(empty.MinX, -100);
     EXPECT_EQ(empty.MaxY, 116);
     EXPECT_EQ(empty.MinY, -116);
+    EXPECT_EQ(VertexBounds(empty), VertexBox{});
+
+    // Measured afresh: the level's own bounds still say 256 after the east wall moved in.
+    LevelData moved = level;
+    moved.Vertexes[0] = {-64, -32};
+    moved.Vertexes[4].X = 200;
+    moved.Vertexes[5].X = 200;
+    EXPECT_EQ(VertexBounds(moved), (VertexBox{-64, 200, -32, 128}));
+    EXPECT_EQ(moved.MaxX, 256);
 
     level.ChangeCount = 3;
     LevelData copy;
