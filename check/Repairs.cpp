@@ -47,16 +47,21 @@ std::uint64_t NameBits(const map::TextureName& name)
     return bits;
 }
 
+// The values mixed in turn, starting from 0.
+template <typename... Values> std::size_t MixedAll(Values... values)
+{
+    std::uint64_t hash = 0;
+    ((hash = Mixed(hash, values)), ...);
+    return static_cast<std::size_t>(hash);
+}
+
 struct SideDefHash
 {
     std::size_t operator()(const map::SideDef& side) const
     {
-        std::uint64_t hash = Mixed(0, static_cast<std::uint16_t>(side.XOffset));
-        hash = Mixed(hash, static_cast<std::uint16_t>(side.YOffset));
-        hash = Mixed(hash, NameBits(side.UpperTexture));
-        hash = Mixed(hash, NameBits(side.LowerTexture));
-        hash = Mixed(hash, NameBits(side.NormalTexture));
-        return static_cast<std::size_t>(Mixed(hash, side.Sector));
+        return MixedAll(static_cast<std::uint16_t>(side.XOffset),
+                        static_cast<std::uint16_t>(side.YOffset), NameBits(side.UpperTexture),
+                        NameBits(side.LowerTexture), NameBits(side.NormalTexture), side.Sector);
     }
 };
 
@@ -64,13 +69,10 @@ struct SectorHash
 {
     std::size_t operator()(const map::Sector& sector) const
     {
-        std::uint64_t hash = Mixed(0, static_cast<std::uint16_t>(sector.FloorHeight));
-        hash = Mixed(hash, static_cast<std::uint16_t>(sector.CeilingHeight));
-        hash = Mixed(hash, NameBits(sector.FloorTexture));
-        hash = Mixed(hash, NameBits(sector.CeilingTexture));
-        hash = Mixed(hash, static_cast<std::uint16_t>(sector.Light));
-        hash = Mixed(hash, sector.Type);
-        return static_cast<std::size_t>(Mixed(hash, sector.Tag));
+        return MixedAll(static_cast<std::uint16_t>(sector.FloorHeight),
+                        static_cast<std::uint16_t>(sector.CeilingHeight),
+                        NameBits(sector.FloorTexture), NameBits(sector.CeilingTexture),
+                        static_cast<std::uint16_t>(sector.Light), sector.Type, sector.Tag);
     }
 };
 
@@ -148,6 +150,27 @@ std::vector<bool> ScrollingSideDefs(const map::LevelData& level)
     return scrolling;
 }
 
+// Marks that keep every Vertex, SideDef and Sector.
+map::KeepMarks KeepAll(const map::LevelData& level)
+{
+    map::KeepMarks marks;
+    marks.Vertexes.assign(level.Vertexes.size(), 1);
+    marks.SideDefs.assign(level.SideDefs.size(), 1);
+    marks.Sectors.assign(level.Sectors.size(), 1);
+    return marks;
+}
+
+// Marks that keep the records that survive a merge and drop the ones merged into them.
+std::vector<std::uint8_t> SurvivorMarks(const std::vector<std::uint32_t>& survivor)
+{
+    std::vector<std::uint8_t> marks(survivor.size(), 0);
+    for (std::uint32_t i = 0; i < survivor.size(); ++i)
+    {
+        marks[i] = survivor[i] == i ? 1 : 0;
+    }
+    return marks;
+}
+
 // Points every LineDef side at its SideDef's survivor, then removes the SideDefs that merged.
 void MergeSideDefs(map::LevelData& level, const std::vector<std::uint32_t>& survivor)
 {
@@ -162,13 +185,8 @@ void MergeSideDefs(map::LevelData& level, const std::vector<std::uint32_t>& surv
             level.LineDefs[i].SideDef2 = side2;
         }
     }
-    map::KeepMarks marks;
-    marks.Vertexes.assign(level.Vertexes.size(), 1);
-    marks.Sectors.assign(level.Sectors.size(), 1);
-    for (std::uint32_t i = 0; i < survivor.size(); ++i)
-    {
-        marks.SideDefs.push_back(survivor[i] == i ? 1 : 0);
-    }
+    map::KeepMarks marks = KeepAll(level);
+    marks.SideDefs = SurvivorMarks(survivor);
     map::RemoveUnmarked(level, marks);
 }
 
@@ -183,13 +201,8 @@ void MergeSectors(map::LevelData& level, const std::vector<std::uint32_t>& survi
             level.SideDefs[i].Sector = Redirected(sector, survivor);
         }
     }
-    map::KeepMarks marks;
-    marks.Vertexes.assign(level.Vertexes.size(), 1);
-    marks.SideDefs.assign(level.SideDefs.size(), 1);
-    for (std::uint32_t i = 0; i < survivor.size(); ++i)
-    {
-        marks.Sectors.push_back(survivor[i] == i ? 1 : 0);
-    }
+    map::KeepMarks marks = KeepAll(level);
+    marks.Sectors = SurvivorMarks(survivor);
     map::RemoveUnmarked(level, marks);
 }
 
