@@ -14,6 +14,7 @@
 #include "cli/SoundCommands.h"
 #include "cli/StatusCommands.h"
 #include "cli/TextureCommands.h"
+#include "cli/Verbs.h"
 #include "cli/WadCommands.h"
 #include "map/Selection.h"
 #include "platform/ConsoleUi.h"
@@ -114,8 +115,13 @@ void PrintUsage(std::FILE* out)
                "  types GAME things|lines|sectors [--opt FILE]\n"
                "                          a type table after the OPT file's overlay, one row a\n"
                "                          line, with its categories; GAME is doom, doom2,\n"
-               "                          heretic, hexen, strife, boom or zdoom\n"
-               "\n"
+               "                          heretic, hexen, strife, boom or zdoom\n",
+               out);
+    for (const Verb& verb : RegisteredVerbs())
+    {
+        std::fputs(verb.Usage, out);
+    }
+    std::fputs("\n"
                "Messages go to stderr. Exit status: 0 done, 1 bad usage, 2 a file was refused,\n"
                "4 a fatal error.\n",
                out);
@@ -219,6 +225,10 @@ int Run(int argc, char** argv)
     if (command == "types" && rest.size() >= 2)
     {
         return ListTypes(rest);
+    }
+    if (const Verb* verb = FindVerb(std::string(command)))
+    {
+        return verb->Run(rest);
     }
     std::fprintf(stderr, "kelvar-cli: unknown command or missing arguments: %s\n\n",
                  std::string(command).c_str());

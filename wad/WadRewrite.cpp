@@ -1,0 +1,220 @@
+// Rewriting a WAD file whole: .BAK, stream, directory, header; the .BAK back on failure.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "wad/WadRewrite.h"
+
+#include "platform/Format.h"
+#include "platform/Messages.h"
+#include "platform/Ui.h"
+#include "wad/CheckedFile.h"
+#include "wad/DirectoryReader.h"
+#include "wad/WadFormat.h"
+
+#include <algorithm>
+#include <map>
+#include <system_error>
+
+namespace kelvar::wad
+{
+namespace
+{
+
+// The streams a rewrite reads from, opened once each.
+class Sources
+{
+public:
+    Sources(std::filesystem::path target, std::filesystem::path backup)
+        : Target(std::move(target)), Backup(std::move(backup))
+    {
+    }
+
+    // The stream of `file`, the .BAK for a span of the target; null after a message.
+    std::FILE* Of(const std::filesystem::path& file)
+    {
+        const std::filesystem::path& real = file == Target ? Backup : file;
+        auto found = Open.find(real);
+        if (found == Open.end())
+        {
+            found = Open.emplace(real, OpenStream(real, "rb")).first;
+        }
+        return found->second.get();
+    }
+
+private:
+    std::filesystem::path Target;
+    std::filesystem::path Backup;
+    std::map<std::filesystem::path, StreamPtr> Open;
+};
+
+std::string WrittenName(const RewriteEntry& entry, const RewritePlan& plan)
+{
+    std::string name = entry.Name.substr(0, 8);
+    if (!plan.KeepScriptNames && name.starts_with("SCRIPT"))
+    {
+        name = "SCRIPTS";
+    }
+    return name;
+}
+
+// Writes the entries' data from byte 12 on, then the directory, then the header.
+bool WriteAll(std::FILE* out, const RewritePlan& plan, Sources& sources)
+{
+    std::uint8_t header[WadHeaderSize] = {};
+    if (CheckedWrite(out, header, WadHeaderSize) != 1)
+    {
+        return false;
+    }
+    std::vector<std::uint8_t> directory;
+    directory.reserve(plan.Entries.size() * DirectoryEntrySize);
+    std::int64_t offset = WadHeaderSize;
+    for (const RewriteEntry& entry : plan.Entries)
+    {
+        // Escape isn't polled: a rewrite half done would only be undone again.
+        const std::int64_t size = entry.DataSize();
+        if (entry.File.empty())
+        {
+            if (CheckedWrite(out, entry.Bytes.data(), size) != 1)
+            {
+                return false;
+            }
+        }
+        else if (size > 0)
+        {
+            std::FILE* in = sources.Of(entry.File);
+            if (in == nullptr || CheckedSeek(in, entry.Offset) != 1 ||
+                CopyFileSpan(out, in, size) != 1)
+            {
+                platform::ShowError("Failure reading old File?");
+                return false;
+            }
+        }
+        std::uint8_t row[DirectoryEntrySize] = {};
+        WriteLe32(row, static_cast<std::int32_t>(offset));
+        WriteLe32(row + 4, static_cast<std::int32_t>(size));
+        const std::string name = WrittenName(entry, plan);
+        std::copy(name.begin(), name.end(), row + 8);
+        directory.insert(directory.end(), row, row + DirectoryEntrySize);
+        offset += size;
+    }
+    std::copy_n(plan.Magic.begin(), std::min<std::size_t>(plan.Magic.size(), 4), header);
+    WriteLe32(header + 4, static_cast<std::int32_t>(plan.Entries.size()));
+    WriteLe32(header + 8, static_cast<std::int32_t>(offset));
+    return CheckedWrite(out, directory.data(), static_cast<std::int64_t>(directory.size())) == 1 &&
+           CheckedSeek(out, 0) == 1 && CheckedWrite(out, header, WadHeaderSize) == 1 &&
+           std::fflush(out) == 0;
+}
+
+bool MoveToBackup(const std::filesystem::path& target, const std::filesystem::path& backup)
+{
+    std::error_code error;
+    std::filesystem::remove(backup, error);
+    std::filesystem::rename(target, backup, error);
+    if (error)
+    {
+        platform::ShowError("Err %d: Could not rename file\n\n%s\n-to-\n%s\n\nFile is most likely "
+                            "in use.\nTry saving to another filename\n",
+                            error.value(), target.c_str(), backup.c_str());
+        return false;
+    }
+    return true;
+}
+
+// After a failure: the half-written file goes and the .BAK becomes the target again.
+void PutBackupBack(const std::filesystem::path& target, const std::filesystem::path& backup,
+                   bool hadBackup)
+{
+    std::error_code error;
+    std::filesystem::remove(target, error);
+    if (hadBackup)
+    {
+        std::filesystem::rename(backup, target, error);
+        if (error)
+        {
+            platform::ShowError("FAILED TO RENAME %s to %s", backup.c_str(), target.c_str());
+        }
+    }
+}
+
+} // namespace
+
+RewriteEntry RewriteEntry::FromBytes(std::string name, std::vector<std::uint8_t> bytes)
+{
+    RewriteEntry entry;
+    entry.Name = std::move(name);
+    entry.Bytes = std::move(bytes);
+    return entry;
+}
+
+RewriteEntry RewriteEntry::FromFile(std::string name, std::filesystem::path file,
+                                    std::int64_t offset, std::int32_t size)
+{
+    RewriteEntry entry;
+    entry.Name = std::move(name);
+    entry.File = std::move(file);
+    entry.Offset = offset;
+    entry.Size = size;
+    return entry;
+}
+
+std::filesystem::path BakPathOf(const std::filesystem::path& target)
+{
+    std::filesystem::path backup = target;
+    backup.replace_extension(".BAK");
+    return backup;
+}
+
+std::optional<RewritePlan> PlanOfWad(const std::filesystem::path& path)
+{
+    const StreamPtr in = OpenStream(path, "rb");
+    const DirectoryReport report =
+        in ? ReadDirectoryOf(in.get(), BadEntryRule::StopAtBadEntry) : DirectoryReport{};
+    const bool whole = in && report.Problem == HeaderProblem::None && !report.RunsPastEnd &&
+                       report.BadEntries.empty() &&
+                       (report.Magic == "PWAD" || report.Magic == "IWAD");
+    if (!whole)
+    {
+        platform::ShowError("Failure reading old File?");
+        return std::nullopt;
+    }
+    RewritePlan plan;
+    plan.Magic = report.Magic;
+    plan.Entries.reserve(report.Entries.size());
+    for (const LumpEntry& entry : report.Entries)
+    {
+        plan.Entries.push_back(
+            RewriteEntry::FromFile(entry.Name.Text(), path, entry.Offset, entry.Size));
+    }
+    return plan;
+}
+
+bool RewriteWad(const std::filesystem::path& target, const RewritePlan& plan)
+{
+    const std::filesystem::path backup = BakPathOf(target);
+    const bool hadTarget = std::filesystem::exists(target);
+    if (hadTarget && !MoveToBackup(target, backup))
+    {
+        return false;
+    }
+    Sources sources(target, backup);
+    StreamPtr out = OpenStream(target, "w+b");
+    if (!out)
+    {
+        platform::ShowError("Failure creating new TargetFile?\nYour old Target file is %s",
+                            (hadTarget ? backup : target).c_str());
+        PutBackupBack(target, backup, hadTarget);
+        return false;
+    }
+    platform::TheUi().ShowProgress(
+        platform::Format("Copying %d Entries", static_cast<int>(plan.Entries.size())),
+        target.string());
+    const bool written = WriteAll(out.get(), plan, sources);
+    out.reset();
+    platform::TheUi().EndProgress();
+    if (!written)
+    {
+        PutBackupBack(target, backup, hadTarget);
+        return false;
+    }
+    return true;
+}
+
+} // namespace kelvar::wad
