@@ -3,6 +3,7 @@
 #include "game/TypeLookup.h"
 
 #include "game/GameState.h"
+#include "game/Generalized.h"
 #include "game/TypeTables.h"
 #include "map/GameCodes.h"
 
@@ -52,7 +53,7 @@ const LineTypeRow& LookupLineType(std::uint16_t type, std::uint16_t key)
     GameState& game = Game();
     if (LineTypeIsGeneralized(type))
     {
-        return UnknownLineRow;
+        return DecodeGeneralizedLine(type);
     }
     std::vector<LineTypeRow>& rows = game.LineDefs;
     std::ptrdiff_t at = FindTypeRow(rows, type);

@@ -24,8 +24,8 @@ bool LineTypeIsGeneralized(std::uint16_t type);
 
 /// The row of a LineDef type. In a Doom format a manual door's row ("D..." names) gets its
 /// tag type here: OptionTag with the Boom switch on, none with it off. In the Hexen format a
-/// key door (type 13) with a non-zero `key` is the row whose fourth argument is that key.
-/// Until the generalized decoder is in place, a generalized type answers the unknown row.
+/// key door (type 13) with a non-zero `key` is the row whose fourth argument is that key. A
+/// generalized type answers the decoder's work row (DecodeGeneralizedLine).
 const LineTypeRow& LookupLineType(std::uint16_t type, std::uint16_t key);
 
 /// The row of a Sector type. With the ZDoom switch the flag bits 8 to 12 are ignored; with the
