@@ -2,119 +2,50 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gfx/PaletteSave.h"
 
-#include "platform/Format.h"
 #include "platform/Messages.h"
-#include "wad/CheckedFile.h"
 #include "wad/FileTable.h"
-#include "wad/WadFormat.h"
-#include "wad/WadScan.h"
+#include "wad/LumpName.h"
+#include "wad/WadRewrite.h"
 #include "wad/WadState.h"
-
-#include <cerrno>
-#include <system_error>
 
 namespace kelvar::gfx
 {
 namespace
 {
 
-bool Named(const wad::LumpEntry& entry, const char* name)
-{
-    return entry.Name.Is(name);
-}
-
 // The bytes an entry is replaced by, or null when it is copied.
-const std::vector<uint8_t>* Replacement(const wad::LumpEntry& entry, const PaletteLumps& lumps)
+const std::vector<uint8_t>* Replacement(const std::string& name, const PaletteLumps& lumps)
 {
-    if (Named(entry, "PLAYPAL"))
+    const wad::LumpName lump = wad::LumpName::From(name);
+    if (lump.Is("PLAYPAL"))
     {
         return lumps.Playpal;
     }
-    return Named(entry, "COLORMAP") ? lumps.Colormap : nullptr;
+    return lump.Is("COLORMAP") ? lumps.Colormap : nullptr;
 }
 
-// Moves the old file aside as .BAK; false after the message.
-bool MoveToBackup(const std::filesystem::path& target, const std::filesystem::path& backup)
-{
-    std::error_code error;
-    std::filesystem::remove(backup, error);
-    std::filesystem::rename(target, backup, error);
-    if (error)
-    {
-        platform::ShowError("Err %d: Could not rename file\n\n%s\n-to-\n%s\n\nFile is most likely "
-                            "in use.\nTry saving to another filename\n",
-                            error.value(), target.c_str(), backup.c_str());
-        return false;
-    }
-    return true;
-}
-
-// Writes one lump at the end of `out` and records it in `directory`.
-bool WriteLump(std::FILE* out, const wad::LumpName& name, std::span<const uint8_t> bytes,
-               std::vector<wad::LumpEntry>& directory)
-{
-    wad::LumpEntry entry;
-    entry.Name = name;
-    entry.Offset = static_cast<int32_t>(std::ftell(out));
-    entry.Size = static_cast<int32_t>(bytes.size());
-    directory.push_back(entry);
-    return wad::CheckedWrite(out, bytes.data(), static_cast<int64_t>(bytes.size())) == 1;
-}
-
-bool WriteDirectoryAndHeader(std::FILE* out, const std::vector<wad::LumpEntry>& directory)
-{
-    const auto directoryOffset = static_cast<int32_t>(std::ftell(out));
-    for (const wad::LumpEntry& entry : directory)
-    {
-        uint8_t bytes[wad::DirectoryEntrySize] = {};
-        wad::WriteLe32(bytes, entry.Offset);
-        wad::WriteLe32(bytes + 4, entry.Size);
-        std::copy(entry.Name.Chars.begin(), entry.Name.Chars.end(), bytes + 8);
-        if (wad::CheckedWrite(out, bytes, sizeof bytes) != 1)
-        {
-            return false;
-        }
-    }
-    uint8_t header[wad::WadHeaderSize] = {'P', 'W', 'A', 'D'};
-    wad::WriteLe32(header + 4, static_cast<int32_t>(directory.size()));
-    wad::WriteLe32(header + 8, directoryOffset);
-    return wad::CheckedSeek(out, 0) == 1 && wad::CheckedWrite(out, header, sizeof header) == 1;
-}
-
-// Copies the old file's entries, replacing the chosen lumps, then appends those it lacked.
-bool CopyEntries(std::FILE* out, std::FILE* old, const std::vector<wad::LumpEntry>& entries,
-                 const PaletteLumps& lumps, std::vector<wad::LumpEntry>& directory)
+// The target's entries with the chosen lumps replaced in place, then those it lacked
+// appended, PLAYPAL first.
+void PutLumpsInPlan(wad::RewritePlan& plan, const PaletteLumps& lumps)
 {
     bool playpalDone = false;
     bool colormapDone = false;
-    for (const wad::LumpEntry& entry : entries)
+    for (wad::RewriteEntry& entry : plan.Entries)
     {
-        if (const std::vector<uint8_t>* bytes = Replacement(entry, lumps))
+        if (const std::vector<uint8_t>* bytes = Replacement(entry.Name, lumps))
         {
-            (Named(entry, "PLAYPAL") ? playpalDone : colormapDone) = true;
-            if (!WriteLump(out, entry.Name, *bytes, directory))
-            {
-                return false;
-            }
-            continue;
-        }
-        wad::LumpEntry copy = entry;
-        copy.Offset = static_cast<int32_t>(std::ftell(out));
-        copy.Size = std::max(entry.Size, 0); // a negative size counts as 0
-        directory.push_back(copy);
-        if (copy.Size > 0 && (wad::CheckedSeek(old, entry.Offset) != 1 ||
-                              wad::CopyFileSpan(out, old, copy.Size) != 1))
-        {
-            return false;
+            (wad::LumpName::From(entry.Name).Is("PLAYPAL") ? playpalDone : colormapDone) = true;
+            entry = wad::RewriteEntry::FromBytes(entry.Name, *bytes);
         }
     }
-    if (lumps.Playpal != nullptr && !playpalDone &&
-        !WriteLump(out, wad::LumpName::From("PLAYPAL"), *lumps.Playpal, directory))
+    if (lumps.Playpal != nullptr && !playpalDone)
     {
-        return false;
+        plan.Entries.push_back(wad::RewriteEntry::FromBytes("PLAYPAL", *lumps.Playpal));
     }
-    return lumps.Colormap == nullptr || colormapDone ||
-           WriteLump(out, wad::LumpName::From("COLORMAP"), *lumps.Colormap, directory);
+    if (lumps.Colormap != nullptr && !colormapDone)
+    {
+        plan.Entries.push_back(wad::RewriteEntry::FromBytes("COLORMAP", *lumps.Colormap));
+    }
 }
 
 std::filesystem::path ProposedTarget(const PaletteEditorState& state)
@@ -133,33 +64,19 @@ std::filesystem::path ProposedTarget(const PaletteEditorState& state)
 
 int WritePaletteLumps(const std::filesystem::path& target, const PaletteLumps& lumps)
 {
-    std::vector<wad::LumpEntry> entries;
-    wad::StreamPtr old;
+    wad::RewritePlan plan;
     if (std::filesystem::exists(target))
     {
-        std::filesystem::path backup = target;
-        backup.replace_extension(".BAK");
-        if (!MoveToBackup(target, backup))
+        std::optional<wad::RewritePlan> old = wad::PlanOfWad(target);
+        if (!old)
         {
             return -1;
         }
-        old = wad::OpenStream(backup, "rb");
-        entries = old ? wad::ReadDirectoryQuietly(old.get(), nullptr) : entries;
+        plan = std::move(*old);
+        plan.Magic = "PWAD";
     }
-    wad::StreamPtr out = wad::CheckedOpen(target, "w+b", 0);
-    if (!out)
-    {
-        return -1;
-    }
-    platform::TheUi().ShowProgress(
-        platform::Format("Copying %d Entries", static_cast<int>(entries.size())), target.string());
-    std::vector<wad::LumpEntry> directory;
-    const uint8_t header[wad::WadHeaderSize] = {'P', 'W', 'A', 'D'};
-    const bool written = wad::CheckedWrite(out.get(), header, sizeof header) == 1 &&
-                         CopyEntries(out.get(), old.get(), entries, lumps, directory) &&
-                         WriteDirectoryAndHeader(out.get(), directory);
-    platform::TheUi().EndProgress();
-    return written ? 1 : -1;
+    PutLumpsInPlan(plan, lumps);
+    return wad::RewriteWad(target, plan) ? 1 : -1;
 }
 
 int SavePaletteLumps(const PaletteEditorState& state)

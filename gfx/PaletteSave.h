@@ -19,11 +19,13 @@ struct PaletteLumps
     const std::vector<uint8_t>* Colormap = nullptr;
 };
 
-/// Rewrites `target` as a PWAD: its old file becomes the same name with ".BAK" (an older .BAK
-/// is deleted first), and every entry is copied in order, PLAYPAL and COLORMAP replaced in
-/// place by the given lumps; a lump the file lacked is appended, PLAYPAL first. A target
-/// that doesn't exist yet gets the lumps alone. Returns 1, or -1 after "Err %d: Could not
-/// rename file..." or a reported read or write failure.
+/// Rewrites `target` as a PWAD through the shared WAD writer: its old file becomes the same
+/// name with ".BAK" (an older .BAK is deleted first), and every entry is copied in order,
+/// PLAYPAL and COLORMAP replaced in place by the given lumps; a lump the file lacked is
+/// appended, PLAYPAL first. A target that doesn't exist yet gets the lumps alone. Returns 1,
+/// or -1 after "Err %d: Could not rename file...", "Failure reading old File?" (a target that
+/// is no whole WAD, left untouched) or a reported write failure, after which the .BAK is the
+/// target again.
 [[nodiscard]] int WritePaletteLumps(const std::filesystem::path& target, const PaletteLumps& lumps);
 
 /// &Save: asks for the target ("Target PWAD to receive PALETTE-COLORMAP Lumps", proposing the

@@ -6,6 +6,7 @@
 #include "tests/testkit/WadFixture.h"
 #include "wad/CheckedFile.h"
 #include "wad/WadScan.h"
+#include "wad/WadState.h"
 
 #include <gtest/gtest.h>
 
@@ -75,10 +76,45 @@ TEST_F(PaletteSaveTest, TheCommandAsksForTheTarget)
     EXPECT_EQ(Ui.FileRequests.back().Caption, "Target PWAD to receive PALETTE-COLORMAP Lumps");
     EXPECT_EQ(Lumps(Dir.File("OUT.WAD")), (LumpList{{"COLORMAP", std::string(256, '\x03')}}));
     ASSERT_FALSE(Ui.Progress.empty());
-    EXPECT_EQ(Ui.Progress.back().first, "Copying 0 Entries");
+    EXPECT_EQ(Ui.Progress.back().first, "Copying 1 Entries");
 
     Ui.AnswerFile(std::nullopt);
     EXPECT_EQ(SavePaletteLumps(state), 0);
+}
+
+TEST_F(PaletteSaveTest, ADamagedTargetOrAFullDiskLeavesTheTargetAsItWas)
+{
+    const std::vector<uint8_t> playpal(768, 7);
+    const std::string damaged = Dir.File("BAD.WAD");
+    testkit::WriteFile(damaged, "PWAD\x05");
+    EXPECT_EQ(WritePaletteLumps(damaged, {&playpal, nullptr}), -1);
+    EXPECT_EQ(Ui.Last().Text(), "Failure reading old File?");
+    EXPECT_EQ(testkit::ReadFile(damaged), "PWAD\x05");
+
+    const std::string path = testkit::WadBuilder()
+                                 .Level("MAP01")
+                                 .Marker("MAP02")
+                                 .Lump("THINGS", "tt")
+                                 .Lump("LINEDEFS", "ll")
+                                 .Lump("SIDEDEFS", "ss")
+                                 .Lump("VERTEXES", "vv")
+                                 .Lump("SECTORS", "ee")
+                                 .HexenLevel("MAP03")
+                                 .Write(Dir.File("RES.WAD"));
+    const std::string before = testkit::ReadFile(path);
+    wad::Wad().WriteBudget = 100;
+    Ui.Answer(0); // the I/O error's "Quit now?": no
+    EXPECT_EQ(WritePaletteLumps(path, {&playpal, nullptr}), -1);
+    wad::Wad().WriteBudget = -1;
+    EXPECT_EQ(testkit::ReadFile(path), before);
+    EXPECT_FALSE(std::filesystem::exists(Dir.File("RES.BAK")));
+
+    // Written whole, the levels' lumps read back as they were, PLAYPAL after them.
+    ASSERT_EQ(WritePaletteLumps(path, {&playpal, nullptr}), 1);
+    const LumpList lumps = Lumps(path);
+    LumpList old = Lumps(Dir.File("RES.BAK"));
+    old.emplace_back("PLAYPAL", std::string(768, '\x07'));
+    EXPECT_EQ(lumps, old);
 }
 
 } // namespace
