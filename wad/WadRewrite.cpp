@@ -55,8 +55,54 @@ std::string WrittenName(const RewriteEntry& entry, const RewritePlan& plan)
     return name;
 }
 
+// The progress panel of a rewrite: the caller's caption, and with a total a count to 100 that
+// moves only when its text changes.
+struct ProgressPanel
+{
+    const RewritePlan& Plan;
+    std::string Target;
+    std::string Caption;
+    std::string Detail;
+    std::int64_t Done = 0;
+    int Percent = 0;
+};
+
+void ShowPanel(ProgressPanel& panel, const std::string& caption, int percent)
+{
+    const std::string detail =
+        panel.Plan.ProgressTotal > 0 ? platform::Format("%d of 100", percent) : panel.Target;
+    if (caption != panel.Caption || detail != panel.Detail)
+    {
+        panel.Caption = caption;
+        panel.Detail = detail;
+        panel.Percent = percent;
+        platform::TheUi().ShowProgress(panel.Caption, panel.Detail);
+    }
+}
+
+// The data of an entry went out.
+void PanelCopied(ProgressPanel& panel, std::int64_t bytes)
+{
+    panel.Done += bytes;
+    if (panel.Plan.ProgressTotal > 0)
+    {
+        ShowPanel(panel, panel.Caption,
+                  static_cast<int>(
+                      std::min<std::int64_t>(100, panel.Done * 100 / panel.Plan.ProgressTotal)));
+    }
+}
+
+// The directory is being written.
+void PanelDirectory(ProgressPanel& panel)
+{
+    if (!panel.Plan.DirectoryCaption.empty())
+    {
+        ShowPanel(panel, panel.Plan.DirectoryCaption, panel.Percent);
+    }
+}
+
 // Writes the entries' data from byte 12 on, then the directory, then the header.
-bool WriteAll(std::FILE* out, const RewritePlan& plan, Sources& sources)
+bool WriteAll(std::FILE* out, const RewritePlan& plan, Sources& sources, ProgressPanel& panel)
 {
     std::uint8_t header[WadHeaderSize] = {};
     if (CheckedWrite(out, header, WadHeaderSize) != 1)
@@ -94,13 +140,26 @@ bool WriteAll(std::FILE* out, const RewritePlan& plan, Sources& sources)
         std::copy(name.begin(), name.end(), row + 8);
         directory.insert(directory.end(), row, row + DirectoryEntrySize);
         offset += size;
+        PanelCopied(panel, size);
     }
+    PanelDirectory(panel);
     std::copy_n(plan.Magic.begin(), std::min<std::size_t>(plan.Magic.size(), 4), header);
     WriteLe32(header + 4, static_cast<std::int32_t>(plan.Entries.size()));
     WriteLe32(header + 8, static_cast<std::int32_t>(offset));
     return CheckedWrite(out, directory.data(), static_cast<std::int64_t>(directory.size())) == 1 &&
            CheckedSeek(out, 0) == 1 && CheckedWrite(out, header, WadHeaderSize) == 1 &&
            std::fflush(out) == 0;
+}
+
+// A caller's message with the target's path in place of its "%s".
+std::string WithTarget(std::string text, const std::filesystem::path& target)
+{
+    const std::size_t at = text.find("%s");
+    if (at != std::string::npos)
+    {
+        text.replace(at, 2, target.string());
+    }
+    return text;
 }
 
 bool MoveToBackup(const std::filesystem::path& target, const std::filesystem::path& backup)
@@ -198,16 +257,30 @@ bool RewriteWad(const std::filesystem::path& target, const RewritePlan& plan)
     StreamPtr out = OpenStream(target, "w+b");
     if (!out)
     {
-        platform::ShowError("Failure creating new TargetFile?\nYour old Target file is %s",
-                            (hadTarget ? backup : target).c_str());
+        if (plan.CreateFailure.empty())
+        {
+            platform::ShowError("Failure creating new TargetFile?\nYour old Target file is %s",
+                                (hadTarget ? backup : target).c_str());
+        }
+        else
+        {
+            platform::ShowError("%s", WithTarget(plan.CreateFailure, target).c_str());
+        }
         PutBackupBack(target, backup, hadTarget);
         return false;
     }
-    platform::TheUi().ShowProgress(
-        platform::Format("Copying %d Entries", static_cast<int>(plan.Entries.size())),
-        target.string());
-    const bool written = WriteAll(out.get(), plan, sources);
+    ProgressPanel panel{plan, target.string(), {}, {}, 0, 0};
+    ShowPanel(panel,
+              plan.ProgressCaption.empty()
+                  ? platform::Format("Copying %d Entries", static_cast<int>(plan.Entries.size()))
+                  : plan.ProgressCaption,
+              0);
+    const bool written = WriteAll(out.get(), plan, sources, panel);
     out.reset();
+    if (written)
+    {
+        ShowPanel(panel, panel.Caption, 100);
+    }
     platform::TheUi().EndProgress();
     if (!written)
     {

@@ -9,8 +9,9 @@
 //   point removes the half-written file and renames the .BAK back, so the target is as it was.
 // - An entry's bytes come from memory or from a span of a file; a span of the target itself is
 //   read from the .BAK. Entries are written in order, data from byte 12 on, the directory last.
-// - Everything the user sees goes through platform::TheUi(): the progress "Copying %d
-//   Entries" and the messages of a failed rename, open, read or write.
+// - Everything the user sees goes through platform::TheUi(): the progress ("Copying %d
+//   Entries", or the caller's caption with a count to 100) and the messages of a failed
+//   rename, open, read or write.
 #pragma once
 
 #include <cstdint>
@@ -52,6 +53,17 @@ struct RewritePlan
     /// Off: every entry whose name starts with "SCRIPT" is written as "SCRIPTS", the name the
     /// games look a level's script up by.
     bool KeepScriptNames = true;
+
+    /// The progress panel's caption while the data is copied; empty: "Copying %d Entries".
+    std::string ProgressCaption;
+    /// The caption while the directory is written; empty: the panel stays as it is.
+    std::string DirectoryCaption;
+    /// The bytes the panel counts to: its detail reads "%d of 100" as the data goes out and
+    /// "100 of 100" when the file is whole. 0: the detail is the target's name.
+    std::int64_t ProgressTotal = 0;
+    /// The message when the new file can't be created, "%s" standing for the target; empty:
+    /// "Failure creating new TargetFile?\nYour old Target file is %s".
+    std::string CreateFailure;
 };
 
 /// The entries of the WAD at `path` as spans of that file, in directory order, with the file's

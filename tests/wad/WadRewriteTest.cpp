@@ -137,6 +137,28 @@ TEST_F(WadRewriteTest, AFullDiskLeavesTheOldFileAsItWas)
     EXPECT_FALSE(std::filesystem::exists(BakPathOf(path)));
 }
 
+TEST_F(WadRewriteTest, ACallersPanelCountsToAHundredAndACallersCreateFailureIsShown)
+{
+    RewritePlan plan;
+    plan.Entries = {RewriteEntry::FromBytes("ONE", std::vector<std::uint8_t>(300, 1)),
+                    RewriteEntry::FromBytes("TWO", std::vector<std::uint8_t>(100, 2))};
+    plan.ProgressCaption = "Writing";
+    plan.DirectoryCaption = "Updating";
+    plan.ProgressTotal = 400;
+    const std::filesystem::path made = Dir.Path() / "made.wad";
+    ASSERT_TRUE(RewriteWad(made, plan));
+    using Shown = std::pair<std::string, std::string>;
+    EXPECT_EQ(Ui.Progress, (std::vector<Shown>{{"Writing", "0 of 100"},
+                                               {"Writing", "75 of 100"},
+                                               {"Writing", "100 of 100"},
+                                               {"Updating", "100 of 100"}}));
+
+    plan.CreateFailure = "Unable to create : %s";
+    const std::filesystem::path nowhere = Dir.Path() / "missing" / "x.wad";
+    EXPECT_FALSE(RewriteWad(nowhere, plan));
+    EXPECT_EQ(Ui.Last().Text(), "Unable to create : " + nowhere.string());
+}
+
 TEST_F(WadRewriteTest, ADamagedSourceIsRefusedBeforeAnythingIsWritten)
 {
     const std::filesystem::path bad = Dir.Path() / "bad.wad";
