@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "lumps/UsageReport_Pwad.h"
 
+#include "lumps/TextureMerge.h"
 #include "platform/Format.h"
 #include "wad/ErrorLog.h"
 #include "wad/LevelReader.h"
@@ -235,25 +236,17 @@ std::optional<TextureBuffer> ReadTextureBuffer(const Pwad& pwad, int number)
 // The lump rebuilt from the records not removed, in their order.
 std::vector<std::uint8_t> WithoutRemoved(const TextureBuffer& buffer)
 {
-    const gfx::TextureLayout layout = gfx::CurrentTextureLayout();
-    std::vector<std::vector<std::uint8_t>> kept;
+    MergeBuffers scratch;
+    scratch.Layout = gfx::CurrentTextureLayout();
+    std::vector<std::uint8_t> lump = buffer.Bytes;
     for (int i = 0; i < buffer.Parsed.Count(); ++i)
     {
         const std::optional<gfx::TextureRecord> record = buffer.Parsed.Record(i);
-        if (!buffer.Removed[static_cast<std::size_t>(i)] && record)
+        if (buffer.Removed[static_cast<std::size_t>(i)] && record)
         {
-            const auto begin = buffer.Bytes.begin() + static_cast<std::ptrdiff_t>(record->Offset);
-            const auto size =
-                static_cast<std::ptrdiff_t>(RecordSize(*record, layout, buffer.Bytes.size()));
-            kept.emplace_back(begin, begin + size);
+            // Of two textures of one name the first goes, and both are unused alike.
+            (void)DeleteTextureEntry(scratch, "deletetexure1", record->Name.Text(), lump);
         }
-    }
-    std::vector<std::uint8_t> lump(4 + 4 * kept.size());
-    wad::WriteLe32(lump.data(), static_cast<std::int32_t>(kept.size()));
-    for (std::size_t i = 0; i < kept.size(); ++i)
-    {
-        wad::WriteLe32(lump.data() + 4 + 4 * i, static_cast<std::int32_t>(lump.size()));
-        lump.insert(lump.end(), kept[i].begin(), kept[i].end());
     }
     return lump;
 }

@@ -88,7 +88,8 @@ struct TextureBuffer
 /// nothing when it has none or it can't be read.
 std::optional<TextureBuffer> ReadTextureBuffer(const Pwad& pwad, int number);
 
-/// The lump rebuilt from the records not removed, in their order.
+/// The lump without the records removed, each taken out as the merge deletes a texture: the
+/// others keep their order and any spare bytes behind them.
 std::vector<std::uint8_t> WithoutRemoved(const TextureBuffer& buffer);
 
 /// Calls `visit(textureName, indexBytes)` for every patch entry of the records not removed;
