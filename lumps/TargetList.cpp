@@ -236,7 +236,9 @@ int ReadTargetFile(const std::filesystem::path& file, bool warnTextures, TargetL
 TargetLevel TargetLevelAt(const TargetList& list, std::size_t index)
 {
     TargetLevel level;
-    if (index >= list.Entries.size())
+    // Only an entry followed by THINGS can start a level: most rows are settled by that alone.
+    if (index + 1 >= list.Entries.size() ||
+        !list.Entries[index + 1].Name.HasKey(wad::NameKey("THINGS")))
     {
         return level;
     }

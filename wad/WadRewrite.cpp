@@ -165,8 +165,17 @@ std::string WithTarget(std::string text, const std::filesystem::path& target)
 bool MoveToBackup(const std::filesystem::path& target, const std::filesystem::path& backup)
 {
     std::error_code error;
-    std::filesystem::remove(backup, error);
-    std::filesystem::rename(target, backup, error);
+    // A target that is itself named .BAK has no other name to keep its old bytes under:
+    // deleting "the old .BAK" would delete the target.
+    if (backup == target)
+    {
+        error = std::make_error_code(std::errc::file_exists);
+    }
+    else
+    {
+        std::filesystem::remove(backup, error);
+        std::filesystem::rename(target, backup, error);
+    }
     if (error)
     {
         platform::ShowError("Err %d: Could not rename file\n\n%s\n-to-\n%s\n\nFile is most likely "

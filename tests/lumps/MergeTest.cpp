@@ -230,6 +230,36 @@ TEST_F(MergeTest, ATargetWithoutPnamesGetsTheSourcesAtTheInsertPosition)
     EXPECT_EQ(Only(written, "TEXTURE1"), testing::AsBytes(textures));
 }
 
+TEST_F(MergeTest, ADamagedTextureLumpInTheTargetKeepsEveryTextureLumpAsItIs)
+{
+    // The target's PNAMES counts ten names and holds two.
+    std::string pnames = PnamesBytes({"PA", "PB"});
+    testing::PutLe(pnames, 0, 10, 4);
+    const std::string textures = TextureBytes({{"WALL", 64, 64, {{0, 0, 1}}}});
+    WadBuilder target;
+    target.Lump("PNAMES", pnames).Lump("TEXTURE1", textures).Level("MAP01");
+    const std::filesystem::path targetPath = target.Write(Dir.Path() / "target.wad");
+    WadBuilder source;
+    source.Lump("PNAMES", PnamesBytes({"PX"}))
+        .Lump("TEXTURE1", TextureBytes({{"NEW", 8, 8, {{0, 0, 0}}}}))
+        .Lump("EXTRA", "x");
+    MergeSession session = Open(targetPath);
+    AddInputFile(session, source.Write(Dir.Path() / "source.wad"));
+    Ui.Clear();
+    ASSERT_EQ(Save(session), 1);
+    EXPECT_EQ(Ui.Messages[1].Text(), "Target PNAMES is damaged\n\nTextures and PNAMES are not "
+                                     "merged; the Target's are kept as they are");
+    const std::vector<WadLump> written = ReadWadLumps(targetPath);
+    EXPECT_EQ(Only(written, "PNAMES"), testing::AsBytes(pnames));
+    EXPECT_EQ(Only(written, "TEXTURE1"), testing::AsBytes(textures));
+    EXPECT_EQ(written.back(), (WadLump{"EXTRA", "x"}));
+    EXPECT_EQ(session.Counts.Skipped, 2);
+    const std::vector<std::string> log = LogLines();
+    EXPECT_NE(std::find(log.begin(), log.end(),
+                        "PNAMES ignored: the Target's PNAMES or TEXTUREx is damaged"),
+              log.end());
+}
+
 TEST_F(MergeTest, TheDuplicateQuestionReplacesStopsAskingOrCancels)
 {
     WadBuilder target;

@@ -361,6 +361,15 @@ TEST_F(TargetListTest, SavingTheListChangesOnlyWhatTheCommandsChanged)
     wad::Wad().WriteBudget = -1;
     EXPECT_EQ(testkit::ReadFile(path), saved);
     EXPECT_EQ(IndexOf(list, "D_SONG"), -1);
+
+    // A target named .BAK can't keep its old bytes as its .BAK: it is refused, not deleted.
+    const std::filesystem::path bak = Dir.Path() / "old.BAK";
+    std::filesystem::copy_file(path, bak);
+    TargetList named = Read(bak);
+    ASSERT_EQ(DeleteTargetEntry(named, IndexOf(named, "DEHACKED")), 1);
+    EXPECT_FALSE(SaveTargetList(named));
+    EXPECT_EQ(Ui.Last().Text().substr(0, 30), "Err 17: Could not rename file\n");
+    EXPECT_EQ(testkit::ReadFile(bak), saved);
 }
 
 } // namespace
