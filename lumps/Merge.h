@@ -102,6 +102,17 @@ int AddInputFile(MergeSession& session, const std::filesystem::path& path);
 /// The path of the merge log.
 std::filesystem::path MergeLogPath();
 
+/// The target list's Verify Pnames: every patch of the textures of its first TEXTURE1 and
+/// TEXTURE2 checked against its first PNAMES, and each name against the lumps of the target
+/// and of the files open in the editor. The report ("== Checking Patch names used in Textures
+/// ==", a line for each bad patch index "%-8s Invalid patch index = %hd" and each name no lump
+/// has "%-8s patch %-8s not found", then "Total TEXURES= %d size= %d\nTotal PNAMES = %d size=
+/// %d\n") goes to the merge log and is shown as "Verify Pnames". With no PNAMES the notice
+/// "No PNAMES lump in Target File" / "with a PNAMES entry"; with no TEXTUREx "No TEXTURE lump
+/// in Target File" / "with TEXTURE1 or TEXTURE2 entries". Returns the patches found wanting,
+/// or -1 when there was nothing to check.
+int VerifyPnames(const MergeSession& session, std::vector<std::string>* report = nullptr);
+
 /// Writes the target list with the merged lumps (the run's last step): every entry in order,
 /// a lump of the target from the old file, an import's lump from its file, converted as the
 /// options say; the first PNAMES and TEXTURE1 hold the merged buffers and later ones are left

@@ -513,6 +513,29 @@ int MoveTargetEntry(TargetList& list, int index, std::string_view targetName, Pl
                   entries);
 }
 
+int AskMoveTargetEntry(TargetList& list, int index)
+{
+    if (index < 0 || static_cast<std::size_t>(index) >= list.Entries.size())
+    {
+        ShowLines("Move", {"Please select a lump to Move"});
+        return -1;
+    }
+    const std::optional<std::string> typed =
+        platform::TheUi().AskText("LumpMoveOption", "Move in front of or behind Lump", "");
+    if (!typed)
+    {
+        return -1;
+    }
+    const std::optional<int> choice = platform::TheUi().ChooseEntry(
+        "LumpMoveOption", {"Move &Before", "Move &After"}, {true, true});
+    if (!choice)
+    {
+        return -1;
+    }
+    return MoveTargetEntry(list, index, *typed,
+                           *choice == 0 ? Placement::Before : Placement::After);
+}
+
 int MoveTargetEntryUp(TargetList& list, int index)
 {
     if (index < 0 || static_cast<std::size_t>(index) >= list.Entries.size())

@@ -166,6 +166,11 @@ int AskInsertNamedEntry(TargetList& list, int index);
 /// again after it was taken out). Returns the moved row's new head index, or -1.
 int MoveTargetEntry(TargetList& list, int index, std::string_view targetName, Placement placement);
 
+/// Asks the target name ("Move in front of or behind Lump") and, in the choice
+/// "LumpMoveOption", "Move Before" or "Move After", then moves as MoveTargetEntry. Returns its
+/// result, -1 when cancelled.
+int AskMoveTargetEntry(TargetList& list, int index);
+
 /// Moves the row at `index` one row up or down, past a whole level. With no row there to
 /// pass, nothing moves. Refusals as MoveTargetEntry's first two. Returns the new head index,
 /// or -1.

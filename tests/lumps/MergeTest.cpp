@@ -260,6 +260,38 @@ TEST_F(MergeTest, ADamagedTextureLumpInTheTargetKeepsEveryTextureLumpAsItIs)
               log.end());
 }
 
+TEST_F(MergeTest, VerifyPnamesNamesEveryPatchWanting)
+{
+    const std::string textures = TextureBytes(
+        {{"T1", 64, 64, {{0, 0, 0}, {8, 0, 2}}}, {"T2", 64, 64, {{0, 0, 1}, {0, 0, 7}}}});
+    WadBuilder target;
+    target.Lump("PA", "patch a")
+        .Lump("PB", "patch b")
+        .Lump("PNAMES", PnamesBytes({"PA", "PB", "GONE"}));
+    MergeSession noTextures = Open(target.Write(Dir.Path() / "plain.wad"));
+    EXPECT_EQ(VerifyPnames(noTextures), -1);
+    EXPECT_EQ(Ui.Last().Lines, (std::vector<std::string>{"No TEXTURE lump in Target File",
+                                                         "with TEXTURE1 or TEXTURE2 entries"}));
+    target.Lump("TEXTURE1", textures);
+    MergeSession session = Open(target.Write(Dir.Path() / "target.wad"));
+    std::vector<std::string> report;
+    EXPECT_EQ(VerifyPnames(session, &report), 2);
+    EXPECT_EQ(report, (std::vector<std::string>{
+                          "== Checking Patch names used in Textures ==",
+                          "No IWAD or PWAD with graphics is open: only the Target File is searched",
+                          "T1       patch GONE     not found", "T2       Invalid patch index = 7",
+                          "Total TEXURES= 2 size= 96\nTotal PNAMES = 3 size= 28\n"}));
+    EXPECT_EQ(Ui.TextFiles.back().Caption, "Verify Pnames");
+
+    WadBuilder bare;
+    bare.Lump("TEXTURE1", textures);
+    MergeSession noPnames = Open(bare.Write(Dir.Path() / "bare.wad"));
+    Ui.Clear();
+    EXPECT_EQ(VerifyPnames(noPnames), -1);
+    EXPECT_EQ(Ui.Last().Lines,
+              (std::vector<std::string>{"No PNAMES lump in Target File", "with a PNAMES entry"}));
+}
+
 TEST_F(MergeTest, TheDuplicateQuestionReplacesStopsAskingOrCancels)
 {
     WadBuilder target;

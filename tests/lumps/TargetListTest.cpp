@@ -303,6 +303,11 @@ TEST_F(TargetListTest, MovesTakeAWholeRowPastAWholeRow)
     EXPECT_EQ(RowNames(list),
               (std::vector<std::string>{"FLOOR1", "MAP03", "MAP01", "DEHACKED", "MAP02", "SONG",
                                         "SCRIPT01", "MAP04", "FF_START", "FF_END"}));
+    // The dialog's form asks the name, then before or after.
+    Ui.AnswerText(std::string("map02")).AnswerList(1);
+    const int behind = AskMoveTargetEntry(list, IndexOf(list, "FLOOR1"));
+    EXPECT_EQ(behind, IndexOf(list, "MAP02") + 6);
+    EXPECT_EQ(RowNames(list)[4], "FLOOR1");
     EXPECT_EQ(MoveTargetEntryUp(list, IndexOf(list, "MAP02") + 1), -1);
     EXPECT_EQ(LastLines(), std::vector<std::string>{"This name is reserved and can't be moved"});
 }
