@@ -162,15 +162,6 @@ TEST_F(TargetListTest, FindAndRemoveByNameAndOrdinal)
     EXPECT_EQ(RemoveTargetEntry(list, "TWIN", -1), 1);
     EXPECT_EQ(RowNames(list), (std::vector<std::string>{"LAST"}));
     EXPECT_TRUE(list.DirectoryChanged);
-
-    std::size_t position = 0;
-    TargetEntry a, b;
-    a.Name = wad::LumpName::From("A");
-    b.Name = wad::LumpName::From("B");
-    InsertTargetEntry(list, position, std::vector<TargetEntry>{a, b});
-    EXPECT_EQ(position, 2u);
-    InsertTargetEntry(list, position, std::vector<TargetEntry>{a});
-    EXPECT_EQ(RowNames(list), (std::vector<std::string>{"A", "B", "A", "LAST"}));
 }
 
 TEST_F(TargetListTest, RenameKeepsLevelsWholeAndRefusesWithTheDialogsWords)

@@ -110,24 +110,6 @@ TEST(MergeTextures, AddsOverwritesInPlaceAndReplacesWithEveryCount)
     EXPECT_TRUE(gfx::CheckTextureLump(buffers.Textures, gfx::TextureLayout{}));
 }
 
-TEST(MergeTextures, ASameSizedReplacementLeavesEveryOffsetWhereItWas)
-{
-    MergeBuffers buffers;
-    MergeTextures(
-        buffers, "TEXT1target",
-        AsBytes(TextureBytes(
-            {{"A", 64, 64, {{0, 0, 0}}}, {"B", 64, 64, {{0, 0, 1}}}, {"C", 64, 64, {{0, 0, 2}}}})));
-    const std::vector<std::uint8_t> before = buffers.Textures;
-    MergeTextures(buffers, "TEXT1source", AsBytes(TextureBytes({{"B", 128, 32, {{8, 8, 5}}}})));
-    ASSERT_EQ(buffers.Textures.size(), before.size());
-    for (int i = 0; i < 3; ++i)
-    {
-        EXPECT_EQ(OffsetAt(buffers.Textures, i), OffsetAt(before, i));
-    }
-    EXPECT_EQ(ReadTextures(buffers.Textures)[1], (TextureDef{"B", 128, 32, {{8, 8, 5}}}));
-    EXPECT_EQ(buffers.Rep, 1);
-}
-
 TEST(DeleteTextureEntry, RemovesTheRecordAndItsHoleAndMovesTheOffsets)
 {
     MergeBuffers buffers;
@@ -184,11 +166,6 @@ TEST(MakeDummyTexture2, IsOneEmptyTextureWithOnePatch)
     const std::vector<std::uint8_t> dummy = MakeDummyTexture2(gfx::TextureLayout{});
     EXPECT_EQ(dummy.size(), 40u);
     EXPECT_EQ(ReadTextures(dummy), (std::vector<TextureDef>{{"AADUMMY1", 0, 0, {{0, 0, 1}}}}));
-    // The older Strife layout: an 18-byte head and 6-byte patch entries.
-    const gfx::TextureLayout strife{18, 6, 8};
-    const std::vector<std::uint8_t> narrow = MakeDummyTexture2(strife);
-    EXPECT_EQ(narrow.size(), 32u);
-    EXPECT_EQ(TextureNames(narrow, strife), (std::vector<std::string>{"AADUMMY1"}));
 }
 
 TEST(TextureMerge, DamagedRecordsAreSkippedNotRead)
