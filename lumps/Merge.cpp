@@ -174,6 +174,15 @@ int AskDuplicate(const std::string& name)
     return platform::TheUi().Show(question);
 }
 
+// A marker of a range (FF_START, P_END...): another range of the same kind goes beside the
+// target's, since taking the target's markers away would leave its lumps outside any range.
+bool IsRangeMarker(const ImportRow& row)
+{
+    const std::string name = wad::UpperText(row.LumpName);
+    return row.LevelLayout == 0 && row.Entries.size() == 1 && row.Entries.front().Size == 0 &&
+           (name.ends_with("_START") || name.ends_with("_END"));
+}
+
 // One row of step 5. Returns false when the merge is to stop.
 bool CheckRowForDuplicates(MergeRun& run, std::size_t r,
                            std::map<std::uint64_t, std::size_t>& earlier)
@@ -189,7 +198,7 @@ bool CheckRowForDuplicates(MergeRun& run, std::size_t r,
         SkipRow(run, r);
         return true;
     }
-    if (IsTextureLumpName(name))
+    if (IsTextureLumpName(name) || IsRangeMarker(row))
     {
         return true;
     }

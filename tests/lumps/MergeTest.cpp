@@ -323,6 +323,19 @@ TEST_F(MergeTest, TheDuplicateQuestionReplacesStopsAskingOrCancels)
               (std::vector<WadLump>{{"KEEP", "k"}, {"THREE", "c"}, {"ONE", "a"}, {"TWO", "b"}}));
     EXPECT_EQ(session.Counts.Replaced, 3);
 
+    // Range markers are never replaced: a second range goes beside the target's.
+    WadBuilder flats;
+    flats.Marker("FF_START").Lump("FLAT1", std::string(4096, 'f')).Marker("FF_END");
+    WadBuilder withFlats;
+    withFlats.Marker("FF_START").Lump("OLDFLAT", std::string(4096, 'o')).Marker("FF_END");
+    const std::filesystem::path flatTarget = withFlats.Write(Dir.Path() / "flats.wad");
+    MergeSession ranges = Open(flatTarget);
+    AddInputFile(ranges, flats.Write(Dir.Path() / "newflats.wad"));
+    ASSERT_EQ(Save(ranges), 1);
+    EXPECT_EQ(
+        Names(ReadWadLumps(flatTarget)),
+        (std::vector<std::string>{"FF_START", "OLDFLAT", "FF_END", "FF_START", "FLAT1", "FF_END"}));
+
     // Allow Duplicates: no question, both kept.
     MergeSession both = Open(targetPath);
     both.Options.AllowDuplicates = true;
