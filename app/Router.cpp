@@ -4,6 +4,7 @@
 
 #include "app/CheckerCommands.h"
 #include "app/CommandHandlers.h"
+#include "app/LumpCommands.h"
 #include "app/Modes.h"
 #include "app/RecentLists.h"
 #include "app/Session.h"
@@ -49,12 +50,13 @@ constexpr RouteRow RouteTable[] = {
     {CmdChooseProject, CmdChooseProject, AnyMode, ChooseProjectCommand, "Choose Game Project"},
     {CmdChooseTextureGroup, CmdChooseTextureGroup, AnyMode, ChooseTextureGroupCommand,
      "Choose Texture Group"},
-    {CmdGroup, CmdUngroup, AnyMode, nullptr, "Group, UnGroup"},
-    {CmdMakeIwad, CmdMakeIwad, AnyMode, nullptr, "Save and make an IWAD"},
+    {CmdGroup, CmdUngroup, AnyMode, GroupMenuCommand, "Group, UnGroup"},
+    {CmdMakeIwad, CmdMakeIwad, AnyMode, GroupMenuCommand, "Save and make an IWAD"},
     {CmdResetRecentList, CmdResetRecentList, AnyMode, ResetRecentCommand, "Reset recent PWAD List"},
     {CommandStartup, CommandStartup, AnyMode, StartupCommand, "start-up"},
     {CommandFirstStartup, CommandFirstStartup, AnyMode, StartupCommand, "first start-up"},
-    {CmdOptionsMenu, CmdGraphicsMenu, AnyMode, nullptr, "F5 to F7 menus"},
+    {CmdGraphicsMenu, CmdGraphicsMenu, AnyMode, GraphicsMenuCommand, "Graphics/Import/Export"},
+    {CmdOptionsMenu, CmdScriptMenu, AnyMode, nullptr, "F5, F6 menus"},
     {CmdMiscMenu, CmdMiscMenu, AnyMode, MiscMenuCommand, "Misc Menu"},
     {CmdCheckLevel, CmdCheckLevel, AnyMode, CheckLevelCommand, "Check Level"},
     {CmdStatistics, CmdStatistics, AnyMode, CheckLevelCommand, "Statistics"},

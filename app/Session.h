@@ -79,6 +79,8 @@ struct SessionHooks
     /// Runs the level checker's dialog; true when it closed by its Statistics button. Empty:
     /// no window.
     std::function<bool()> CheckDialog;
+    /// Opens a lump tool of the F7 menu (a LumpTool). Empty: no window.
+    std::function<void(int tool)> LumpTool;
 };
 
 /// The session words.

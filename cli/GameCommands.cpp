@@ -5,9 +5,11 @@
 #include "cli/Commands.h"
 #include "game/GameState.h"
 #include "game/OptFile.h"
+#include "game/TypeLookup.h"
 #include "game/TypeRows.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <string_view>
 
@@ -115,6 +117,22 @@ void PrintTable(const std::vector<Row>& rows, const std::vector<game::CategoryMe
     printFree();
 }
 
+// types GAME lines --decode NUMBER: the name a LineDef type number has in the game, decoded
+// when it is one of Boom's generalized types.
+int DecodeLineType(const std::string& word)
+{
+    char* end = nullptr;
+    const long number = std::strtol(word.c_str(), &end, 0);
+    if (end == word.c_str() || *end != '\0' || number < 0 || number > 65535)
+    {
+        std::fprintf(stderr, "kelvar-cli: %s is not a LineDef type number\n", word.c_str());
+        return ExitUsage;
+    }
+    const game::LineTypeRow& row = game::LookupLineType(static_cast<std::uint16_t>(number), 0);
+    std::printf("%ld %s\n", number, std::string(game::Text(row.Name)).c_str());
+    return ExitOk;
+}
+
 } // namespace
 
 int ListTypes(const std::vector<std::string>& arguments)
@@ -129,14 +147,20 @@ int ListTypes(const std::vector<std::string>& arguments)
     }
     const std::string& kind = arguments[1];
     const bool optGiven = arguments.size() == 4 && arguments[2] == "--opt";
+    const bool decode = arguments.size() == 4 && arguments[2] == "--decode" && kind == "lines";
     if (chosen == nullptr || (kind != "things" && kind != "lines" && kind != "sectors") ||
-        (arguments.size() != 2 && !optGiven))
+        (arguments.size() != 2 && !optGiven && !decode))
     {
-        std::fprintf(stderr, "kelvar-cli: types GAME things|lines|sectors [--opt FILE], GAME one "
-                             "of doom, doom2, heretic, hexen, strife, boom, zdoom\n");
+        std::fprintf(stderr, "kelvar-cli: types GAME things|lines|sectors [--opt FILE], types GAME "
+                             "lines --decode NUMBER; GAME one of doom, doom2, heretic, hexen, "
+                             "strife, boom, zdoom\n");
         return ExitUsage;
     }
     game::SelectTablesFor(chosen->IwadKind, chosen->LevelFormat, chosen->Boom, chosen->Zdoom);
+    if (decode)
+    {
+        return DecodeLineType(arguments[3]);
+    }
     if (optGiven)
     {
         std::error_code error;

@@ -48,6 +48,23 @@ TEST(TypesCommand, ListsTheTableWithItsCategoriesAfterTheOverlay)
               "   18  Water Force Scroll East                           Water East");
 }
 
+TEST(TypesCommand, DecodesAGeneralizedTypeOfABoomProject)
+{
+    testkit::TempDir dir;
+    const Output door = RunTypes("boom lines --decode 15631", dir);
+    ASSERT_EQ(door.Status, 0);
+    EXPECT_EQ(door.Lines, std::vector<std::string>{"15631 DR  Door Norm o-c Nomonst 4 "});
+    const Output floor = RunTypes("boom lines --decode 0x6000", dir);
+    EXPECT_EQ(floor.Lines, std::vector<std::string>{"24576 W1  Floor Slow no dn HnF noc  "});
+    // Without Boom the number is no type of the game.
+    const Output plain = RunTypes("doom2 lines --decode 15631", dir);
+    ASSERT_EQ(plain.Status, 0);
+    EXPECT_EQ(plain.Lines.size(), 1U);
+    EXPECT_EQ(plain.Lines[0].find("Door"), std::string::npos) << plain.Lines[0];
+    EXPECT_EQ(RunTypes("boom lines --decode twelve", dir).Status, 1);
+    EXPECT_EQ(RunTypes("boom things --decode 1", dir).Status, 1);
+}
+
 TEST(TypesCommand, RefusesWhatItCannotList)
 {
     testkit::TempDir dir;

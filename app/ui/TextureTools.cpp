@@ -1,0 +1,10 @@
+// The TextureTools window of the lump tools.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/ui/LumpTools.h"
+
+namespace kelvar::app
+{
+
+void RunTextureTool(int /*tool*/, QWidget* /*parent*/) {}
+
+} // namespace kelvar::app
