@@ -7,6 +7,7 @@
 #include "platform/Ui.h"
 #include "wad/CheckedFile.h"
 #include "wad/DirectoryReader.h"
+#include "wad/LevelWriter.h"
 #include "wad/WadFormat.h"
 
 #include <algorithm>
@@ -101,24 +102,25 @@ void PanelDirectory(ProgressPanel& panel)
     }
 }
 
-// Writes the entries' data from byte 12 on, then the directory, then the header.
-bool WriteAll(std::FILE* out, const RewritePlan& plan, Sources& sources, ProgressPanel& panel)
+// Writes the entries' data from byte 12 on, then the directory, then the header, through the
+// WAD output the save writes with, so every WAD is laid out by one piece of code.
+bool WriteAll(WadOutput& out, const RewritePlan& plan, Sources& sources, ProgressPanel& panel)
 {
     std::uint8_t header[WadHeaderSize] = {};
-    if (CheckedWrite(out, header, WadHeaderSize) != 1)
+    if (CheckedWrite(out.Stream.get(), header, WadHeaderSize) != 1)
     {
         return false;
     }
-    std::vector<std::uint8_t> directory;
-    directory.reserve(plan.Entries.size() * DirectoryEntrySize);
-    std::int64_t offset = WadHeaderSize;
+    out.Offset = WadHeaderSize;
+    out.Rows.reserve(plan.Entries.size());
     for (const RewriteEntry& entry : plan.Entries)
     {
         // Escape isn't polled: a rewrite half done would only be undone again.
+        const std::int64_t start = out.Offset;
         const std::int64_t size = entry.DataSize();
         if (entry.File.empty())
         {
-            if (CheckedWrite(out, entry.Bytes.data(), size) != 1)
+            if (!WriteData(out, entry.Bytes.data(), size))
             {
                 return false;
             }
@@ -127,28 +129,18 @@ bool WriteAll(std::FILE* out, const RewritePlan& plan, Sources& sources, Progres
         {
             std::FILE* in = sources.Of(entry.File);
             if (in == nullptr || CheckedSeek(in, entry.Offset) != 1 ||
-                CopyFileSpan(out, in, size) != 1)
+                CopyFileSpan(out.Stream.get(), in, size) != 1)
             {
                 platform::ShowError("Failure reading old File?");
                 return false;
             }
+            out.Offset += size;
         }
-        std::uint8_t row[DirectoryEntrySize] = {};
-        WriteLe32(row, static_cast<std::int32_t>(offset));
-        WriteLe32(row + 4, static_cast<std::int32_t>(size));
-        const std::string name = WrittenName(entry, plan);
-        std::copy(name.begin(), name.end(), row + 8);
-        directory.insert(directory.end(), row, row + DirectoryEntrySize);
-        offset += size;
+        EnterRow(out, WrittenName(entry, plan), start);
         PanelCopied(panel, size);
     }
     PanelDirectory(panel);
-    std::copy_n(plan.Magic.begin(), std::min<std::size_t>(plan.Magic.size(), 4), header);
-    WriteLe32(header + 4, static_cast<std::int32_t>(plan.Entries.size()));
-    WriteLe32(header + 8, static_cast<std::int32_t>(offset));
-    return CheckedWrite(out, directory.data(), static_cast<std::int64_t>(directory.size())) == 1 &&
-           CheckedSeek(out, 0) == 1 && CheckedWrite(out, header, WadHeaderSize) == 1 &&
-           std::fflush(out) == 0;
+    return WriteDirectoryAndHeader(out, plan.Magic) && std::fflush(out.Stream.get()) == 0;
 }
 
 // A caller's message with the target's path in place of its "%s".
@@ -263,8 +255,9 @@ bool RewriteWad(const std::filesystem::path& target, const RewritePlan& plan)
         return false;
     }
     Sources sources(target, backup);
-    StreamPtr out = OpenStream(target, "w+b");
-    if (!out)
+    WadOutput out;
+    out.Stream = OpenStream(target, "w+b");
+    if (!out.Stream)
     {
         if (plan.CreateFailure.empty())
         {
@@ -284,8 +277,8 @@ bool RewriteWad(const std::filesystem::path& target, const RewritePlan& plan)
                   ? platform::Format("Copying %d Entries", static_cast<int>(plan.Entries.size()))
                   : plan.ProgressCaption,
               0);
-    const bool written = WriteAll(out.get(), plan, sources, panel);
-    out.reset();
+    const bool written = WriteAll(out, plan, sources, panel);
+    out.Stream.reset();
     if (written)
     {
         ShowPanel(panel, panel.Caption, 100);

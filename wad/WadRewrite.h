@@ -9,6 +9,9 @@
 //   point removes the half-written file and renames the .BAK back, so the target is as it was.
 // - An entry's bytes come from memory or from a span of a file; a span of the target itself is
 //   read from the .BAK. Entries are written in order, data from byte 12 on, the directory last.
+// - The bytes are laid out by the WAD output of LevelWriter.h, which the level save writes
+//   with too; what differs is only how the old file is kept: the save turns the session's
+//   open file record into its .BAK, a rewrite works on a path.
 // - Everything the user sees goes through platform::TheUi(): the progress ("Copying %d
 //   Entries", or the caller's caption with a count to 100) and the messages of a failed
 //   rename, open, read or write.
