@@ -186,6 +186,11 @@ int PlayMidi(std::span<const std::uint8_t> midi)
         return PlayRefused;
     }
     const int code = platform::TheAudio().PlayMidi(midi);
+    if (code == platform::AudioNoDevice)
+    {
+        // The port has said once in the status line that there is no output; no box for it.
+        return PlayFailed;
+    }
     if (code != platform::AudioStarted)
     {
         platform::ShowError("Play MIDI Open error %d\n", code);

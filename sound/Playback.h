@@ -57,7 +57,8 @@ void StopSound();
 /// Plays a Standard MIDI file from memory: 51 bytes or more that start with "MThd", or with
 /// "RIFF" and "RMIDdata" at 8. Stops the sound and the music first. An earlier failure to
 /// open music gives PlayPending; a failure now shows "Play MIDI Open error %d\n" and sets that
-/// failure. PlayStarted, PlayRefused, PlayPending or PlayFailed.
+/// failure, except for a missing audio output, which the port reports itself. PlayStarted,
+/// PlayRefused, PlayPending or PlayFailed.
 int PlayMidi(std::span<const std::uint8_t> midi);
 
 /// As PlayMidi, for a MIDI file on disk; PlayRefused when it can't be read.

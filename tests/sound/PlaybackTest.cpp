@@ -237,12 +237,17 @@ TEST_F(PlaybackTest, MusicStopsEverythingAndAFailedOpenStands)
     EXPECT_EQ(PlayMidi(Bytes(midi.begin(), midi.end() - 1)), PlayRefused);
     EXPECT_EQ(PlayMidi(test::ToBytes(std::string("MUS\x1a") + std::string(60, '\0'))), PlayRefused);
 
-    Audio.Calls.clear();
+    // No output: the port says so in the status line, and later music is still tried.
     Audio.MidiResult = platform::AudioNoDevice;
+    EXPECT_EQ(PlayMidi(midi), PlayFailed);
+    EXPECT_TRUE(Ui.Messages.empty());
+
+    Audio.Calls.clear();
+    Audio.MidiResult = platform::AudioNoSynth;
     EXPECT_EQ(PlayMidi(midi), PlayFailed);
     ASSERT_EQ(Ui.Messages.size(), 1u);
     EXPECT_EQ(Ui.Messages[0].Title, "Kelvar Error");
-    EXPECT_EQ(Ui.Messages[0].Text(), "Play MIDI Open error 1\n");
+    EXPECT_EQ(Ui.Messages[0].Text(), "Play MIDI Open error 3\n");
     Audio.MidiResult = platform::AudioStarted;
     EXPECT_EQ(PlayMidi(midi), PlayPending);
     EXPECT_EQ(Audio.Names(), (std::vector<std::string>{"StopSound", "StopMusic", "PlayMidi",
