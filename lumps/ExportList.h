@@ -13,6 +13,7 @@
 #pragma once
 
 #include "gfx/LumpKind.h"
+#include "gfx/PictureFit.h"
 #include "wad/LumpName.h"
 
 #include <cstdint>
@@ -55,12 +56,15 @@ struct ExportFilters
     bool Levels = true;
 };
 
-/// The formats the Auto conversion writes, as file extensions.
+/// The import and export settings: the formats the Auto conversion writes, as file
+/// extensions (the music and sound ones are also what an import converts to), and the sizes a
+/// picture import takes.
 struct ExportSettings
 {
     std::string AutoGraphicFormat = ".BMP"; // ".BMP" or ".PCX"
     std::string AutoMusicFormat = ".MID";   // ".MID" or ".MUS"
     std::string AutoSoundFormat = ".WAV";   // ".WAV" or ".SND"
+    gfx::ImportSizeLimits ImportLimits;
 };
 
 /// Everything the export tools keep between uses.

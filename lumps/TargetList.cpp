@@ -599,11 +599,12 @@ int ClearTargetList(TargetList& list)
     return 1;
 }
 
-bool SaveTargetList(TargetList& list, bool keepScriptNames)
+bool SaveTargetList(TargetList& list, bool keepScriptNames, const std::string& progressCaption)
 {
     wad::RewritePlan plan;
     plan.Magic = list.Magic.empty() ? "PWAD" : list.Magic;
     plan.KeepScriptNames = keepScriptNames;
+    plan.ProgressCaption = progressCaption;
     for (const TargetEntry& entry : list.Entries)
     {
         if (entry.ImportIndex >= 0)

@@ -185,8 +185,10 @@ int MoveTargetEntryDown(TargetList& list, int index);
 /// every entry of the target from the old file, an entry of no size as a marker. Entries from
 /// import rows are not written here (the merge does that); a list that holds one is refused.
 /// With `keepScriptNames` off, "SCRIPTxx" names are written as "SCRIPTS". The list is read
-/// again afterwards. Returns true when written.
-[[nodiscard]] bool SaveTargetList(TargetList& list, bool keepScriptNames = true);
+/// again afterwards. `progressCaption` replaces the panel's "Copying %d Entries". Returns true
+/// when written.
+[[nodiscard]] bool SaveTargetList(TargetList& list, bool keepScriptNames = true,
+                                  const std::string& progressCaption = {});
 
 /// Asks before a dialog with unsaved work is left: "You have added files that were not
 /// saved.\n\nDo you still want to Exit?" when `importsPending`, otherwise, after a list change,

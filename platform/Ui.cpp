@@ -4,6 +4,8 @@
 
 #include "platform/ConsoleUi.h"
 
+#include <utility>
+
 namespace kelvar::platform
 {
 namespace
@@ -29,6 +31,16 @@ std::optional<int> Ui::ChooseEntry(const std::string& caption,
         return std::nullopt;
     }
     return choice;
+}
+
+std::vector<std::filesystem::path> Ui::ChooseFiles(const FileChoice& choice)
+{
+    std::optional<std::filesystem::path> file = ChooseFile(choice);
+    if (!file)
+    {
+        return {};
+    }
+    return {std::move(*file)};
 }
 
 std::optional<std::string> Ui::Browse(const BrowseRequest& request)

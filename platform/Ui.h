@@ -87,6 +87,10 @@ public:
     /// Lets the user pick a file; nothing when cancelled.
     virtual std::optional<std::filesystem::path> ChooseFile(const FileChoice& choice) = 0;
 
+    /// Lets the user pick one or more existing files at once; empty when cancelled. This form
+    /// asks for one file through ChooseFile; a window system overrides it to take several.
+    virtual std::vector<std::filesystem::path> ChooseFiles(const FileChoice& choice);
+
     /// Lets the user pick one of a list; the index, or nothing when cancelled.
     virtual std::optional<int> ChooseFromList(const std::string& caption,
                                               const std::vector<std::string>& items) = 0;

@@ -228,6 +228,23 @@ std::optional<std::filesystem::path> QtUi::ChooseFile(const FileChoice& choice)
     return std::filesystem::path(path);
 }
 
+std::vector<std::filesystem::path> QtUi::ChooseFiles(const FileChoice& choice)
+{
+    const QStringList picked = QFileDialog::getOpenFileNames(
+        Owner, Text(choice.Caption), QString::fromStdString(choice.InitialPath.string()),
+        DialogFilter(choice.Filter));
+    std::vector<std::filesystem::path> files;
+    for (const QString& name : picked)
+    {
+        const std::string path = name.toStdString();
+        if (path.size() <= choice.NameLimit)
+        {
+            files.emplace_back(path);
+        }
+    }
+    return files;
+}
+
 void QtUi::SetBrowser(std::function<std::optional<std::string>(const BrowseRequest&)> opener)
 {
     Browser = std::move(opener);

@@ -41,6 +41,7 @@ public:
     int Show(const Message& message) override;
     void ShowTextFile(const std::string& caption, const std::filesystem::path& file) override;
     std::optional<std::filesystem::path> ChooseFile(const FileChoice& choice) override;
+    std::vector<std::filesystem::path> ChooseFiles(const FileChoice& choice) override;
     std::optional<int> ChooseFromList(const std::string& caption,
                                       const std::vector<std::string>& items) override;
     std::optional<int> ChooseEntry(const std::string& caption,
