@@ -1,0 +1,118 @@
+// What the lump tools' windows share: the target list view, buttons, the editor's files.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/ui/MergeDialogParts.h"
+
+#include "app/Modes.h"
+#include "app/Session.h"
+#include "lumps/ToolFiles.h"
+#include "lumps/ToolLists.h"
+
+#include <QHeaderView>
+#include <span>
+
+namespace kelvar::app
+{
+
+TargetListView::TargetListView(bool checkable, QWidget* parent)
+    : QTreeWidget(parent), Checkable(checkable)
+{
+    setColumnCount(3);
+    setHeaderLabels({"Lump", "Size", "Type"});
+    setRootIsDecorated(false);
+    setUniformRowHeights(true);
+    setAllColumnsShowFocus(true);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setFont(QFont("Monospace"));
+    header()->setStretchLastSection(true);
+    header()->setSectionResizeMode(0, QHeaderView::Interactive);
+    setColumnWidth(0, checkable ? 130 : 110);
+    setColumnWidth(1, 80);
+    connect(this, &QTreeWidget::itemChanged, this,
+            [this](QTreeWidgetItem* item, int column)
+            {
+                if (!Filling && Checkable && column == 0)
+                {
+                    emit RowChecked(item->data(0, Qt::UserRole).toInt(),
+                                    item->checkState(0) == Qt::Checked);
+                }
+            });
+}
+
+void TargetListView::ShowRows(const lumps::TargetList& list,
+                              const std::vector<lumps::TargetRow>& rows, int head,
+                              const std::function<bool(const lumps::TargetRow&)>& selected)
+{
+    Filling = true;
+    clear();
+    const std::vector<lumps::TargetRowText> texts = lumps::TargetRowTexts(list, rows);
+    QList<QTreeWidgetItem*> items;
+    items.reserve(static_cast<qsizetype>(rows.size()));
+    for (std::size_t r = 0; r < rows.size(); ++r)
+    {
+        auto* item = new QTreeWidgetItem({QString::fromStdString(texts[r].Name),
+                                          QString::number(texts[r].Size),
+                                          QString::fromStdString(texts[r].Type)});
+        item->setData(0, Qt::UserRole, static_cast<int>(rows[r].First));
+        item->setTextAlignment(1, Qt::AlignRight | Qt::AlignVCenter);
+        if (Checkable)
+        {
+            item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
+            item->setCheckState(0, !selected || selected(rows[r]) ? Qt::Checked : Qt::Unchecked);
+        }
+        items.push_back(item);
+    }
+    addTopLevelItems(items);
+    Filling = false;
+    SelectHead(head);
+}
+
+int TargetListView::CurrentHead() const
+{
+    const QTreeWidgetItem* item = currentItem();
+    return item != nullptr && item->isSelected() ? item->data(0, Qt::UserRole).toInt() : -1;
+}
+
+void TargetListView::SelectHead(int head)
+{
+    for (int i = 0; i < topLevelItemCount(); ++i)
+    {
+        QTreeWidgetItem* item = topLevelItem(i);
+        if (head >= 0 && item->data(0, Qt::UserRole).toInt() == head)
+        {
+            setCurrentItem(item);
+            scrollToItem(item);
+            return;
+        }
+    }
+    clearSelection();
+}
+
+QPushButton* ToolButton(const QString& text, QWidget* parent)
+{
+    auto* button = new QPushButton(text, parent);
+    button->setAutoDefault(false);
+    return button;
+}
+
+bool MayRewriteEditorFiles(const std::vector<std::filesystem::path>& files)
+{
+    return !lumps::AnyOpenInEditor(files) || ContinueWithUnsavedChanges();
+}
+
+void ReloadEditorFiles()
+{
+    (void)ReloadAllFiles(true);
+}
+
+QString FileLine(const lumps::TargetList& list)
+{
+    if (list.File.empty())
+    {
+        return "(none)";
+    }
+    return QString("%1  (%2)")
+        .arg(QString::fromStdString(list.File.string()),
+             QString::fromStdString(list.Magic.empty() ? std::string("new file") : list.Magic));
+}
+
+} // namespace kelvar::app

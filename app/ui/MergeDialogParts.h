@@ -1,0 +1,60 @@
+// What the lump tools' windows share: the target list view, their buttons, and the editor's
+// files around a rewrite of one of them.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "lumps/TargetList.h"
+
+#include <QPushButton>
+#include <QTreeWidget>
+#include <filesystem>
+#include <functional>
+#include <vector>
+
+namespace kelvar::app
+{
+
+/// A target list as rows: name, size and type, a level as one row. With check boxes, a row's
+/// box tells whether it is selected to stay.
+class TargetListView final : public QTreeWidget
+{
+    Q_OBJECT
+
+public:
+    explicit TargetListView(bool checkable, QWidget* parent = nullptr);
+
+    /// Shows `rows` of `list` in that order; `selected` tells each row's box (checkable views).
+    /// The current row stays on the entry `head` when it still heads a row.
+    void ShowRows(const lumps::TargetList& list, const std::vector<lumps::TargetRow>& rows,
+                  int head, const std::function<bool(const lumps::TargetRow&)>& selected = {});
+
+    /// The entry heading the current row; -1 when no row is current and selected.
+    int CurrentHead() const;
+    /// Makes the row headed by `head` current (none for -1).
+    void SelectHead(int head);
+
+signals:
+    /// A row's box was changed by the user.
+    void RowChecked(int head, bool checked);
+
+private:
+    bool Checkable;
+    bool Filling = false;
+};
+
+/// A button of a tool window: Enter in a list never presses it.
+QPushButton* ToolButton(const QString& text, QWidget* parent);
+
+/// Before a tool rewrites `files`: when the editor has one of them open, the unsaved-changes
+/// question, since the editor reads its files again afterwards. True when the tool may go on.
+bool MayRewriteEditorFiles(const std::vector<std::filesystem::path>& files);
+
+/// After a tool rewrote a file the editor has open: the editor's files and its level are read
+/// again, the view kept where it is.
+void ReloadEditorFiles();
+
+/// A WAD's file name with its header, for a window's file line: "%s  (%s)", the header being
+/// "new file" for a file with none yet; "(none)" when no file is chosen.
+QString FileLine(const lumps::TargetList& list);
+
+} // namespace kelvar::app
