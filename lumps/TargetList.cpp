@@ -112,6 +112,44 @@ int PutRow(TargetList& list, std::size_t position, const std::vector<TargetEntry
     return static_cast<int>(first);
 }
 
+// True when the entry at `index` heads a row that may move; otherwise shows why not.
+bool CheckMovable(const TargetList& list, int index)
+{
+    if (index < 0 || static_cast<std::size_t>(index) >= list.Entries.size())
+    {
+        ShowLines("Move", {"Please select a lump to Move"});
+        return false;
+    }
+    if (!HeadsRow(list, index))
+    {
+        ShowLines("Move", {"This name is reserved and can't be moved"});
+        return false;
+    }
+    return true;
+}
+
+// Moves the row headed by `index` past the row above or below it and returns where it
+// begins; a row already at that end stays put.
+int StepRow(TargetList& list, int index, bool up)
+{
+    if (!CheckMovable(list, index))
+    {
+        return -1;
+    }
+    const std::vector<TargetRow> rows = TargetRows(list);
+    const auto self = std::find_if(rows.begin(), rows.end(),
+                                   [&](const TargetRow& row)
+                                   { return row.First == static_cast<std::size_t>(index); });
+    if (up ? self == rows.begin() : std::next(self) == rows.end())
+    {
+        return index;
+    }
+    // Once this row is out, the next one starts where this one did.
+    const std::size_t position = up ? std::prev(self)->First : self->First + std::next(self)->Count;
+    const std::vector<TargetEntry> entries = TakeRow(list, *self);
+    return PutRow(list, position, entries);
+}
+
 // The notices of a target just read: bad names, lone reserved names, texture lumps.
 void ReportTargetNames(const TargetList& list, bool badNames, bool warnTextures)
 {
@@ -468,14 +506,8 @@ int AskInsertNamedEntry(TargetList& list, int index)
 
 int MoveTargetEntry(TargetList& list, int index, std::string_view targetName, Placement placement)
 {
-    if (index < 0 || static_cast<std::size_t>(index) >= list.Entries.size())
+    if (!CheckMovable(list, index))
     {
-        ShowLines("Move", {"Please select a lump to Move"});
-        return -1;
-    }
-    if (!HeadsRow(list, index))
-    {
-        ShowLines("Move", {"This name is reserved and can't be moved"});
         return -1;
     }
     const wad::LumpName target = TypedName(targetName);
@@ -538,53 +570,12 @@ int AskMoveTargetEntry(TargetList& list, int index)
 
 int MoveTargetEntryUp(TargetList& list, int index)
 {
-    if (index < 0 || static_cast<std::size_t>(index) >= list.Entries.size())
-    {
-        ShowLines("Move", {"Please select a lump to Move"});
-        return -1;
-    }
-    if (!HeadsRow(list, index))
-    {
-        ShowLines("Move", {"This name is reserved and can't be moved"});
-        return -1;
-    }
-    const std::vector<TargetRow> rows = TargetRows(list);
-    const auto self = std::find_if(rows.begin(), rows.end(),
-                                   [&](const TargetRow& row)
-                                   { return row.First == static_cast<std::size_t>(index); });
-    if (self == rows.begin())
-    {
-        return index;
-    }
-    const std::size_t before = std::prev(self)->First;
-    const std::vector<TargetEntry> entries = TakeRow(list, *self);
-    return PutRow(list, before, entries);
+    return StepRow(list, index, true);
 }
 
 int MoveTargetEntryDown(TargetList& list, int index)
 {
-    if (index < 0 || static_cast<std::size_t>(index) >= list.Entries.size())
-    {
-        ShowLines("Move", {"Please select a lump to Move"});
-        return -1;
-    }
-    if (!HeadsRow(list, index))
-    {
-        ShowLines("Move", {"This name is reserved and can't be moved"});
-        return -1;
-    }
-    const std::vector<TargetRow> rows = TargetRows(list);
-    const auto self = std::find_if(rows.begin(), rows.end(),
-                                   [&](const TargetRow& row)
-                                   { return row.First == static_cast<std::size_t>(index); });
-    if (std::next(self) == rows.end())
-    {
-        return index;
-    }
-    // Once this row is out, the next one starts where this one did.
-    const std::size_t nextCount = std::next(self)->Count;
-    const std::vector<TargetEntry> entries = TakeRow(list, *self);
-    return PutRow(list, self->First + nextCount, entries);
+    return StepRow(list, index, false);
 }
 
 int ClearTargetList(TargetList& list)
