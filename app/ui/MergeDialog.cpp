@@ -15,7 +15,6 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QRadioButton>
-#include <QShortcut>
 #include <QSplitter>
 #include <QTreeWidget>
 #include <QVBoxLayout>
@@ -23,19 +22,6 @@
 
 namespace kelvar::app
 {
-namespace
-{
-
-// The keys of a list, working while the list has the focus.
-void AddKey(QWidget* list, const QKeySequence& key, const std::function<void()>& act)
-{
-    auto* shortcut = new QShortcut(key, list);
-    shortcut->setContext(Qt::WidgetShortcut);
-    QObject::connect(shortcut, &QShortcut::activated, list, act);
-}
-
-} // namespace
-
 MergeDialog::MergeDialog(QWidget* parent) : QDialog(parent)
 {
     setWindowTitle("Merge/Import");
@@ -44,12 +30,7 @@ MergeDialog::MergeDialog(QWidget* parent) : QDialog(parent)
 
     auto* fileRow = new QHBoxLayout();
     auto* fileLabel = new QLabel("Target file:", this);
-    TargetFile = new QLabel(this);
-    TargetFile->setObjectName("TargetFile");
-    TargetFile->setFrameShape(QFrame::Panel);
-    TargetFile->setFrameShadow(QFrame::Sunken);
-    TargetFile->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    TargetFile->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    TargetFile = FileLineLabel("TargetFile", this);
     auto* open = ToolButton("&Open Target...", this);
     auto* create = ToolButton("Ne&w Target...", this);
     connect(open, &QPushButton::clicked, this, &MergeDialog::OpenTarget);
@@ -122,11 +103,7 @@ QWidget* MergeDialog::BuildTargetSide()
     column->addStretch();
     layout->addLayout(column);
 
-    AddKey(Targets, Qt::Key_F2, [this] { RunCommand(lumps::TargetCommand::Rename); });
-    AddKey(Targets, Qt::Key_Delete, [this] { RunCommand(lumps::TargetCommand::Delete); });
-    AddKey(Targets, Qt::Key_Insert, [this] { RunCommand(lumps::TargetCommand::Insert); });
-    AddKey(Targets, Qt::CTRL | Qt::Key_Up, [this] { RunCommand(lumps::TargetCommand::Up); });
-    AddKey(Targets, Qt::CTRL | Qt::Key_Down, [this] { RunCommand(lumps::TargetCommand::Down); });
+    AddTargetCommandKeys(Targets, [this](lumps::TargetCommand command) { RunCommand(command); });
     return box;
 }
 

@@ -8,6 +8,7 @@
 #include "lumps/ToolLists.h"
 
 #include <QHeaderView>
+#include <QShortcut>
 #include <span>
 
 namespace kelvar::app
@@ -92,6 +93,33 @@ QPushButton* ToolButton(const QString& text, QWidget* parent)
     auto* button = new QPushButton(text, parent);
     button->setAutoDefault(false);
     return button;
+}
+
+QLabel* FileLineLabel(const QString& objectName, QWidget* parent)
+{
+    auto* label = new QLabel(parent);
+    label->setObjectName(objectName);
+    label->setFrameShape(QFrame::Panel);
+    label->setFrameShadow(QFrame::Sunken);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    label->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    return label;
+}
+
+void AddKey(QWidget* list, const QKeySequence& key, const std::function<void()>& act)
+{
+    auto* shortcut = new QShortcut(key, list);
+    shortcut->setContext(Qt::WidgetShortcut);
+    QObject::connect(shortcut, &QShortcut::activated, list, act);
+}
+
+void AddTargetCommandKeys(QWidget* list, const std::function<void(lumps::TargetCommand)>& run)
+{
+    AddKey(list, Qt::Key_F2, [run] { run(lumps::TargetCommand::Rename); });
+    AddKey(list, Qt::Key_Delete, [run] { run(lumps::TargetCommand::Delete); });
+    AddKey(list, Qt::Key_Insert, [run] { run(lumps::TargetCommand::Insert); });
+    AddKey(list, Qt::CTRL | Qt::Key_Up, [run] { run(lumps::TargetCommand::Up); });
+    AddKey(list, Qt::CTRL | Qt::Key_Down, [run] { run(lumps::TargetCommand::Down); });
 }
 
 bool MayRewriteEditorFiles(const std::vector<std::filesystem::path>& files)

@@ -1,10 +1,13 @@
-// What the lump tools' windows share: the target list view, their buttons, and the editor's
+// What the lump tools' windows share: the target list view, their buttons, file lines and keys,
 // files around a rewrite of one of them.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
 #include "lumps/TargetList.h"
+#include "lumps/ToolLists.h"
 
+#include <QKeySequence>
+#include <QLabel>
 #include <QPushButton>
 #include <QTreeWidget>
 #include <filesystem>
@@ -44,6 +47,17 @@ private:
 
 /// A button of a tool window: Enter in a list never presses it.
 QPushButton* ToolButton(const QString& text, QWidget* parent);
+
+/// A window's file line: a sunken panel whose text can be selected, taking the row's spare
+/// width.
+QLabel* FileLineLabel(const QString& objectName, QWidget* parent);
+
+/// A key of a list, working while the list has the focus.
+void AddKey(QWidget* list, const QKeySequence& key, const std::function<void()>& act);
+
+/// The keys of a target list's commands: F2 renames, Delete deletes, Insert inserts, Ctrl+Up
+/// and Ctrl+Down move a row; `run` runs the command.
+void AddTargetCommandKeys(QWidget* list, const std::function<void(lumps::TargetCommand)>& run);
 
 /// Before a tool rewrites `files`: when the editor has one of them open, the unsaved-changes
 /// question, since the editor reads its files again afterwards. True when the tool may go on.

@@ -11,23 +11,10 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QRadioButton>
-#include <QShortcut>
 #include <QVBoxLayout>
 
 namespace kelvar::app
 {
-namespace
-{
-
-void AddKey(QWidget* list, const QKeySequence& key, const std::function<void()>& act)
-{
-    auto* shortcut = new QShortcut(key, list);
-    shortcut->setContext(Qt::WidgetShortcut);
-    QObject::connect(shortcut, &QShortcut::activated, list, act);
-}
-
-} // namespace
-
 RenameDialog::RenameDialog(lumps::RenameSession session, QWidget* parent)
     : QDialog(parent), Rename(std::move(session))
 {
@@ -37,12 +24,7 @@ RenameDialog::RenameDialog(lumps::RenameSession session, QWidget* parent)
 
     auto* fileRow = new QHBoxLayout();
     fileRow->addWidget(new QLabel("PWAD:", this));
-    File = new QLabel(this);
-    File->setObjectName("File");
-    File->setFrameShape(QFrame::Panel);
-    File->setFrameShadow(QFrame::Sunken);
-    File->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    File->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    File = FileLineLabel("File", this);
     fileRow->addWidget(File, 1);
     auto* open = ToolButton("&Open PWAD...", this);
     connect(open, &QPushButton::clicked, this, &RenameDialog::OpenFile);
@@ -106,11 +88,7 @@ RenameDialog::RenameDialog(lumps::RenameSession session, QWidget* parent)
     bottom->addWidget(exit);
     layout->addLayout(bottom);
 
-    AddKey(Rows, Qt::Key_F2, [this] { RunCommand(lumps::TargetCommand::Rename); });
-    AddKey(Rows, Qt::Key_Delete, [this] { RunCommand(lumps::TargetCommand::Delete); });
-    AddKey(Rows, Qt::Key_Insert, [this] { RunCommand(lumps::TargetCommand::Insert); });
-    AddKey(Rows, Qt::CTRL | Qt::Key_Up, [this] { RunCommand(lumps::TargetCommand::Up); });
-    AddKey(Rows, Qt::CTRL | Qt::Key_Down, [this] { RunCommand(lumps::TargetCommand::Down); });
+    AddTargetCommandKeys(Rows, [this](lumps::TargetCommand command) { RunCommand(command); });
 
     Refresh();
     resize(620, 600);
