@@ -1,5 +1,5 @@
 // What the lump tools' windows share: the target list view, their buttons, file lines and keys,
-// files around a rewrite of one of them.
+// and the editor's files around a rewrite of one of them.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
