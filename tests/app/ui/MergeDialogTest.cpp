@@ -8,8 +8,7 @@
 #include "lumps/ExportList.h"
 #include "platform/qt/QtUi.h"
 #include "tests/app/ui/DialogAnswers.h"
-#include "tests/app/ui/MainWindowFixture.h"
-#include "tests/app/ui/WhenUp.h"
+#include "tests/app/ui/LumpToolFixture.h"
 #include "tests/testkit/WadBuilder.h"
 #include "wad/FileTable.h"
 #include "wad/WadRewrite.h"
@@ -30,19 +29,12 @@ namespace
 using testkit::WadBuilder;
 using testkit::WhenModal;
 
-// Alt and a button's letter: the button clicks itself a moment later, as on the screen.
-void PressAlt(QWidget& window, Qt::Key key)
-{
-    QTest::keyClick(&window, key, Qt::AltModifier);
-    QTest::qWait(150);
-}
-
-class MergeDialogTest : public MainWindowTest
+class MergeDialogTest : public LumpToolTest
 {
 protected:
     void SetUp() override
     {
-        MainWindowTest::SetUp();
+        LumpToolTest::SetUp();
         lumps::ResetExports();
         Target = WadBuilder()
                      .Lump("README", "read me")
@@ -57,48 +49,7 @@ protected:
     // F7, then the Merge entry of the menu, with `act` run on the window once it is up.
     void OpenMerge(const std::function<void(MergeDialog&)>& act)
     {
-        bool ran = false;
-        WhenModal(
-            [&](QWidget* widget)
-            {
-                auto* dialog = dynamic_cast<MergeDialog*>(widget);
-                ASSERT_NE(dialog, nullptr);
-                // The window takes the keys, as it does on the screen.
-                dialog->activateWindow();
-                ASSERT_TRUE(QTest::qWaitForWindowActive(dialog));
-                act(*dialog);
-                ran = true;
-                if (dialog->isVisible())
-                {
-                    dialog->done(QDialog::Rejected);
-                }
-            });
-        Ui.AnswerList(static_cast<int>(LumpTool::Merge));
-        QTest::keyClick(Map(), Qt::Key_F7);
-        EXPECT_TRUE(ran);
-    }
-
-    static std::vector<std::string> Names(const std::filesystem::path& file)
-    {
-        std::string magic;
-        std::vector<lumps::TargetEntry> entries;
-        EXPECT_EQ(lumps::ReadWadEntries(file, magic, entries), lumps::WadRead::Read);
-        std::vector<std::string> names;
-        for (const lumps::TargetEntry& entry : entries)
-        {
-            names.push_back(entry.Name.Text());
-        }
-        return names;
-    }
-
-    static QStringList Column(const QTreeWidget* list, int column)
-    {
-        QStringList texts;
-        for (int i = 0; i < list->topLevelItemCount(); ++i)
-        {
-            texts << list->topLevelItem(i)->text(column);
-        }
-        return texts;
+        OpenLumpTool(LumpTool::Merge, act);
     }
 
     std::filesystem::path Target;

@@ -5,8 +5,7 @@
 #include "app/ui/RenameDialog.h"
 #include "app/LumpCommands.h"
 #include "app/ui/MergeDialogParts.h"
-#include "tests/app/ui/MainWindowFixture.h"
-#include "tests/app/ui/WhenUp.h"
+#include "tests/app/ui/LumpToolFixture.h"
 #include "tests/testkit/WadBuilder.h"
 #include "wad/WadRewrite.h"
 
@@ -19,21 +18,13 @@ namespace
 {
 
 using testkit::WadBuilder;
-using testkit::WhenModal;
 
-// Alt and a button's letter: the button clicks itself a moment later, as on the screen.
-void PressAlt(QWidget& window, Qt::Key key)
-{
-    QTest::keyClick(&window, key, Qt::AltModifier);
-    QTest::qWait(150);
-}
-
-class RenameDialogTest : public MainWindowTest
+class RenameDialogTest : public LumpToolTest
 {
 protected:
     void SetUp() override
     {
-        MainWindowTest::SetUp();
+        LumpToolTest::SetUp();
         Pwad = WadBuilder()
                    .Lump("SONG", "MUS\x1a")
                    .Level("MAP01")
@@ -44,50 +35,10 @@ protected:
 
     void OpenRename(const std::function<void(RenameDialog&)>& act)
     {
-        bool ran = false;
-        WhenModal(
-            [&](QWidget* widget)
-            {
-                auto* dialog = dynamic_cast<RenameDialog*>(widget);
-                ASSERT_NE(dialog, nullptr);
-                // The window takes the keys, as it does on the screen.
-                dialog->activateWindow();
-                ASSERT_TRUE(QTest::qWaitForWindowActive(dialog));
-                act(*dialog);
-                ran = true;
-                if (dialog->isVisible())
-                {
-                    dialog->done(QDialog::Rejected);
-                }
-            });
-        Ui.AnswerList(static_cast<int>(LumpTool::Rename)).AnswerFile(Pwad);
-        QTest::keyClick(Map(), Qt::Key_F7);
-        EXPECT_TRUE(ran);
+        Ui.AnswerFile(Pwad);
+        OpenLumpTool(LumpTool::Rename, act);
         ASSERT_FALSE(Ui.FileRequests.empty());
         EXPECT_EQ(Ui.FileRequests[0].Caption, "Open Rename Lump PWAD");
-    }
-
-    static QStringList Rows(const TargetListView* list)
-    {
-        QStringList rows;
-        for (int i = 0; i < list->topLevelItemCount(); ++i)
-        {
-            rows << list->topLevelItem(i)->text(0);
-        }
-        return rows;
-    }
-
-    static std::vector<std::string> Names(const std::filesystem::path& file)
-    {
-        std::string magic;
-        std::vector<lumps::TargetEntry> entries;
-        EXPECT_EQ(lumps::ReadWadEntries(file, magic, entries), lumps::WadRead::Read);
-        std::vector<std::string> names;
-        for (const lumps::TargetEntry& entry : entries)
-        {
-            names.push_back(entry.Name.Text());
-        }
-        return names;
     }
 
     std::filesystem::path Pwad;
@@ -100,7 +51,7 @@ TEST_F(RenameDialogTest, RenameAndDeleteAreSavedAfterTheWarning)
         {
             EXPECT_EQ(dialog.windowTitle(), "Rename Dialog Lump");
             TargetListView* list = dialog.List();
-            EXPECT_EQ(Rows(list), (QStringList{"SONG", "MAP01", "DEHACKED", "ANIMATED"}));
+            EXPECT_EQ(Column(list, 0), (QStringList{"SONG", "MAP01", "DEHACKED", "ANIMATED"}));
             EXPECT_EQ(list->topLevelItem(1)->text(2), "LEVEL 11");
 
             list->setFocus();
@@ -109,7 +60,7 @@ TEST_F(RenameDialogTest, RenameAndDeleteAreSavedAfterTheWarning)
             PressAlt(dialog, Qt::Key_R);
             list->setCurrentItem(list->topLevelItem(2));
             PressAlt(dialog, Qt::Key_D);
-            EXPECT_EQ(Rows(list), (QStringList{"MUSIC", "MAP01", "ANIMATED"}));
+            EXPECT_EQ(Column(list, 0), (QStringList{"MUSIC", "MAP01", "ANIMATED"}));
             EXPECT_EQ(dialog.findChild<QLabel*>("Count")->text(),
                       "13 of 13 entries selected to stay; the file holds 14");
             dialog.grab().save(KELVAR_SCREENSHOT_DIR "/rename-dialog.png");
@@ -142,7 +93,7 @@ TEST_F(RenameDialogTest, AClearedBoxLeavesTheRowOutAndTheSortOnlyOrdersTheList)
         {
             TargetListView* list = dialog.List();
             PressAlt(dialog, Qt::Key_P); // Sort Alpha
-            EXPECT_EQ(Rows(list), (QStringList{"ANIMATED", "DEHACKED", "MAP01", "SONG"}));
+            EXPECT_EQ(Column(list, 0), (QStringList{"ANIMATED", "DEHACKED", "MAP01", "SONG"}));
 
             list->topLevelItem(0)->setCheckState(0, Qt::Unchecked); // ANIMATED
             EXPECT_EQ(dialog.findChild<QLabel*>("Count")->text(),

@@ -5,8 +5,7 @@
 #include "app/ui/TextureTools.h"
 #include "app/LumpCommands.h"
 #include "lumps/TargetList.h"
-#include "tests/app/ui/MainWindowFixture.h"
-#include "tests/app/ui/WhenUp.h"
+#include "tests/app/ui/LumpToolFixture.h"
 #include "tests/testkit/Commands.h"
 #include "tests/testkit/LevelBuilder.h"
 #include "tests/testkit/WadBuilder.h"
@@ -26,21 +25,13 @@ namespace
 
 using testkit::LevelBuilder;
 using testkit::WadBuilder;
-using testkit::WhenModal;
 
-// Alt and a button's letter: the button clicks itself a moment later, as on the screen.
-void PressAlt(QWidget& window, Qt::Key key)
-{
-    QTest::keyClick(&window, key, Qt::AltModifier);
-    QTest::qWait(150);
-}
-
-class TextureToolsTest : public MainWindowTest
+class TextureToolsTest : public LumpToolTest
 {
 protected:
     void SetUp() override
     {
-        MainWindowTest::SetUp();
+        LumpToolTest::SetUp();
         WadBuilder wad;
         LevelBuilder().Room(0, 0, 128, 128).Thing(64, 64, 1).WriteTo(wad, "MAP01");
         wad.Marker("FF_START").Lump("UNUSEDF", std::string(4096, 'u')).Marker("FF_END");
@@ -49,25 +40,7 @@ protected:
 
     void OpenTool(LumpTool tool, const std::function<void(TextureToolsDialog&)>& act)
     {
-        bool ran = false;
-        WhenModal(
-            [&](QWidget* widget)
-            {
-                auto* dialog = dynamic_cast<TextureToolsDialog*>(widget);
-                ASSERT_NE(dialog, nullptr);
-                // The window takes the keys, as it does on the screen.
-                dialog->activateWindow();
-                ASSERT_TRUE(QTest::qWaitForWindowActive(dialog));
-                act(*dialog);
-                ran = true;
-                if (dialog->isVisible())
-                {
-                    dialog->done(QDialog::Rejected);
-                }
-            });
-        Ui.AnswerList(static_cast<int>(tool));
-        QTest::keyClick(Map(), Qt::Key_F7);
-        EXPECT_TRUE(ran);
+        OpenLumpTool(tool, act);
     }
 
     static void SetPwad(TextureToolsDialog& dialog, const std::filesystem::path& pwad)
