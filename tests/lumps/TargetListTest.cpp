@@ -4,7 +4,7 @@
 #include "lumps/TargetList.h"
 
 #include "tests/lumps/MergeTestLumps.h"
-#include "tests/testkit/WadFixture.h"
+#include "tests/lumps/TargetListFixture.h"
 #include "wad/WadRewrite.h"
 #include "wad/WadState.h"
 
@@ -21,11 +21,8 @@ using testkit::WadBuilder;
 
 const std::vector<std::string> NodelessLevel = {"THINGS", "LINEDEFS", "SIDEDEFS", "VERTEXES",
                                                 "SECTORS"};
-const std::vector<std::string> GlLevel = {
-    "THINGS", "LINEDEFS", "SIDEDEFS", "VERTEXES", "SEGS",    "SSECTORS", "NODES",   "SECTORS",
-    "REJECT", "BLOCKMAP", "GL_MAP04", "GL_VERT",  "GL_SEGS", "GL_SSECT", "GL_NODES"};
 
-class TargetListTest : public testkit::WadFixture
+class TargetListTest : public TargetListFixture
 {
 protected:
     // Levels of every length between plain lumps: a full Doom level, a nodeless one, a Hexen
@@ -39,29 +36,11 @@ protected:
             .Lump("SONG", "MUS\x1a")
             .HexenLevel("MAP03")
             .Lump("SCRIPT01", "script 1 { }")
-            .LevelInOrder("MAP04", GlLevel)
+            .LevelInOrder("MAP04", GlLevel("MAP04"))
             .Marker("FF_START")
             .Lump("FLOOR1", std::string(4096, 'f'))
             .Marker("FF_END");
         return builder.Write(Dir.Path() / "multi.wad");
-    }
-
-    TargetList Read(const std::filesystem::path& file)
-    {
-        TargetList list;
-        EXPECT_EQ(ReadTargetFile(file, false, list), 1);
-        Ui.Clear();
-        return list;
-    }
-
-    static std::vector<std::string> RowNames(const TargetList& list)
-    {
-        std::vector<std::string> names;
-        for (const TargetRow& row : TargetRows(list))
-        {
-            names.push_back(list.Entries[row.First].Name.Text());
-        }
-        return names;
     }
 
     static int IndexOf(const TargetList& list, const std::string& name)

@@ -4,7 +4,7 @@
 #include "lumps/ToolLists.h"
 
 #include "lumps/ExportList.h"
-#include "tests/testkit/WadFixture.h"
+#include "tests/lumps/TargetListFixture.h"
 #include "wad/WadState.h"
 
 #include <gtest/gtest.h>
@@ -16,31 +16,9 @@ namespace
 
 using testkit::WadBuilder;
 
-const std::vector<std::string> GlLevel = {
-    "THINGS", "LINEDEFS", "SIDEDEFS", "VERTEXES", "SEGS",    "SSECTORS", "NODES",   "SECTORS",
-    "REJECT", "BLOCKMAP", "GL_MAP01", "GL_VERT",  "GL_SEGS", "GL_SSECT", "GL_NODES"};
-
-class ToolListsTest : public testkit::WadFixture
+class ToolListsTest : public TargetListFixture
 {
 protected:
-    TargetList Read(const std::filesystem::path& file)
-    {
-        TargetList list;
-        EXPECT_EQ(ReadTargetFile(file, false, list), 1);
-        Ui.Clear();
-        return list;
-    }
-
-    static std::vector<std::string> RowNames(const TargetList& list)
-    {
-        std::vector<std::string> names;
-        for (const TargetRow& row : TargetRows(list))
-        {
-            names.push_back(list.Entries[row.First].Name.Text());
-        }
-        return names;
-    }
-
     static std::vector<std::string> ImportNames(const MergeSession& session)
     {
         std::vector<std::string> names;
@@ -107,7 +85,7 @@ TEST_F(ToolListsTest, ImportRowsAreRenamedWithTheRulesOfLevelNames)
 {
     const std::filesystem::path file = WadBuilder()
                                            .Lump("DEHACKED", "Patch File")
-                                           .LevelInOrder("MAP01", GlLevel)
+                                           .LevelInOrder("MAP01", GlLevel("MAP01"))
                                            .Write(Dir.Path() / "input.wad");
     MergeSession session;
     ASSERT_EQ(AddInputFile(session, file), 2);
