@@ -25,22 +25,6 @@ namespace
 namespace fs = std::filesystem;
 using gfx::LumpKind;
 
-bool IsGraphicKind(LumpKind kind)
-{
-    switch (kind)
-    {
-    case LumpKind::Flat:
-    case LumpKind::Pic:
-    case LumpKind::FlatBig:
-    case LumpKind::FlatBig158:
-    case LumpKind::FlatLeg:
-    case LumpKind::Imgz:
-        return true;
-    default:
-        return false;
-    }
-}
-
 bool IsSoundKind(LumpKind kind)
 {
     return kind == LumpKind::DoomSound || kind == LumpKind::Wave;
@@ -407,7 +391,7 @@ std::string ButtonExtension(ExportButton button, LumpKind kind)
     case ExportButton::Auto:
         break;
     }
-    if (IsGraphicKind(kind))
+    if (gfx::IsDecodedKind(kind))
     {
         return wad::UpperText(settings.AutoGraphicFormat);
     }
@@ -432,7 +416,7 @@ bool ButtonAccepts(ExportButton button, const ExportRow& row)
         return true;
     case ExportButton::Bmp:
     case ExportButton::Pcx:
-        return IsGraphicKind(row.Kind) ||
+        return gfx::IsDecodedKind(row.Kind) ||
                Refuse(row, "Not Graphics", "Is not a graphics lump, it's");
     case ExportButton::Wav:
         return IsSoundKind(row.Kind) || Refuse(row, "Not WAVE", "Is not a Wave lump, it's");
@@ -555,7 +539,7 @@ std::array<bool, 256> AnalyzeGraphics(const std::vector<ExportRow>& rows)
     std::vector<const ExportRow*> graphics;
     for (const ExportRow& row : rows)
     {
-        if (IsGraphicKind(row.Kind))
+        if (gfx::IsDecodedKind(row.Kind))
         {
             graphics.push_back(&row);
         }

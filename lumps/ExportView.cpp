@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "lumps/ExportView.h"
 
+#include "gfx/Picture.h"
 #include "lumps/ExportLump.h"
 #include "platform/Format.h"
 #include "sound/Playback.h"
@@ -104,15 +105,12 @@ std::vector<std::string> HexLines(std::span<const std::uint8_t> bytes, std::size
 
 ExportPreview PreviewOf(LumpKind kind)
 {
+    if (gfx::IsDecodedKind(kind))
+    {
+        return ExportPreview::Picture;
+    }
     switch (kind)
     {
-    case LumpKind::Flat:
-    case LumpKind::Pic:
-    case LumpKind::FlatBig:
-    case LumpKind::FlatBig158:
-    case LumpKind::FlatLeg:
-    case LumpKind::Imgz:
-        return ExportPreview::Picture;
     case LumpKind::Png:
     case LumpKind::Bmp:
     case LumpKind::Jpg:
