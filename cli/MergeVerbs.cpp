@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/BatchUi.h"
 #include "cli/Commands.h"
+#include "cli/PictureCommands.h"
 #include "cli/Verbs.h"
 #include "lumps/Merge.h"
 #include "lumps/TargetList.h"
@@ -27,25 +28,14 @@ struct MergeRequest
     lumps::MergeOptions Options;
 };
 
-std::optional<gfx::LumpKind> PictureKindOfWord(const std::string& word)
+// The kind of the pictures an import brings in: a picture's kind, or raw for no conversion.
+std::optional<gfx::LumpKind> ImportKindOfWord(const std::string& word)
 {
-    if (word == "patch")
-    {
-        return gfx::LumpKind::Pic;
-    }
-    if (word == "sprite")
-    {
-        return gfx::LumpKind::Sprite;
-    }
-    if (word == "flat")
-    {
-        return gfx::LumpKind::Flat;
-    }
     if (word == "raw")
     {
         return gfx::LumpKind::Lump;
     }
-    return std::nullopt;
+    return PictureKindOfWord(word);
 }
 
 // Reads one option at `i` (moving past its value); false for a word that is none.
@@ -61,7 +51,7 @@ bool ReadOption(const std::vector<std::string>& words, std::size_t& i, MergeRequ
     }
     if (word == "--as" && hasValue)
     {
-        const std::optional<gfx::LumpKind> kind = PictureKindOfWord(words[++i]);
+        const std::optional<gfx::LumpKind> kind = ImportKindOfWord(words[++i]);
         options.PictureKind = kind.value_or(options.PictureKind);
         return kind.has_value();
     }

@@ -262,26 +262,9 @@ std::optional<gfx::ImageRaster> ReadPictureFile(const Bytes& bytes, const std::s
     return raster;
 }
 
-std::optional<gfx::LumpKind> KindOfWord(const std::string& word)
-{
-    if (word == "patch")
-    {
-        return gfx::LumpKind::Pic;
-    }
-    if (word == "sprite")
-    {
-        return gfx::LumpKind::Sprite;
-    }
-    if (word == "flat")
-    {
-        return gfx::LumpKind::Flat;
-    }
-    return std::nullopt;
-}
-
 int ImportPicture(const Request& request)
 {
-    const std::optional<gfx::LumpKind> kind = KindOfWord(request.As);
+    const std::optional<gfx::LumpKind> kind = PictureKindOfWord(request.As);
     if (!kind)
     {
         std::fprintf(stderr, "kelvar-cli: --as is patch, sprite or flat\n");
@@ -321,6 +304,23 @@ int ImportPicture(const Request& request)
 }
 
 } // namespace
+
+std::optional<gfx::LumpKind> PictureKindOfWord(const std::string& word)
+{
+    if (word == "patch")
+    {
+        return gfx::LumpKind::Pic;
+    }
+    if (word == "sprite")
+    {
+        return gfx::LumpKind::Sprite;
+    }
+    if (word == "flat")
+    {
+        return gfx::LumpKind::Flat;
+    }
+    return std::nullopt;
+}
 
 int PictureCommand(const std::vector<std::string>& arguments)
 {
