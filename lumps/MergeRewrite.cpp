@@ -176,6 +176,23 @@ RewriteEntry SpanOf(const ImportRow& row, const TargetEntry& entry)
     return RewriteEntry::FromFile(entry.Name.Text(), row.File, entry.FileOffset, entry.Size);
 }
 
+// What goes into the target for an import after its conversion: the converted bytes, the
+// source's bytes as they are, or nothing.
+std::optional<RewriteEntry> EntryFor(Outcome outcome, const ImportRow& row,
+                                     const TargetEntry& entry, ByteVector converted)
+{
+    switch (outcome)
+    {
+    case Outcome::Converted:
+        return RewriteEntry::FromBytes(entry.Name.Text(), std::move(converted));
+    case Outcome::KeptAsIs:
+        return SpanOf(row, entry);
+    case Outcome::Dropped:
+        break;
+    }
+    return std::nullopt;
+}
+
 // A lump of a source WAD: copied, or a wave or MIDI lump converted when asked.
 std::optional<RewriteEntry> WadLump(MergeBuffers& buffers, const MergeOptions& options,
                                     const ImportRow& row, const TargetEntry& entry)
@@ -194,16 +211,7 @@ std::optional<RewriteEntry> WadLump(MergeBuffers& buffers, const MergeOptions& o
     {
         outcome = MidiToMus(buffers, row, entry, converted, "Data Copied ASIS");
     }
-    switch (outcome)
-    {
-    case Outcome::Converted:
-        return RewriteEntry::FromBytes(entry.Name.Text(), std::move(converted));
-    case Outcome::KeptAsIs:
-        return SpanOf(row, entry);
-    case Outcome::Dropped:
-        break;
-    }
-    return std::nullopt;
+    return EntryFor(outcome, row, entry, std::move(converted));
 }
 
 // A file of its own: a picture made a lump of the kind asked for, a wave or MIDI file
@@ -231,16 +239,7 @@ std::optional<RewriteEntry> FileLump(MergeBuffers& buffers, const MergeOptions& 
         outcome = MidiToMus(buffers, row, entry, converted, "Data not copied");
         outcome = outcome == Outcome::KeptAsIs ? Outcome::Dropped : outcome;
     }
-    switch (outcome)
-    {
-    case Outcome::Converted:
-        return RewriteEntry::FromBytes(entry.Name.Text(), std::move(converted));
-    case Outcome::KeptAsIs:
-        return SpanOf(row, entry);
-    case Outcome::Dropped:
-        break;
-    }
-    return std::nullopt;
+    return EntryFor(outcome, row, entry, std::move(converted));
 }
 
 // The merged PNAMES and textures in the place of the first such lump; later ones left out.
