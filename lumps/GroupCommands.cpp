@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "lumps/Group.h"
 
+#include "lumps/ToolFiles.h"
 #include "platform/Messages.h"
 #include "platform/Ui.h"
-#include "wad/FileChecks.h"
 #include "wad/WadState.h"
 
 #include <optional>
@@ -43,17 +43,7 @@ AskTarget(const char* caption, const std::filesystem::path& proposed, std::size_
     choice.InitialPath = proposed.empty() ? wad::Wad().Options.DefaultPwadDir : proposed;
     choice.NameLimit = nameLimit;
     choice.ForSaving = true;
-    const std::optional<std::filesystem::path> picked = platform::TheUi().ChooseFile(choice);
-    if (!picked || picked->empty())
-    {
-        return std::nullopt;
-    }
-    std::string path = picked->string();
-    if (wad::FileInUse(path, true, true) != 0)
-    {
-        return std::nullopt;
-    }
-    return *picked;
+    return ChooseFileNotInUse(choice);
 }
 
 bool AskReload()

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "lumps/PicturePwads.h"
 
+#include "lumps/ToolFiles.h"
 #include "platform/Format.h"
 #include "platform/Messages.h"
 #include "platform/Ui.h"
@@ -66,17 +67,7 @@ std::optional<std::filesystem::path> AskTarget(const char* caption)
     choice.Filter = "PWAD (*.WAD)|*.WAD|";
     choice.InitialPath = "*.WAD";
     choice.ForSaving = true;
-    const std::optional<std::filesystem::path> picked = platform::TheUi().ChooseFile(choice);
-    if (!picked || picked->empty())
-    {
-        return std::nullopt;
-    }
-    std::string path = picked->string();
-    if (wad::FileInUse(path, true, true) != 0)
-    {
-        return std::nullopt;
-    }
-    return *picked;
+    return ChooseFileNotInUse(choice);
 }
 
 int Outcome(int written)

@@ -90,6 +90,21 @@ std::optional<std::filesystem::path> AskNewWadFile(const std::string& caption,
     return platform::TheUi().ChooseFile(choice);
 }
 
+std::optional<std::filesystem::path> ChooseFileNotInUse(const platform::FileChoice& choice)
+{
+    const std::optional<std::filesystem::path> picked = platform::TheUi().ChooseFile(choice);
+    if (!picked || picked->empty())
+    {
+        return std::nullopt;
+    }
+    std::string path = picked->string();
+    if (wad::FileInUse(path, true, true) != 0)
+    {
+        return std::nullopt;
+    }
+    return *picked;
+}
+
 void ShowSaveStatus(const std::filesystem::path& file)
 {
     platform::ShowMessageLines(platform::LinesInfo, "Save Status",

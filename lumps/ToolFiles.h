@@ -11,6 +11,7 @@
 #pragma once
 
 #include "lumps/Merge.h"
+#include "platform/Ui.h"
 
 #include <filesystem>
 #include <optional>
@@ -58,6 +59,10 @@ std::optional<std::filesystem::path> AskWadFile(const std::string& caption,
 /// cancelled.
 std::optional<std::filesystem::path> AskNewWadFile(const std::string& caption,
                                                    const std::filesystem::path& current);
+
+/// The file chosen in the save dialog `choice`; nothing when cancelled or when the editor has the
+/// file open (after saying so).
+std::optional<std::filesystem::path> ChooseFileNotInUse(const platform::FileChoice& choice);
 
 /// The notice after a file was rewritten in place: "Save Status" with "File has been
 /// rewritten", "If you made a mistake, this is the original copy" and "Your old file is %s"
