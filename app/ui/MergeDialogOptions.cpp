@@ -48,12 +48,14 @@ std::pair<QRadioButton*, QRadioButton*> Pair(QGridLayout* grid, int row, const c
     return {a, b};
 }
 
-void AddLabel(QGridLayout* grid, int row, int column, const char* text, QWidget* buddy,
-              QWidget* parent)
+// A field with its label before it, the label's letter taking the focus to the field.
+void AddLabelled(QGridLayout* grid, int row, int column, const char* text, QWidget* field,
+                 QWidget* parent)
 {
     auto* label = new QLabel(text, parent);
-    label->setBuddy(buddy);
+    label->setBuddy(field);
     grid->addWidget(label, row, column);
+    grid->addWidget(field, row, column + 1);
 }
 
 } // namespace
@@ -87,14 +89,10 @@ LumpOptionsDialog::LumpOptionsDialog(QWidget* parent) : QDialog(parent)
     MaxHeight = Spin(1, 2048, limits.MaxHeight, sizes);
     MinWidth = Spin(1, 2048, limits.MinWidth, sizes);
     MinHeight = Spin(1, 2048, limits.MinHeight, sizes);
-    AddLabel(sizeGrid, 0, 0, "Maximum size &X", MaxWidth, sizes);
-    sizeGrid->addWidget(MaxWidth, 0, 1);
-    AddLabel(sizeGrid, 0, 2, "&Y", MaxHeight, sizes);
-    sizeGrid->addWidget(MaxHeight, 0, 3);
-    AddLabel(sizeGrid, 1, 0, "Minimum size X", MinWidth, sizes);
-    sizeGrid->addWidget(MinWidth, 1, 1);
-    AddLabel(sizeGrid, 1, 2, "Y", MinHeight, sizes);
-    sizeGrid->addWidget(MinHeight, 1, 3);
+    AddLabelled(sizeGrid, 0, 0, "Maximum size &X", MaxWidth, sizes);
+    AddLabelled(sizeGrid, 0, 2, "&Y", MaxHeight, sizes);
+    AddLabelled(sizeGrid, 1, 0, "Minimum size X", MinWidth, sizes);
+    AddLabelled(sizeGrid, 1, 2, "Y", MinHeight, sizes);
     sizeGrid->setColumnStretch(4, 1);
     layout->addWidget(sizes);
 
@@ -102,10 +100,8 @@ LumpOptionsDialog::LumpOptionsDialog(QWidget* parent) : QDialog(parent)
     auto* musicGrid = new QGridLayout(music);
     MusToMidi = Spin(1, 999, tempos.MusToMidiTempo, music);
     MidiToMus = Spin(1, 999, tempos.MidiToMusTempo, music);
-    AddLabel(musicGrid, 0, 0, "MUStoMIDI", MusToMidi, music);
-    musicGrid->addWidget(MusToMidi, 0, 1);
-    AddLabel(musicGrid, 0, 2, "MIDItoMUS", MidiToMus, music);
-    musicGrid->addWidget(MidiToMus, 0, 3);
+    AddLabelled(musicGrid, 0, 0, "MUStoMIDI", MusToMidi, music);
+    AddLabelled(musicGrid, 0, 2, "MIDItoMUS", MidiToMus, music);
     musicGrid->setColumnStretch(4, 1);
     layout->addWidget(music);
 
@@ -161,16 +157,11 @@ ColorGammaDialog::ColorGammaDialog(QWidget* parent) : QDialog(parent)
     Green = Spin(0, 255, options.TransparentGreen, this);
     Blue = Spin(0, 255, options.TransparentBlue, this);
     Gamma = Spin(-50, 50, options.ImportGamma, this);
-    AddLabel(grid, 0, 0, "Transparent &index", Index, this);
-    grid->addWidget(Index, 0, 1);
-    AddLabel(grid, 1, 0, "&Red", Red, this);
-    grid->addWidget(Red, 1, 1);
-    AddLabel(grid, 2, 0, "&Green", Green, this);
-    grid->addWidget(Green, 2, 1);
-    AddLabel(grid, 3, 0, "&Blue", Blue, this);
-    grid->addWidget(Blue, 3, 1);
-    AddLabel(grid, 4, 0, "Import g&amma", Gamma, this);
-    grid->addWidget(Gamma, 4, 1);
+    AddLabelled(grid, 0, 0, "Transparent &index", Index, this);
+    AddLabelled(grid, 1, 0, "&Red", Red, this);
+    AddLabelled(grid, 2, 0, "&Green", Green, this);
+    AddLabelled(grid, 3, 0, "&Blue", Blue, this);
+    AddLabelled(grid, 4, 0, "Import g&amma", Gamma, this);
     auto* swatch = new QLabel(this);
     swatch->setObjectName("Swatch");
     swatch->setMinimumSize(48, 48);
