@@ -114,7 +114,7 @@ struct Scratch
     Scratch& operator=(const Scratch&) = delete;
 };
 
-constexpr std::array<Target, 8> TargetTable = {{
+constexpr std::array<Target, 9> TargetTable = {{
     {"pictures", FuzzPictures},
     {"picture_files", FuzzPictureFiles},
     {"palette_files", FuzzPaletteFiles},
@@ -123,6 +123,7 @@ constexpr std::array<Target, 8> TargetTable = {{
     {"music", FuzzMusic},
     {"wad", FuzzWad},
     {"level", FuzzLevel},
+    {"lumps", FuzzLumpTools},
 }};
 
 } // namespace

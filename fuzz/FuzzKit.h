@@ -92,5 +92,6 @@ void FuzzSounds(std::span<const std::uint8_t> input);
 void FuzzMusic(std::span<const std::uint8_t> input);
 void FuzzWad(std::span<const std::uint8_t> input);
 void FuzzLevel(std::span<const std::uint8_t> input);
+void FuzzLumpTools(std::span<const std::uint8_t> input);
 
 } // namespace kelvar::fuzz

@@ -44,6 +44,14 @@ std::int64_t OffsetOf(std::span<const std::uint8_t> lump, std::int32_t index)
     return wad::ReadLe32(lump.data() + 4 + 4 * static_cast<std::size_t>(index));
 }
 
+// The textures whose offsets the lump holds: its count when the offset table fits, else none,
+// as no record of a lump whose table runs past its end can be read.
+std::int32_t HeldRecords(std::span<const std::uint8_t> lump)
+{
+    const std::int32_t count = LumpCount(lump);
+    return count > 0 && TableEnd(count) <= lump.size() ? count : 0;
+}
+
 // The record of texture `index`: its head and patch entries, which must lie inside the lump
 // behind the offset table. Nothing for a record that doesn't.
 std::optional<RecordSpan> RecordAt(std::span<const std::uint8_t> lump, std::int32_t index,
@@ -81,7 +89,7 @@ wad::LumpName NameAt(std::span<const std::uint8_t> lump, std::size_t offset)
 std::int32_t FindTexture(std::span<const std::uint8_t> lump, const wad::LumpName& name,
                          const gfx::TextureLayout& layout)
 {
-    for (std::int32_t i = 0; i < LumpCount(lump); ++i)
+    for (std::int32_t i = 0; i < HeldRecords(lump); ++i)
     {
         const std::optional<RecordSpan> record = RecordAt(lump, i, layout);
         if (record && wad::SameName(NameAt(lump, record->Offset), name))
@@ -96,6 +104,11 @@ std::int32_t FindTexture(std::span<const std::uint8_t> lump, const wad::LumpName
 // 4 bytes, and the record goes behind the last byte of the lump.
 void AppendRecord(Bytes& lump, std::span<const std::uint8_t> record)
 {
+    if (lump.size() < 4 || HeldRecords(lump) != LumpCount(lump))
+    {
+        // A table that runs past the lump holds no record that can be read: start afresh.
+        lump.assign(4, 0);
+    }
     const std::int32_t count = LumpCount(lump);
     const std::size_t tableEnd = TableEnd(count);
     Bytes grown;
@@ -134,7 +147,7 @@ int ForEachPatch(MergeBuffers& buffers, std::span<std::uint8_t> lump, Visit visi
 {
     const gfx::TextureLayout& layout = buffers.Layout;
     int bad = 0;
-    for (std::int32_t i = 0; i < LumpCount(lump); ++i)
+    for (std::int32_t i = 0; i < HeldRecords(lump); ++i)
     {
         const std::optional<RecordSpan> record = RecordAt(lump, i, layout);
         if (!record)
@@ -193,8 +206,12 @@ void MergePnames(MergeBuffers& buffers, std::span<const std::uint8_t> source)
         return;
     }
     std::unordered_map<std::uint64_t, std::int32_t> present = PnamesIndex(buffers.Pnames);
-    std::int32_t count = LumpCount(buffers.Pnames);
     Bytes& pnames = buffers.Pnames;
+    // A damaged count is believed only as far as the buffer holds names: it never grows the
+    // buffer to a size its header made up.
+    const std::size_t held = pnames.size() >= 4 ? (pnames.size() - 4) / NameSize : 0;
+    std::int32_t count = static_cast<std::int32_t>(
+        std::clamp<std::int64_t>(LumpCount(pnames), 0, static_cast<std::int64_t>(held)));
     pnames.resize(4 + NameSize * static_cast<std::size_t>(count));
     for (std::int32_t i = 0; i < sourceCount; ++i)
     {
@@ -253,7 +270,7 @@ void MergeTextures(MergeBuffers& buffers, std::string_view tag,
         return;
     }
     const wad::LumpName dummy = wad::LumpName::From(DummyTextureName);
-    for (std::int32_t i = 0; i < LumpCount(source); ++i)
+    for (std::int32_t i = 0; i < HeldRecords(source); ++i)
     {
         const std::optional<RecordSpan> record = RecordAt(source, i, layout);
         if (!record)
@@ -347,7 +364,7 @@ int DeleteTextureEntry(MergeBuffers& buffers, std::string_view /*tag*/, std::str
 void SortTextureBuffer(MergeBuffers& buffers, Bytes& buffer)
 {
     std::vector<RecordSpan> records;
-    for (std::int32_t i = 0; i < LumpCount(buffer); ++i)
+    for (std::int32_t i = 0; i < HeldRecords(buffer); ++i)
     {
         if (const std::optional<RecordSpan> record = RecordAt(buffer, i, buffers.Layout))
         {
@@ -395,7 +412,7 @@ std::vector<std::string> TextureNames(std::span<const std::uint8_t> buffer,
                                       const gfx::TextureLayout& layout)
 {
     std::vector<std::string> names;
-    for (std::int32_t i = 0; i < LumpCount(buffer); ++i)
+    for (std::int32_t i = 0; i < HeldRecords(buffer); ++i)
     {
         if (const std::optional<RecordSpan> record = RecordAt(buffer, i, layout))
         {

@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 namespace kelvar::lumps
 {
 namespace
@@ -49,6 +51,21 @@ TEST(MergePnames, KeepsTheOldOrderAndAppendsOnlyNewNames)
     EXPECT_FALSE(PnamesLumpFits(AsBytes(PnamesBytes({"A", "B"}).substr(0, 15))));
     EXPECT_FALSE(PnamesLumpFits(AsBytes(PnamesBytes({}))));
     EXPECT_TRUE(PnamesLumpFits(AsBytes(withSpare)));
+}
+
+TEST(MergePnames, ADamagedCountNeverGrowsTheBufferPastTheNamesItHolds)
+{
+    // The first lump claims a billion names and holds two; a negative count holds none.
+    for (const std::int32_t claimed : {1'000'000'000, -5})
+    {
+        MergeBuffers buffers;
+        std::string lump = PnamesBytes({"A", "B"});
+        std::memcpy(lump.data(), &claimed, 4);
+        MergePnames(buffers, AsBytes(lump));
+        MergePnames(buffers, AsBytes(PnamesBytes({"C"})));
+        EXPECT_LE(buffers.Pnames.size(), lump.size() + 8) << claimed;
+        EXPECT_EQ(ReadPnames(buffers.Pnames).back(), "C") << claimed;
+    }
 }
 
 TEST(RemapTexturePatches, TranslatesToTheMergedNamesAndCountsBadIndexes)

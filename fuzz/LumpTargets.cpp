@@ -1,0 +1,62 @@
+// The fuzz target of the lump tools: a .CVT table, a merge or rename target's directory, and
+// the merge of PNAMES and texture lumps into buffers that already hold one.
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "fuzz/FuzzKit.h"
+#include "lumps/CvtFile.h"
+#include "lumps/TargetList.h"
+#include "lumps/TextureMerge.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kelvar::fuzz
+{
+namespace
+{
+
+void ReadAsTable(std::span<const std::uint8_t> input)
+{
+    const std::string_view text(reinterpret_cast<const char*>(input.data()), input.size());
+    (void)lumps::ParseCvtText(text);
+}
+
+void ReadAsTarget(std::span<const std::uint8_t> input)
+{
+    lumps::TargetList list;
+    (void)lumps::ReadTargetFile(WriteScratchFile("target.wad", input), true, list);
+}
+
+// The bytes as PNAMES and as a texture lump, merged twice so the second merge meets names that
+// are already there, then remapped, checked, sorted and cut down texture by texture.
+void MergeAsTextures(std::span<const std::uint8_t> input)
+{
+    lumps::MergeBuffers buffers;
+    lumps::MergePnames(buffers, input);
+    lumps::MergePnames(buffers, input);
+    std::vector<std::uint8_t> textures(input.begin(), input.end());
+    (void)lumps::RemapTexturePatches(buffers, "fuzz", textures, input);
+    lumps::MergeTextures(buffers, "fuzz", textures);
+    lumps::MergeTextures(buffers, "fuzz", input);
+    (void)lumps::CheckMergedPatches(buffers);
+    lumps::SortTextureBuffer(buffers, buffers.Textures);
+    for (const std::string& name : lumps::TextureNames(buffers.Textures, buffers.Layout))
+    {
+        (void)lumps::DeleteTextureEntry(buffers, "fuzz", name, buffers.Textures);
+    }
+}
+
+} // namespace
+
+void FuzzLumpTools(std::span<const std::uint8_t> input)
+{
+    RunGuarded(FatalRule::IsAFault,
+               [&]
+               {
+                   ReadAsTable(input);
+                   ReadAsTarget(input);
+                   MergeAsTextures(input);
+               });
+}
+
+} // namespace kelvar::fuzz
