@@ -38,6 +38,19 @@ protected:
         WadFixture::TearDown();
     }
 
+    /// The 8 bytes heading a Doom sound lump of `count` samples (below 256) at `rate`.
+    static std::string SndHeader(int rate, int count)
+    {
+        return {3,
+                0,
+                static_cast<char>(rate & 0xFF),
+                static_cast<char>(rate >> 8),
+                static_cast<char>(count),
+                0,
+                0,
+                0};
+    }
+
     /// A Doom 2 IWAD in miniature: a palette whose entry i is (i, i, i), a sprite patch,
     /// MAP01 and one flat between the flat markers.
     std::string SmallIwad()

@@ -36,15 +36,7 @@ protected:
 
     static std::string Snd(int rate, int count)
     {
-        std::string snd = {3,
-                           0,
-                           static_cast<char>(rate & 0xFF),
-                           static_cast<char>(rate >> 8),
-                           static_cast<char>(count),
-                           0,
-                           0,
-                           0};
-        return snd + std::string(static_cast<std::size_t>(count), '\x80');
+        return SndHeader(rate, count) + std::string(static_cast<std::size_t>(count), '\x80');
     }
 
     // A 2-wide patch whose second column offset lies outside the lump.

@@ -36,14 +36,7 @@ class ExportLumpTest : public ExportFixture
 protected:
     static std::string Snd(int rate, int count)
     {
-        std::string snd = {3,
-                           0,
-                           static_cast<char>(rate & 0xFF),
-                           static_cast<char>(rate >> 8),
-                           static_cast<char>(count),
-                           0,
-                           0,
-                           0};
+        std::string snd = SndHeader(rate, count);
         for (int i = 0; i < count; ++i)
         {
             snd += static_cast<char>(100 + i);
