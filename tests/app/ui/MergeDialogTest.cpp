@@ -52,6 +52,15 @@ protected:
         OpenLumpTool(LumpTool::Merge, act);
     }
 
+    // The target and the input chosen through the window's own commands.
+    void ChooseTargetAndInput(MergeDialog& dialog)
+    {
+        Ui.AnswerFile(Target);
+        dialog.OpenTarget();
+        Ui.AnswerFile(Input);
+        dialog.AddFiles();
+    }
+
     std::filesystem::path Target;
     std::filesystem::path Input;
 };
@@ -99,10 +108,7 @@ TEST_F(MergeDialogTest, TargetCommandsAndInputRenameWorkFromTheListsKeys)
     OpenMerge(
         [&](MergeDialog& dialog)
         {
-            Ui.AnswerFile(Target);
-            dialog.OpenTarget();
-            Ui.AnswerFile(Input);
-            dialog.AddFiles();
+            ChooseTargetAndInput(dialog);
 
             // F2 on the target's first row renames it; Delete takes the second away.
             TargetListView* targets = dialog.TargetView();
@@ -152,10 +158,7 @@ TEST_F(MergeDialogTest, ATargetTheEditorHasOpenIsReadAgainAfterTheMerge)
     OpenMerge(
         [&](MergeDialog& dialog)
         {
-            Ui.AnswerFile(Target);
-            dialog.OpenTarget();
-            Ui.AnswerFile(Input);
-            dialog.AddFiles();
+            ChooseTargetAndInput(dialog);
             // After the README row: the new rows go in between.
             dialog.TargetView()->SelectHead(0);
             Ui.Answer(1);
