@@ -69,25 +69,33 @@ std::filesystem::path DialogFolder(const std::filesystem::path& current)
     return state.Options.DefaultPwadDir.empty() ? state.ProgramDir : state.Options.DefaultPwadDir;
 }
 
-std::optional<std::filesystem::path> AskWadFile(const std::string& caption,
-                                                const std::filesystem::path& current)
+namespace
+{
+
+// The tools' WAD dialog, starting in the folder of `current`.
+std::optional<std::filesystem::path> ChooseWad(const std::string& caption,
+                                               const std::filesystem::path& current, bool forSaving)
 {
     platform::FileChoice choice;
     choice.Caption = caption;
     choice.Filter = WadFilter;
     choice.InitialPath = DialogFolder(current);
+    choice.ForSaving = forSaving;
     return platform::TheUi().ChooseFile(choice);
+}
+
+} // namespace
+
+std::optional<std::filesystem::path> AskWadFile(const std::string& caption,
+                                                const std::filesystem::path& current)
+{
+    return ChooseWad(caption, current, false);
 }
 
 std::optional<std::filesystem::path> AskNewWadFile(const std::string& caption,
                                                    const std::filesystem::path& current)
 {
-    platform::FileChoice choice;
-    choice.Caption = caption;
-    choice.Filter = WadFilter;
-    choice.InitialPath = DialogFolder(current);
-    choice.ForSaving = true;
-    return platform::TheUi().ChooseFile(choice);
+    return ChooseWad(caption, current, true);
 }
 
 std::optional<std::filesystem::path> ChooseFileNotInUse(const platform::FileChoice& choice)
