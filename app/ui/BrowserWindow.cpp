@@ -28,25 +28,6 @@ const QColor SelectionColor(255, 220, 0);
 const QColor DrawnLabelColor(230, 230, 230);
 const QColor UndrawnLabelColor(255, 140, 60);
 
-// A raster through the display palette; see-through pixels become transparent.
-QImage ImageOfRaster(const gfx::ImageRaster& raster, bool holes, std::uint8_t holeIndex)
-{
-    const gfx::Palette& palette = gfx::Palettes().DisplayPalette;
-    QImage image(raster.Width(), raster.Height(), QImage::Format_ARGB32);
-    for (int y = 0; y < raster.Height(); ++y)
-    {
-        const std::uint8_t* from = raster.Row(y);
-        auto* to = reinterpret_cast<QRgb*>(image.scanLine(y));
-        for (int x = 0; x < raster.Width(); ++x)
-        {
-            const gfx::Rgb colour = palette[from[x]];
-            to[x] = holes && from[x] == holeIndex ? qRgba(0, 0, 0, 0)
-                                                  : qRgb(colour.red, colour.green, colour.blue);
-        }
-    }
-    return image;
-}
-
 // Where a picture goes in its cell: larger ones shrink to fit; smaller ones keep their size
 // unless they are to be magnified; centred either way.
 QRect PlaceInCell(QSize picture, const QRect& cell, bool magnifySmall)
@@ -99,6 +80,23 @@ std::optional<BrowserKeyCode> KeyCodeOf(const QKeyEvent& event)
 
 } // namespace
 
+QImage ImageOfRaster(const gfx::ImageRaster& raster, const gfx::Palette& palette, int holeIndex)
+{
+    QImage image(raster.Width(), raster.Height(), QImage::Format_ARGB32);
+    for (int y = 0; y < raster.Height(); ++y)
+    {
+        const std::uint8_t* from = raster.Row(y);
+        auto* to = reinterpret_cast<QRgb*>(image.scanLine(y));
+        for (int x = 0; x < raster.Width(); ++x)
+        {
+            const gfx::Rgb colour = palette[from[x]];
+            to[x] = from[x] == holeIndex ? qRgba(0, 0, 0, 0)
+                                         : qRgb(colour.red, colour.green, colour.blue);
+        }
+    }
+    return image;
+}
+
 BrowserGrid::BrowserGrid(QWidget* parent) : QWidget(parent)
 {
     setObjectName("grid");
@@ -125,7 +123,8 @@ const BrowserGrid::Thumbnail& BrowserGrid::ThumbnailOf(int index)
     thumbnail.Facts = picture.Facts;
     if (picture.Raster)
     {
-        thumbnail.Image = ImageOfRaster(*picture.Raster, picture.Holes, picture.HoleIndex);
+        thumbnail.Image = ImageOfRaster(*picture.Raster, gfx::Palettes().DisplayPalette,
+                                        picture.Holes ? picture.HoleIndex : -1);
     }
     return Cache.emplace(index, std::move(thumbnail)).first->second;
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "app/Browser.h"
+#include "gfx/ImageRaster.h"
 #include "platform/Ui.h"
 
 #include <QDialog>
@@ -19,6 +20,9 @@ class QVBoxLayout;
 
 namespace kelvar::app
 {
+
+/// A raster through `palette`; pixels of `holeIndex` (when not negative) become transparent.
+QImage ImageOfRaster(const gfx::ImageRaster& raster, const gfx::Palette& palette, int holeIndex);
 
 /// The grid of the open browser: draws the cells on screen from the browser state and feeds
 /// keys, clicks and the wheel to its logic. Pictures are read once and kept as images.

@@ -3,6 +3,7 @@
 #include "app/ui/ExportDialog.h"
 
 #include "app/BrowserPictures.h"
+#include "app/ui/BrowserWindow.h"
 #include "gfx/GamePalette.h"
 #include "sound/SoundState.h"
 #include "sound/Waveform.h"
@@ -81,20 +82,8 @@ void ExportPreviewPane::ShowPicture(const QImage& picture, const QString& captio
 
 void ExportPreviewPane::ShowRaster(const gfx::ImageRaster& raster, int holeIndex)
 {
-    const gfx::Palette& palette = gfx::Palettes().GamePalette;
-    QImage image(raster.Width(), raster.Height(), QImage::Format_ARGB32);
-    for (int y = 0; y < raster.Height(); ++y)
-    {
-        const std::uint8_t* from = raster.Row(y);
-        auto* to = reinterpret_cast<QRgb*>(image.scanLine(y));
-        for (int x = 0; x < raster.Width(); ++x)
-        {
-            const gfx::Rgb colour = palette[from[x]];
-            to[x] = from[x] == holeIndex ? qRgba(0, 0, 0, 0)
-                                         : qRgb(colour.red, colour.green, colour.blue);
-        }
-    }
-    ShowPicture(image, QString("%1 x %2").arg(raster.Width()).arg(raster.Height()));
+    ShowPicture(ImageOfRaster(raster, gfx::Palettes().GamePalette, holeIndex),
+                QString("%1 x %2").arg(raster.Width()).arg(raster.Height()));
 }
 
 void ExportPreviewPane::ShowWave(std::vector<std::uint8_t> wave)
