@@ -1,12 +1,12 @@
 // kelvar-cli convert, used and unused: texture names replaced by a .CVT table, and the reports
 // of the textures and flats a PWAD uses, defines and leaves unused, printed on stdout.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/BatchUi.h"
 #include "cli/Commands.h"
 #include "cli/Verbs.h"
 #include "cli/WadCommands.h"
 #include "lumps/TextureConvert.h"
 #include "lumps/UsageReport.h"
-#include "platform/ConsoleUi.h"
 #include "wad/WadRewrite.h"
 #include "wad/WadState.h"
 
@@ -25,10 +25,11 @@ namespace
 
 // The console, with the reports' text printed on stdout as it stands; messages go to stderr and
 // questions take No.
-class ReportUi final : public platform::Ui
+class ReportUi final : public ConsoleBackedUi
 {
 public:
-    int Show(const platform::Message& message) override { return Console.Show(message); }
+    ReportUi() : ConsoleBackedUi(0) {}
+
     void ShowTextFile(const std::string& /*caption*/, const std::filesystem::path& file) override
     {
         std::ifstream in(file);
@@ -38,36 +39,6 @@ public:
             std::printf("%s\n", line.c_str());
         }
     }
-    std::optional<std::filesystem::path> ChooseFile(const platform::FileChoice& choice) override
-    {
-        return Console.ChooseFile(choice);
-    }
-    std::optional<int> ChooseFromList(const std::string& caption,
-                                      const std::vector<std::string>& items) override
-    {
-        return Console.ChooseFromList(caption, items);
-    }
-    std::optional<int> AskNumber(const std::string& caption, const std::string& prompt, int initial,
-                                 int low, int high) override
-    {
-        return Console.AskNumber(caption, prompt, initial, low, high);
-    }
-    std::optional<std::string> AskText(const std::string& caption, const std::string& prompt,
-                                       const std::string& initial) override
-    {
-        return Console.AskText(caption, prompt, initial);
-    }
-    void SetStatusText(const std::string& text) override { Console.SetStatusText(text); }
-    void ShowProgress(const std::string& caption, const std::string& detail) override
-    {
-        Console.ShowProgress(caption, detail);
-    }
-    void EndProgress() override { Console.EndProgress(); }
-    bool PollEscape() override { return false; }
-    void Beep() override {}
-
-private:
-    platform::ConsoleUi Console{stderr, 0};
 };
 
 // The words of a command line: the files, the values of the options and the switches given.

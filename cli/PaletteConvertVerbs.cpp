@@ -1,5 +1,6 @@
 // kelvar-cli recolor: the pictures of PWADs made for another palette recoloured in place.
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/BatchUi.h"
 #include "cli/Commands.h"
 #include "cli/Verbs.h"
 #include "cli/WadCommands.h"
@@ -87,54 +88,26 @@ bool ParseRequest(const std::vector<std::string>& arguments, RecolorRequest& req
 // The console, answering the question whether to keep a copy of each file as the command line
 // says. An I/O error's "Quit now ?" is answered No, so the rewrite stops and puts the old file
 // back instead of the program ending half way.
-class RecolorUi final : public platform::Ui
+class RecolorUi final : public ConsoleBackedUi
 {
 public:
-    explicit RecolorUi(bool keepCopy) : Answering(keepCopy ? Yes : No) {}
+    explicit RecolorUi(bool keepCopy) : ConsoleBackedUi(0), Answering(keepCopy ? Yes : Console) {}
 
     int Show(const platform::Message& message) override
     {
         if (message.IsQuestion() && message.Text().find("Quit now") != std::string::npos)
         {
-            return No.Show(message);
+            return Console.Show(message);
         }
         return Answering.Show(message);
-    }
-    void ShowTextFile(const std::string& caption, const std::filesystem::path& file) override
-    {
-        No.ShowTextFile(caption, file);
     }
     std::optional<std::filesystem::path> ChooseFile(const platform::FileChoice&) override
     {
         return std::nullopt; // the palette file comes with --from
     }
-    std::optional<int> ChooseFromList(const std::string& caption,
-                                      const std::vector<std::string>& items) override
-    {
-        return No.ChooseFromList(caption, items);
-    }
-    std::optional<int> AskNumber(const std::string& caption, const std::string& prompt, int initial,
-                                 int low, int high) override
-    {
-        return No.AskNumber(caption, prompt, initial, low, high);
-    }
-    std::optional<std::string> AskText(const std::string& caption, const std::string& prompt,
-                                       const std::string& initial) override
-    {
-        return No.AskText(caption, prompt, initial);
-    }
-    void SetStatusText(const std::string& text) override { No.SetStatusText(text); }
-    void ShowProgress(const std::string& caption, const std::string& detail) override
-    {
-        No.ShowProgress(caption, detail);
-    }
-    void EndProgress() override { No.EndProgress(); }
-    bool PollEscape() override { return false; }
-    void Beep() override {}
 
 private:
     platform::ConsoleUi Yes{stderr, 1};
-    platform::ConsoleUi No{stderr, 0};
     platform::ConsoleUi& Answering;
 };
 
