@@ -6,6 +6,7 @@
 #include "app/RecentLists.h"
 #include "app/ShellState.h"
 #include "app/StatusFiles.h"
+#include "game/Decorate.h"
 #include "game/GameState.h"
 #include "game/OptFile.h"
 #include "gfx/TextureCatalogue.h"
@@ -203,13 +204,18 @@ std::optional<std::string> ChooseLevelName(double& savedX, double& savedY)
     return name;
 }
 
-// The game's tables for the level's format, with the project's OPT file over them, and the
-// game configuration of the format when it is another than the one loaded.
+// The game's tables for the level's format, with the project's OPT file over them and, in a
+// ZDoom project, the actors of the open files' DECORATE lumps; and the game configuration of
+// the format when it is another than the one loaded.
 void LoadGameDefinitions()
 {
     ShellState& shell = Shell();
     game::SelectGameTables();
     (void)game::ReadOptFile(GetText(shell.Project.OptFile));
+    if (game::Game().ZdoomTypes)
+    {
+        (void)game::ReadDecorateLumps();
+    }
     const std::string config = wad::Wad().Game.ConfigFile;
     if (!config.empty() && config != Session().ConfigFile)
     {

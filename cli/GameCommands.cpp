@@ -3,10 +3,14 @@
 #include "cli/GameCommands.h"
 
 #include "cli/Commands.h"
+#include "game/Decorate.h"
 #include "game/GameState.h"
 #include "game/OptFile.h"
 #include "game/TypeLookup.h"
+#include "game/TypeMenus.h"
 #include "game/TypeRows.h"
+#include "wad/CheckedFile.h"
+#include "wad/DirectoryReader.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -117,6 +121,59 @@ void PrintTable(const std::vector<Row>& rows, const std::vector<game::CategoryMe
     printFree();
 }
 
+// types GAME things --decorate PWAD: the DECORATE lumps of the PWAD read into the Thing table,
+// with the sizes of the sprites the PWAD holds. False when the file can't be read as a WAD.
+bool ReadDecorateOf(const std::string& path)
+{
+    const wad::StreamPtr in = wad::OpenStream(path, "rb");
+    const wad::DirectoryReport report =
+        in ? wad::ReadDirectoryOf(in.get(), wad::BadEntryRule::StopAtBadEntry)
+           : wad::DirectoryReport{};
+    if (!in || report.Problem != wad::HeaderProblem::None)
+    {
+        std::fprintf(stderr, "kelvar-cli: can't read %s as a WAD\n", path.c_str());
+        return false;
+    }
+    const auto bytesOf = [&in](const wad::LumpEntry& entry)
+    {
+        std::vector<std::uint8_t> bytes(static_cast<std::size_t>(std::max(entry.Size, 0)));
+        if (std::fseek(in.get(), entry.Offset, SEEK_SET) != 0 ||
+            std::fread(bytes.data(), 1, bytes.size(), in.get()) != bytes.size())
+        {
+            bytes.clear();
+        }
+        return bytes;
+    };
+    game::DecorateState state;
+    state.Sprites = [&](std::string_view name) -> std::optional<game::SpriteSize>
+    {
+        for (const wad::LumpEntry& entry : report.Entries)
+        {
+            if (entry.Name.Is(name))
+            {
+                const std::vector<std::uint8_t> bytes = bytesOf(entry);
+                if (bytes.size() >= 4)
+                {
+                    return game::SpriteSize{bytes[0] | (bytes[1] << 8), bytes[2] | (bytes[3] << 8)};
+                }
+            }
+        }
+        return std::nullopt;
+    };
+    for (const wad::LumpEntry& entry : report.Entries)
+    {
+        if (entry.Name.Is("DECORATE"))
+        {
+            const std::vector<std::uint8_t> bytes = bytesOf(entry);
+            game::ParseDecorateText(
+                state, std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
+        }
+    }
+    game::SqueezeTypeNames();
+    game::RenumberThingMenu();
+    return true;
+}
+
 // types GAME lines --decode NUMBER: the name a LineDef type number has in the game, decoded
 // when it is one of Boom's generalized types.
 int DecodeLineType(const std::string& word)
@@ -148,18 +205,23 @@ int ListTypes(const std::vector<std::string>& arguments)
     const std::string& kind = arguments[1];
     const bool optGiven = arguments.size() == 4 && arguments[2] == "--opt";
     const bool decode = arguments.size() == 4 && arguments[2] == "--decode" && kind == "lines";
+    const bool decorate = arguments.size() == 4 && arguments[2] == "--decorate" && kind == "things";
     if (chosen == nullptr || (kind != "things" && kind != "lines" && kind != "sectors") ||
-        (arguments.size() != 2 && !optGiven && !decode))
+        (arguments.size() != 2 && !optGiven && !decode && !decorate))
     {
         std::fprintf(stderr, "kelvar-cli: types GAME things|lines|sectors [--opt FILE], types GAME "
-                             "lines --decode NUMBER; GAME one of doom, doom2, heretic, hexen, "
-                             "strife, boom, zdoom\n");
+                             "lines --decode NUMBER, types GAME things --decorate PWAD; GAME one "
+                             "of doom, doom2, heretic, hexen, strife, boom, zdoom\n");
         return ExitUsage;
     }
     game::SelectTablesFor(chosen->IwadKind, chosen->LevelFormat, chosen->Boom, chosen->Zdoom);
     if (decode)
     {
         return DecodeLineType(arguments[3]);
+    }
+    if (decorate && !ReadDecorateOf(arguments[3]))
+    {
+        return ExitBadFile;
     }
     if (optGiven)
     {

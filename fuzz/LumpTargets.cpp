@@ -1,7 +1,9 @@
-// The fuzz target of the lump tools: a .CVT table, a merge or rename target's directory, and
-// the merge of PNAMES and texture lumps into buffers that already hold one.
+// The fuzz target of the lump tools and the DECORATE reader: a .CVT table, a DECORATE lump, a
+// merge or rename target's directory, and PNAMES and texture lumps merged into full buffers.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "fuzz/FuzzKit.h"
+#include "game/Decorate.h"
+#include "game/GameState.h"
 #include "lumps/CvtFile.h"
 #include "lumps/TargetList.h"
 #include "lumps/TextureMerge.h"
@@ -19,6 +21,15 @@ void ReadAsTable(std::span<const std::uint8_t> input)
 {
     const std::string_view text(reinterpret_cast<const char*>(input.data()), input.size());
     (void)lumps::ParseCvtText(text);
+}
+
+// The bytes as a DECORATE lump read into a fresh Thing table of a ZDoom project.
+void ReadAsDecorate(std::span<const std::uint8_t> input)
+{
+    game::SelectTablesFor(map::GameDoom2, map::GameDoom2, true, true);
+    game::DecorateState state;
+    game::ParseDecorateText(
+        state, std::string_view(reinterpret_cast<const char*>(input.data()), input.size()));
 }
 
 void ReadAsTarget(std::span<const std::uint8_t> input)
@@ -54,6 +65,7 @@ void FuzzLumpTools(std::span<const std::uint8_t> input)
                [&]
                {
                    ReadAsTable(input);
+                   ReadAsDecorate(input);
                    ReadAsTarget(input);
                    MergeAsTextures(input);
                });

@@ -2,8 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/testkit/Commands.h"
 #include "tests/testkit/TempDir.h"
+#include "tests/testkit/WadBuilder.h"
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 #include <cstdio>
 #include <string>
@@ -63,6 +66,24 @@ TEST(TypesCommand, DecodesAGeneralizedTypeOfABoomProject)
     EXPECT_EQ(plain.Lines[0].find("Door"), std::string::npos) << plain.Lines[0];
     EXPECT_EQ(RunTypes("boom lines --decode twelve", dir).Status, 1);
     EXPECT_EQ(RunTypes("boom things --decode 1", dir).Status, 1);
+}
+
+TEST(TypesCommand, ShowsTheThingTableAfterAPwadsDecorate)
+{
+    testkit::TempDir dir;
+    testkit::WadBuilder wad;
+    wad.Lump("DECORATE", "ACTOR Lamp 20010\n{\n Radius 7\n Height 30\n}\nACTOR NoNumber\n{\n}\n");
+    const std::string pwad = wad.Write(dir.Path() / "deco.wad");
+    const Output things = RunTypes("zdoom things --decorate " + pwad, dir);
+    ASSERT_EQ(things.Status, 0);
+    const auto heading =
+        std::find(things.Lines.begin(), things.Lines.end(), "[0xFFFF0101] Decorate things 1");
+    ASSERT_NE(heading, things.Lines.end());
+    ASSERT_NE(heading + 1, things.Lines.end());
+    EXPECT_EQ((heading + 1)->rfind("20010", 0), 0U) << *(heading + 1);
+    EXPECT_NE((heading + 1)->find("Lamp"), std::string::npos);
+    EXPECT_NE((heading + 1)->find("radius   7  height  30"), std::string::npos);
+    EXPECT_EQ(RunTypes("zdoom things --decorate " + dir.File("none.wad"), dir).Status, 2);
 }
 
 TEST(TypesCommand, RefusesWhatItCannotList)
