@@ -23,6 +23,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <utility>
 
 namespace kelvar::app
 {
@@ -43,34 +44,51 @@ int LineDefOfSide(const map::LevelData& level, std::uint32_t side)
     return -1;
 }
 
+// The checker's switches and the KELVAR.CHK fields that keep them: one byte each, or a word
+// that holds 257 when on.
+using S = check::CheckSettings;
+constexpr std::pair<bool S::*, std::uint8_t ChkRecord::*> ByteSwitches[] = {
+    {&S::UpperTexture, &ChkRecord::UpperTexture},
+    {&S::NormalTexture, &ChkRecord::NormalTexture},
+    {&S::LowerTexture, &ChkRecord::LowerTexture},
+    {&S::XOffsets, &ChkRecord::XOffsets},
+    {&S::YOffsets, &ChkRecord::YOffsets},
+    {&S::MultiPatchTextures, &ChkRecord::MultiPatchTextures},
+    {&S::SectorClosed1, &ChkRecord::SectorClosed1},
+    {&S::SectorClosed2, &ChkRecord::SectorClosed2},
+    {&S::OverlappingLineDefs, &ChkRecord::CheckOverlappingLineDefs},
+    {&S::DuplicateSideDefs, &ChkRecord::CheckDuplicateSideDefs},
+    {&S::DuplicateLineDefs, &ChkRecord::CheckDuplicateLineDefs},
+    {&S::DuplicateVertices, &ChkRecord::CheckDuplicateVertices},
+    {&S::ThingsInSector, &ChkRecord::ThingsInSector},
+    {&S::ThingsOnTop, &ChkRecord::ThingsOnTop},
+    {&S::CheckKeys, &ChkRecord::CheckKeys},
+    {&S::CheckTags, &ChkRecord::CheckTags},
+    {&S::ShortLines, &ChkRecord::CheckShortLines},
+    {&S::PlayerStarts, &ChkRecord::CheckPlayerStarts},
+    {&S::ThingTypes, &ChkRecord::CheckThingTypes},
+};
+constexpr std::pair<bool S::*, std::int16_t ChkRecord::*> WordSwitches[] = {
+    {&S::SectorClosed3, &ChkRecord::SectorClosed3},
+    {&S::ThingShooter, &ChkRecord::ThingShooter},
+};
+constexpr std::int16_t WordOn = 257;
+
 } // namespace
 
 check::CheckSettings CheckerSettings()
 {
     const ChkRecord& chk = Shell().Chk;
     check::CheckSettings settings;
-    settings.UpperTexture = chk.UpperTexture != 0;
-    settings.NormalTexture = chk.NormalTexture != 0;
-    settings.LowerTexture = chk.LowerTexture != 0;
-    settings.XOffsets = chk.XOffsets != 0;
-    settings.YOffsets = chk.YOffsets != 0;
-    settings.MultiPatchTextures = chk.MultiPatchTextures != 0;
-    settings.SectorClosed1 = chk.SectorClosed1 != 0;
-    settings.SectorClosed2 = chk.SectorClosed2 != 0;
-    settings.SectorClosed3 = chk.SectorClosed3 != 0;
-    settings.OverlappingLineDefs = chk.CheckOverlappingLineDefs != 0;
-    settings.DuplicateSideDefs = chk.CheckDuplicateSideDefs != 0;
-    settings.DuplicateLineDefs = chk.CheckDuplicateLineDefs != 0;
-    settings.DuplicateVertices = chk.CheckDuplicateVertices != 0;
-    settings.ThingsInSector = chk.ThingsInSector != 0;
-    settings.ThingShooter = chk.ThingShooter != 0;
-    settings.ThingsOnTop = chk.ThingsOnTop != 0;
-    settings.CheckKeys = chk.CheckKeys != 0;
-    settings.CheckTags = chk.CheckTags != 0;
-    settings.ShortLines = chk.CheckShortLines != 0;
+    for (const auto& [setting, field] : ByteSwitches)
+    {
+        settings.*setting = chk.*field != 0;
+    }
+    for (const auto& [setting, field] : WordSwitches)
+    {
+        settings.*setting = chk.*field != 0;
+    }
     settings.ShortestLine = std::min<int>(chk.ShortestLine, check::ShortestLineLimit);
-    settings.PlayerStarts = chk.CheckPlayerStarts != 0;
-    settings.ThingTypes = chk.CheckThingTypes != 0;
     settings.ExpertMode = chk.ExpertMode != 0;
     settings.MergeDuplicateVertices = chk.MergeDuplicateVertices != 0;
     const map::EditOptions& options = map::Map().Options;
@@ -82,30 +100,16 @@ check::CheckSettings CheckerSettings()
 void StoreCheckerSettings(const check::CheckSettings& settings)
 {
     ChkRecord& chk = Shell().Chk;
-    const auto flag = [](bool on) { return static_cast<std::uint8_t>(on ? 1 : 0); };
-    chk.UpperTexture = flag(settings.UpperTexture);
-    chk.NormalTexture = flag(settings.NormalTexture);
-    chk.LowerTexture = flag(settings.LowerTexture);
-    chk.XOffsets = flag(settings.XOffsets);
-    chk.YOffsets = flag(settings.YOffsets);
-    chk.MultiPatchTextures = flag(settings.MultiPatchTextures);
-    chk.SectorClosed1 = flag(settings.SectorClosed1);
-    chk.SectorClosed2 = flag(settings.SectorClosed2);
-    chk.SectorClosed3 = settings.SectorClosed3 ? std::int16_t{257} : std::int16_t{0};
-    chk.CheckOverlappingLineDefs = flag(settings.OverlappingLineDefs);
-    chk.CheckDuplicateSideDefs = flag(settings.DuplicateSideDefs);
-    chk.CheckDuplicateLineDefs = flag(settings.DuplicateLineDefs);
-    chk.CheckDuplicateVertices = flag(settings.DuplicateVertices);
-    chk.ThingsInSector = flag(settings.ThingsInSector);
-    chk.ThingShooter = settings.ThingShooter ? std::int16_t{257} : std::int16_t{0};
-    chk.ThingsOnTop = flag(settings.ThingsOnTop);
-    chk.CheckKeys = flag(settings.CheckKeys);
-    chk.CheckTags = flag(settings.CheckTags);
-    chk.CheckShortLines = flag(settings.ShortLines);
+    for (const auto& [setting, field] : ByteSwitches)
+    {
+        chk.*field = static_cast<std::uint8_t>(settings.*setting ? 1 : 0);
+    }
+    for (const auto& [setting, field] : WordSwitches)
+    {
+        chk.*field = settings.*setting ? WordOn : std::int16_t{0};
+    }
     chk.ShortestLine =
         static_cast<std::uint8_t>(std::clamp(settings.ShortestLine, 0, check::ShortestLineLimit));
-    chk.CheckPlayerStarts = flag(settings.PlayerStarts);
-    chk.CheckThingTypes = flag(settings.ThingTypes);
 }
 
 void ShowCheckedObject(int kind, std::uint32_t index)
