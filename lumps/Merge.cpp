@@ -33,12 +33,6 @@ struct MergeRun
     std::size_t Position = 0;
 };
 
-bool SamePath(const std::filesystem::path& a, const std::filesystem::path& b)
-{
-    std::error_code error;
-    return a == b || std::filesystem::equivalent(a, b, error);
-}
-
 wad::LumpName RowName(const ImportRow& row)
 {
     return wad::LumpName::From(row.LumpName);
@@ -263,8 +257,9 @@ bool SettleDuplicates(MergeRun& run)
         platform::TheUi().ShowProgress(
             platform::Format("Import Checking %d for Duplicates", static_cast<int>(r)),
             session.Imports[r].LumpName);
-        const bool source = SamePath(session.Imports[r].File, session.Target.File) ||
-                            SamePath(session.Imports[r].File, wad::BakPathOf(session.Target.File));
+        const bool source =
+            SameSourceFile(session.Imports[r].File, session.Target.File) ||
+            SameSourceFile(session.Imports[r].File, wad::BakPathOf(session.Target.File));
         if (source)
         {
             platform::TheUi().EndProgress();

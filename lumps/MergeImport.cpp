@@ -16,12 +16,6 @@ namespace kelvar::lumps
 namespace
 {
 
-bool SamePath(const std::filesystem::path& a, const std::filesystem::path& b)
-{
-    std::error_code error;
-    return a == b || std::filesystem::equivalent(a, b, error);
-}
-
 // True when a target row or an earlier import row has this name.
 bool NameTaken(const MergeSession& session, const wad::LumpName& name, std::size_t rowCount)
 {
@@ -132,6 +126,12 @@ std::optional<gfx::LumpKind> KindOfFile(const std::filesystem::path& path, std::
 
 } // namespace
 
+bool SameSourceFile(const std::filesystem::path& a, const std::filesystem::path& b)
+{
+    std::error_code error;
+    return a == b || std::filesystem::equivalent(a, b, error);
+}
+
 bool IsTextureLumpName(const wad::LumpName& name)
 {
     return name.Is("PNAMES") || name.Is("TEXTURE1") || name.Is("TEXTURE2");
@@ -175,8 +175,9 @@ int OpenMergeTarget(MergeSession& session, const std::filesystem::path& file)
 
 int AddInputFile(MergeSession& session, const std::filesystem::path& path)
 {
-    const bool listed = std::any_of(session.Imports.begin(), session.Imports.end(),
-                                    [&](const ImportRow& row) { return SamePath(row.File, path); });
+    const bool listed =
+        std::any_of(session.Imports.begin(), session.Imports.end(),
+                    [&](const ImportRow& row) { return SameSourceFile(row.File, path); });
     if (listed)
     {
         platform::ShowInfo("This File is a Duplicate\n\n%s\n\nand is ignored", path.c_str());

@@ -16,6 +16,9 @@ namespace kelvar::lumps
 
 using ByteVector = std::vector<std::uint8_t>;
 
+/// True when both paths are spelled alike or name one file on disk.
+bool SameSourceFile(const std::filesystem::path& a, const std::filesystem::path& b);
+
 /// PNAMES, TEXTURE1 or TEXTURE2: merged rather than checked for duplicates.
 bool IsTextureLumpName(const wad::LumpName& name);
 
