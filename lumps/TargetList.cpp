@@ -3,6 +3,7 @@
 #include "lumps/TargetList.h"
 
 #include "lumps/LumpNames.h"
+#include "lumps/MergeParts.h"
 #include "platform/Format.h"
 #include "platform/Messages.h"
 #include "wad/CheckedFile.h"
@@ -24,11 +25,6 @@ constexpr std::size_t LevelWindow = 19;
 bool IsLevelComponent(const wad::LumpName& name)
 {
     return wad::ReservedName(name) > 0;
-}
-
-bool IsTextureLumpName(const wad::LumpName& name)
-{
-    return name.Is("TEXTURE1") || name.Is("TEXTURE2") || name.Is("PNAMES");
 }
 
 // The name a user typed, as a lump name: upper case, at most 8 characters.
