@@ -336,18 +336,13 @@ void MergeDialog::RenameImport()
 void MergeDialog::Save()
 {
     ReadOptions();
-    const std::filesystem::path target = Merge.Target.File;
-    if (!MayRewriteEditorFiles({target}))
-    {
-        return;
-    }
-    const bool openInEditor = lumps::OpenInEditor(target);
-    const int saved = lumps::SaveMergeReleased(Merge);
-    Refresh();
-    if (saved == 1 && openInEditor)
-    {
-        ReloadEditorFiles();
-    }
+    RewriteEditorFile(Merge.Target.File,
+                      [this]
+                      {
+                          const int saved = lumps::SaveMergeReleased(Merge);
+                          Refresh();
+                          return saved;
+                      });
 }
 
 void MergeDialog::OpenOptions()

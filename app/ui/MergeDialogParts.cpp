@@ -122,14 +122,17 @@ void AddTargetCommandKeys(QWidget* list, const std::function<void(lumps::TargetC
     AddKey(list, Qt::CTRL | Qt::Key_Down, [run] { run(lumps::TargetCommand::Down); });
 }
 
-bool MayRewriteEditorFiles(const std::vector<std::filesystem::path>& files)
+void RewriteEditorFile(const std::filesystem::path& file, const std::function<int()>& write)
 {
-    return !lumps::AnyOpenInEditor(files) || ContinueWithUnsavedChanges();
-}
-
-void ReloadEditorFiles()
-{
-    (void)ReloadAllFiles(true);
+    if (lumps::AnyOpenInEditor({file}) && !ContinueWithUnsavedChanges())
+    {
+        return;
+    }
+    const bool openInEditor = lumps::OpenInEditor(file);
+    if (write() == 1 && openInEditor)
+    {
+        (void)ReloadAllFiles(true);
+    }
 }
 
 QString FileLine(const lumps::TargetList& list)

@@ -59,13 +59,10 @@ void AddKey(QWidget* list, const QKeySequence& key, const std::function<void()>&
 /// and Ctrl+Down move a row; `run` runs the command.
 void AddTargetCommandKeys(QWidget* list, const std::function<void(lumps::TargetCommand)>& run);
 
-/// Before a tool rewrites `files`: when the editor has one of them open, the unsaved-changes
-/// question, since the editor reads its files again afterwards. True when the tool may go on.
-bool MayRewriteEditorFiles(const std::vector<std::filesystem::path>& files);
-
-/// After a tool rewrote a file the editor has open: the editor's files and its level are read
-/// again, the view kept where it is.
-void ReloadEditorFiles();
+/// A tool's rewrite of `file`: when the editor has it open, first the unsaved-changes question
+/// (nothing is written when the user stays), then `write`, which gives 1 when it wrote the file;
+/// the editor then reads its files and its level again, the view kept where it is.
+void RewriteEditorFile(const std::filesystem::path& file, const std::function<int()>& write);
 
 /// A WAD's file name with its header, for a window's file line: "%s  (%s)", the header being
 /// "new file" for a file with none yet; "(none)" when no file is chosen.

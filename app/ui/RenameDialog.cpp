@@ -160,18 +160,17 @@ void RenameDialog::SelectAll(bool selected)
 
 void RenameDialog::Save()
 {
-    const std::filesystem::path file = Rename.List.File;
-    if (file.empty() || !MayRewriteEditorFiles({file}))
+    if (Rename.List.File.empty())
     {
         return;
     }
-    const bool openInEditor = lumps::OpenInEditor(file);
-    const int saved = lumps::SaveRenameSession(Rename);
-    Refresh();
-    if (saved == 1 && openInEditor)
-    {
-        ReloadEditorFiles();
-    }
+    RewriteEditorFile(Rename.List.File,
+                      [this]
+                      {
+                          const int saved = lumps::SaveRenameSession(Rename);
+                          Refresh();
+                          return saved;
+                      });
 }
 
 void RenameDialog::reject()

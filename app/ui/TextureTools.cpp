@@ -278,15 +278,7 @@ void TextureToolsDialog::EditCvt()
 void TextureToolsDialog::Convert()
 {
     const lumps::TextureToolForm form = Form();
-    if (!MayRewriteEditorFiles({form.Output}))
-    {
-        return;
-    }
-    const bool openInEditor = lumps::OpenInEditor(form.Output);
-    if (lumps::RunConvertTool(form) == 1 && openInEditor)
-    {
-        ReloadEditorFiles();
-    }
+    RewriteEditorFile(form.Output, [&form] { return lumps::RunConvertTool(form); });
 }
 
 void TextureToolsDialog::ListUsed()
@@ -310,20 +302,21 @@ void TextureToolsDialog::ListUnused()
 
 void TextureToolsDialog::SaveDeletion()
 {
-    if (!Pending || !MayRewriteEditorFiles({PendingPwad}))
+    if (!Pending)
     {
         return;
     }
-    const bool openInEditor = lumps::OpenInEditor(PendingPwad);
-    if (lumps::SaveUnusedDeletion(PendingPwad, *Pending) == 1)
-    {
-        Pending.reset();
-        ShowPending();
-        if (openInEditor)
-        {
-            ReloadEditorFiles();
-        }
-    }
+    RewriteEditorFile(PendingPwad,
+                      [this]
+                      {
+                          const int saved = lumps::SaveUnusedDeletion(PendingPwad, *Pending);
+                          if (saved == 1)
+                          {
+                              Pending.reset();
+                              ShowPending();
+                          }
+                          return saved;
+                      });
 }
 
 void TextureToolsDialog::reject()
