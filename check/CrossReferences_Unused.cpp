@@ -21,16 +21,6 @@ using map::LevelData;
 using map::LineDef;
 using platform::Format;
 
-// Marks that keep every Vertex, SideDef and Sector.
-map::KeepMarks KeepAll(const LevelData& level)
-{
-    map::KeepMarks marks;
-    marks.Vertexes.assign(level.Vertexes.size(), 1);
-    marks.SideDefs.assign(level.SideDefs.size(), 1);
-    marks.Sectors.assign(level.Sectors.size(), 1);
-    return marks;
-}
-
 int CountUnused(const std::vector<std::uint8_t>& used)
 {
     return static_cast<int>(std::count(used.begin(), used.end(), 0));
@@ -46,7 +36,7 @@ void OfferRemoval(CheckRun& run, int kind, std::vector<std::uint8_t> used,
         return;
     }
     run.BeforeRepair();
-    map::KeepMarks marks = KeepAll(run.Level);
+    map::KeepMarks marks = map::MarksForAll(run.Level, 1);
     (kind == map::KindVertex    ? marks.Vertexes
      : kind == map::KindSideDef ? marks.SideDefs
                                 : marks.Sectors) = std::move(used);

@@ -150,16 +150,6 @@ std::vector<bool> ScrollingSideDefs(const map::LevelData& level)
     return scrolling;
 }
 
-// Marks that keep every Vertex, SideDef and Sector.
-map::KeepMarks KeepAll(const map::LevelData& level)
-{
-    map::KeepMarks marks;
-    marks.Vertexes.assign(level.Vertexes.size(), 1);
-    marks.SideDefs.assign(level.SideDefs.size(), 1);
-    marks.Sectors.assign(level.Sectors.size(), 1);
-    return marks;
-}
-
 // Marks that keep the records that survive a merge and drop the ones merged into them.
 std::vector<std::uint8_t> SurvivorMarks(const std::vector<std::uint32_t>& survivor)
 {
@@ -185,7 +175,7 @@ void MergeSideDefs(map::LevelData& level, const std::vector<std::uint32_t>& surv
             level.LineDefs[i].SideDef2 = side2;
         }
     }
-    map::KeepMarks marks = KeepAll(level);
+    map::KeepMarks marks = map::MarksForAll(level, 1);
     marks.SideDefs = SurvivorMarks(survivor);
     map::RemoveUnmarked(level, marks);
 }
@@ -201,7 +191,7 @@ void MergeSectors(map::LevelData& level, const std::vector<std::uint32_t>& survi
             level.SideDefs[i].Sector = Redirected(sector, survivor);
         }
     }
-    map::KeepMarks marks = KeepAll(level);
+    map::KeepMarks marks = map::MarksForAll(level, 1);
     marks.Sectors = SurvivorMarks(survivor);
     map::RemoveUnmarked(level, marks);
 }

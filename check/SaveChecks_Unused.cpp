@@ -84,10 +84,7 @@ bool CheckUnused(LevelData& level)
 {
     platform::Ui& ui = platform::TheUi();
     ui.ShowProgress("Checking for Unused objects (esc)", "");
-    map::KeepMarks used;
-    used.Vertexes.assign(level.Vertexes.size(), 0);
-    used.SideDefs.assign(level.SideDefs.size(), 0);
-    used.Sectors.assign(level.Sectors.size(), 0);
+    map::KeepMarks used = map::MarksForAll(level, 0);
     bool repaired = false;
     bool escaped = false;
     for (std::size_t i = 0; i < level.LineDefs.size() && !escaped; ++i)

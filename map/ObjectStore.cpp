@@ -519,6 +519,15 @@ std::uint32_t Renumbered(std::uint32_t reference, const std::vector<std::uint32_
 
 } // namespace
 
+KeepMarks MarksForAll(const LevelData& level, std::uint8_t value)
+{
+    KeepMarks marks;
+    marks.Vertexes.assign(level.Vertexes.size(), value);
+    marks.SideDefs.assign(level.SideDefs.size(), value);
+    marks.Sectors.assign(level.Sectors.size(), value);
+    return marks;
+}
+
 void RemoveUnmarked(LevelData& level, const KeepMarks& marks)
 {
     KELVAR_ASSERT(marks.Vertexes.size() == level.Vertexes.size() &&

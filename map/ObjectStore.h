@@ -57,6 +57,10 @@ struct KeepMarks
 /// measured again when Vertexes went. The edit is not counted.
 void RemoveUnmarked(LevelData& level, const KeepMarks& marks);
 
+/// Marks that keep every Vertex, SideDef and Sector of `level` (`value` 1), or none (0), for
+/// a caller that then changes the marks of one kind.
+KeepMarks MarksForAll(const LevelData& level, std::uint8_t value);
+
 /// Widens the level's bounding box to take in a Vertex.
 void ExtendBounds(LevelData& level, const Vertex& vertex);
 
