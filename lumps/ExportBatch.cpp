@@ -5,11 +5,11 @@
 #include "gfx/GamePalette.h"
 #include "gfx/Picture.h"
 #include "lumps/ExportLump.h"
+#include "lumps/ToolFiles.h"
 #include "platform/Format.h"
 #include "platform/Messages.h"
 #include "platform/Ui.h"
 #include "wad/CheckedFile.h"
-#include "wad/FileChecks.h"
 #include "wad/WadRewrite.h"
 #include "wad/WadState.h"
 
@@ -200,8 +200,7 @@ ExportReport WriteOnePwad(const std::vector<const ExportRow*>& chosen)
         report.Stopped = true;
         return report;
     }
-    std::string text = target->string();
-    if (wad::FileInUse(text, true, false) != 0)
+    if (!TargetIsFree(*target))
     {
         report.Refused = static_cast<int>(chosen.size());
         return report;

@@ -10,6 +10,7 @@
 #include "gfx/RawPictures.h"
 #include "lumps/ExportList.h"
 #include "lumps/LumpNames.h"
+#include "lumps/ToolFiles.h"
 #include "platform/Messages.h"
 #include "platform/Ui.h"
 #include "sound/MusToMidi.h"
@@ -18,7 +19,6 @@
 #include "sound/SoundState.h"
 #include "sound/WaveConversion.h"
 #include "wad/CheckedFile.h"
-#include "wad/FileChecks.h"
 #include "wad/FileTable.h"
 #include "wad/FindLump.h"
 #include "wad/WadRewrite.h"
@@ -168,13 +168,6 @@ std::optional<fs::path> TargetPath(const std::string& name, const std::string& f
     choice.InitialPath = folder / (name + fileExtension);
     choice.ForSaving = true;
     return platform::TheUi().ChooseFile(choice);
-}
-
-// Open files and the IWAD are never written over.
-bool TargetIsFree(const fs::path& path)
-{
-    std::string text = path.string();
-    return wad::FileInUse(text, true, false) == 0;
 }
 
 void ConversionRefused(const fs::path& target, const std::string& name, const std::string& text)

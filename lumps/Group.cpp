@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "lumps/Group.h"
 
+#include "lumps/ToolFiles.h"
 #include "platform/Assert.h"
 #include "platform/Format.h"
 #include "platform/Messages.h"
 #include "wad/CheckedFile.h"
-#include "wad/FileChecks.h"
 #include "wad/LumpDirectory.h"
 #include "wad/WadRewrite.h"
 #include "wad/WadScan.h"
@@ -228,13 +228,6 @@ std::optional<std::vector<LumpEntry>> WorkEntries(int fileNumber)
         return std::nullopt;
     }
     return wad::ReadWadDirectory(stream.get(), path);
-}
-
-// A target the editor has open is never written over: the open file would be lost.
-bool TargetIsFree(const std::filesystem::path& targetPath)
-{
-    std::string probe = targetPath.string();
-    return wad::FileInUse(probe, true, false) == 0;
 }
 
 // Walks every source file with `rules` into a plan; nothing when a source can't be read.

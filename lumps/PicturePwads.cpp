@@ -6,7 +6,6 @@
 #include "platform/Format.h"
 #include "platform/Messages.h"
 #include "platform/Ui.h"
-#include "wad/FileChecks.h"
 
 #include <string>
 
@@ -35,8 +34,7 @@ RewritePlan MarkedPlan(const PictureLumps& lumps, const char* start, const char*
 // Returns 1, or 0 when nothing was written.
 int WriteCounted(const std::filesystem::path& target, RewritePlan& plan)
 {
-    std::string probe = target.string();
-    if (wad::FileInUse(probe, true, false) != 0)
+    if (!TargetIsFree(target))
     {
         return 0;
     }

@@ -21,6 +21,12 @@ bool OpenInEditor(const std::filesystem::path& path)
     return !text.empty() && wad::FileInUse(text, false, false) != 0;
 }
 
+bool TargetIsFree(const std::filesystem::path& path)
+{
+    std::string text = path.string();
+    return wad::FileInUse(text, true, false) == 0;
+}
+
 bool AnyOpenInEditor(const std::vector<std::filesystem::path>& paths)
 {
     return std::any_of(paths.begin(), paths.end(),

@@ -24,6 +24,10 @@ namespace kelvar::lumps
 /// True when the editor has `path` open: the project's IWAD or a file of the file table.
 bool OpenInEditor(const std::filesystem::path& path);
 
+/// False when `path` is a file a tool may not write over: the IWAD or a file the editor has
+/// open, after saying so.
+bool TargetIsFree(const std::filesystem::path& path);
+
 /// True when the editor has one of `paths` open.
 bool AnyOpenInEditor(const std::vector<std::filesystem::path>& paths);
 
