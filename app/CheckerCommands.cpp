@@ -204,12 +204,12 @@ void CheckLevelCommand(int number, CommandSource /*source*/)
         platform::TheUi().Beep();
         return;
     }
-    EnsureBrowserCatalogues(); // the texture checks look names up in the catalogue
     if (number == CmdStatistics)
     {
         ShowStatistics();
         return;
     }
+    EnsureBrowserCatalogues(); // the texture checks look names up in the catalogue
     // The Statistics button closes the dialog and posts the statistics command.
     if (hooks.CheckDialog && hooks.CheckDialog())
     {
