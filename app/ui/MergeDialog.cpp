@@ -80,23 +80,8 @@ QWidget* MergeDialog::BuildTargetSide()
             [this] { Merge.Selected = Targets->CurrentHead(); });
     layout->addWidget(Targets, 1);
     auto* column = new QVBoxLayout();
-    const std::vector<std::pair<const char*, lumps::TargetCommand>> commands = {
-        {"&Rename", lumps::TargetCommand::Rename}, {"&Delete", lumps::TargetCommand::Delete},
-        {"&Insert", lumps::TargetCommand::Insert}, {"&Move", lumps::TargetCommand::Move},
-        {"Up", lumps::TargetCommand::Up},          {"Dn", lumps::TargetCommand::Down},
-        {"C&lear", lumps::TargetCommand::Clear},
-    };
-    for (const auto& [text, command] : commands)
-    {
-        auto* button = ToolButton(text, box);
-        const lumps::TargetCommand which = command;
-        if (which == lumps::TargetCommand::Up || which == lumps::TargetCommand::Down)
-        {
-            button->setToolTip(which == lumps::TargetCommand::Up ? "Ctrl+Up" : "Ctrl+Down");
-        }
-        connect(button, &QPushButton::clicked, this, [this, which] { RunCommand(which); });
-        column->addWidget(button);
-    }
+    (void)AddTargetCommandButtons(column, box, true,
+                                  [this](lumps::TargetCommand command) { RunCommand(command); });
     auto* verify = ToolButton("&Verify Pnames", box);
     connect(verify, &QPushButton::clicked, this, &MergeDialog::VerifyPnames);
     column->addWidget(verify);

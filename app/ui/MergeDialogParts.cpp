@@ -95,6 +95,40 @@ QPushButton* ToolButton(const QString& text, QWidget* parent)
     return button;
 }
 
+std::pair<QPushButton*, QPushButton*>
+AddTargetCommandButtons(QBoxLayout* column, QWidget* parent, bool withClear,
+                        const std::function<void(lumps::TargetCommand)>& run)
+{
+    std::vector<std::pair<const char*, lumps::TargetCommand>> commands = {
+        {"&Rename", lumps::TargetCommand::Rename}, {"&Delete", lumps::TargetCommand::Delete},
+        {"&Insert", lumps::TargetCommand::Insert}, {"&Move", lumps::TargetCommand::Move},
+        {"Up", lumps::TargetCommand::Up},          {"Dn", lumps::TargetCommand::Down},
+    };
+    if (withClear)
+    {
+        commands.emplace_back("C&lear", lumps::TargetCommand::Clear);
+    }
+    std::pair<QPushButton*, QPushButton*> upDown{};
+    for (const auto& [text, command] : commands)
+    {
+        auto* button = ToolButton(text, parent);
+        const lumps::TargetCommand which = command;
+        QObject::connect(button, &QPushButton::clicked, parent, [run, which] { run(which); });
+        if (which == lumps::TargetCommand::Up)
+        {
+            button->setToolTip("Ctrl+Up");
+            upDown.first = button;
+        }
+        else if (which == lumps::TargetCommand::Down)
+        {
+            button->setToolTip("Ctrl+Down");
+            upDown.second = button;
+        }
+        column->addWidget(button);
+    }
+    return upDown;
+}
+
 QLabel* FileLineLabel(const QString& objectName, QWidget* parent)
 {
     auto* label = new QLabel(parent);

@@ -6,12 +6,14 @@
 #include "lumps/TargetList.h"
 #include "lumps/ToolLists.h"
 
+#include <QBoxLayout>
 #include <QKeySequence>
 #include <QLabel>
 #include <QPushButton>
 #include <QTreeWidget>
 #include <filesystem>
 #include <functional>
+#include <utility>
 #include <vector>
 
 namespace kelvar::app
@@ -47,6 +49,12 @@ private:
 
 /// A button of a tool window: Enter in a list never presses it.
 QPushButton* ToolButton(const QString& text, QWidget* parent);
+
+/// The command buttons of a target list, one under another in `column`: Rename, Delete, Insert,
+/// Move, Up and Dn, then Clear when `withClear`; `run` runs the command. Gives Up and Dn.
+std::pair<QPushButton*, QPushButton*>
+AddTargetCommandButtons(QBoxLayout* column, QWidget* parent, bool withClear,
+                        const std::function<void(lumps::TargetCommand)>& run);
 
 /// A window's file line: a sunken panel whose text can be selected, taking the row's spare
 /// width.

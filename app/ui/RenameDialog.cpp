@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QRadioButton>
 #include <QVBoxLayout>
+#include <tuple>
 
 namespace kelvar::app
 {
@@ -37,23 +38,8 @@ RenameDialog::RenameDialog(lumps::RenameSession session, QWidget* parent)
     connect(Rows, &TargetListView::RowChecked, this, &RenameDialog::RowChecked);
     body->addWidget(Rows, 1);
     auto* column = new QVBoxLayout();
-    const std::vector<std::pair<const char*, lumps::TargetCommand>> commands = {
-        {"&Rename", lumps::TargetCommand::Rename}, {"&Delete", lumps::TargetCommand::Delete},
-        {"&Insert", lumps::TargetCommand::Insert}, {"&Move", lumps::TargetCommand::Move},
-        {"Up", lumps::TargetCommand::Up},          {"Dn", lumps::TargetCommand::Down},
-    };
-    for (const auto& [text, command] : commands)
-    {
-        auto* button = ToolButton(text, this);
-        const lumps::TargetCommand which = command;
-        connect(button, &QPushButton::clicked, this, [this, which] { RunCommand(which); });
-        column->addWidget(button);
-        if (which == lumps::TargetCommand::Up || which == lumps::TargetCommand::Down)
-        {
-            button->setToolTip(which == lumps::TargetCommand::Up ? "Ctrl+Up" : "Ctrl+Down");
-            (which == lumps::TargetCommand::Up ? Up : Down) = button;
-        }
-    }
+    std::tie(Up, Down) = AddTargetCommandButtons(
+        column, this, false, [this](lumps::TargetCommand command) { RunCommand(command); });
     column->addSpacing(12);
     auto* sort = new QGroupBox("Sort", this);
     auto* sortLayout = new QVBoxLayout(sort);
