@@ -3,7 +3,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/BrowserLists.h"
 
+#include "app/BrowserPictures.h"
 #include "game/GameState.h"
+#include "game/TypeLookup.h"
 #include "gfx/GamePalette.h"
 #include "gfx/TextureCatalogue.h"
 #include "platform/Ui.h"
@@ -149,6 +151,15 @@ std::vector<BrowserItem> ThingList()
     return list;
 }
 
+// The pictures are shown through the game palette; without one they still show, black.
+void EnsurePalette()
+{
+    if (!gfx::Palettes().Loaded)
+    {
+        (void)gfx::LoadGamePalette(gfx::Palettes().Options.PaletteNumber);
+    }
+}
+
 } // namespace
 
 void EnsureBrowserCatalogues()
@@ -191,17 +202,13 @@ std::vector<BrowserItem> BuildBrowserList(int variant, bool externalOnly)
     }
 }
 
-std::optional<std::string> OpenBrowser(int variant, std::string_view startName)
+std::optional<BrowserItem> OpenBrowserItem(int variant, std::string_view startName)
 {
     if (variant != BrowseLevels && variant != BrowseThings)
     {
         EnsureBrowserCatalogues();
     }
-    // The thumbnails are shown through the game palette; without one they still open, black.
-    if (!gfx::Palettes().Loaded)
-    {
-        (void)gfx::LoadGamePalette(gfx::Palettes().Options.PaletteNumber);
-    }
+    EnsurePalette();
     BrowserState& state = Browser();
     StartBrowser(state, variant, BuildBrowserList(variant, state.ExternalOnly), startName);
 
@@ -213,10 +220,81 @@ std::optional<std::string> OpenBrowser(int variant, std::string_view startName)
     {
         request.Names.push_back(item.Name);
     }
-    std::optional<std::string> chosen = platform::TheUi().Browse(request);
+    const std::optional<std::string> chosen = platform::TheUi().Browse(request);
+    std::optional<BrowserItem> picked;
+    if (chosen)
+    {
+        // Two rows may share a name (Things): the framed cell is the one picked when it has it.
+        const auto current = static_cast<std::size_t>(state.Current);
+        if (current < state.List.size() && state.List[current].Name == *chosen)
+        {
+            picked = state.List[current];
+        }
+        else
+        {
+            const auto found =
+                std::find_if(state.List.begin(), state.List.end(),
+                             [&](const BrowserItem& item) { return item.Name == *chosen; });
+            BrowserItem named;
+            named.Name = *chosen;
+            picked = found != state.List.end() ? *found : named;
+        }
+    }
     state.List.clear();
     state.List.shrink_to_fit();
-    return chosen;
+    return picked;
+}
+
+BrowserPicture PreviewPicture(int variant, std::string_view name)
+{
+    if (variant == BrowseTextures || variant == BrowseFlats)
+    {
+        EnsureBrowserCatalogues();
+    }
+    EnsurePalette();
+    const auto same = [name](const BrowserItem& item)
+    {
+        return std::equal(item.Name.begin(), item.Name.end(), name.begin(), name.end(),
+                          [](char a, char b)
+                          {
+                              return std::toupper(static_cast<unsigned char>(a)) ==
+                                     std::toupper(static_cast<unsigned char>(b));
+                          });
+    };
+    BrowserState state;
+    state.Variant = variant;
+    for (BrowserItem& item : BuildBrowserList(variant, false))
+    {
+        if (same(item))
+        {
+            state.List.push_back(std::move(item));
+            return ReadBrowserPicture(state, 0);
+        }
+    }
+    return {};
+}
+
+BrowserPicture ThingPreview(std::uint16_t type)
+{
+    EnsurePalette();
+    BrowserState state;
+    state.Variant = BrowseThings;
+    BrowserItem item;
+    item.Name = std::string(game::ThingTypeName(type));
+    item.Number = type;
+    item.Sprite = std::string(game::Text(game::ThingRowOfType(type).Sprite));
+    state.List.push_back(std::move(item));
+    return ReadBrowserPicture(state, 0);
+}
+
+std::optional<std::string> OpenBrowser(int variant, std::string_view startName)
+{
+    std::optional<BrowserItem> item = OpenBrowserItem(variant, startName);
+    if (!item)
+    {
+        return std::nullopt;
+    }
+    return std::move(item->Name);
 }
 
 } // namespace kelvar::app

@@ -3,7 +3,9 @@
 #pragma once
 
 #include "app/Browser.h"
+#include "app/BrowserPictures.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -32,5 +34,14 @@ std::vector<BrowserItem> BuildBrowserList(int variant, bool externalOnly);
 /// of a name list. The list lives only while the browser is open. Loads the game palette when
 /// it isn't loaded ("Couldn't locate palette \"PLAYPAL\" entry" when it can't be).
 std::optional<std::string> OpenBrowser(int variant, std::string_view startName);
+
+/// The picture of one name of a browser's list (case ignored), read as its cell would be: the
+/// previews of the object editors. Nothing drawn when the list has no such name.
+BrowserPicture PreviewPicture(int variant, std::string_view name);
+/// The picture of a Thing type: its sprite.
+BrowserPicture ThingPreview(std::uint16_t type);
+
+/// OpenBrowser that returns the whole row picked: a Thing's type is its Number.
+std::optional<BrowserItem> OpenBrowserItem(int variant, std::string_view startName);
 
 } // namespace kelvar::app

@@ -62,6 +62,11 @@ void ChooseTextureGroupCommand(int number, CommandSource source); // 1066
 /// Returns false when the chooser was cancelled or no project could be opened.
 bool SwitchProject();
 
+// The object editors (ObjectEditors.cpp).
+void EditObjectCommand(int number, CommandSource source);  // 494, 522, the right click
+void ThingMaskCommand(int number, CommandSource source);   // 209
+void SideTextureCommand(int number, CommandSource source); // 472, 473
+
 // Tags (TagCommands.cpp).
 void SetTagCommand(int number, CommandSource source); // 442
 

@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/MapMouse.h"
 
+#include "app/Commands.h"
 #include "app/MapKeys.h"
 #include "app/Modes.h"
 #include "app/Router.h"
@@ -226,6 +227,9 @@ view::ClickMeaning MapMouseEvent(MapMouseState& state, const view::MouseInput& e
         return meaning;
     case view::ClickMeaning::Drag:
         BeginDrag(state, event);
+        return meaning;
+    case view::ClickMeaning::Edit:
+        (void)RunCommand(CmdEditObject, CommandSource::Key);
         return meaning;
     case view::ClickMeaning::Mark:
         map::ToggleHighlighted(map::Map().Options.AdditiveSelect ||

@@ -76,7 +76,8 @@ constexpr RouteRow RouteTable[] = {
     {CmdOpenPrefab, CmdOpenPrefab, AnyMode, nullptr, "Open Prefab PWAD"},
     {CmdSavePrefab, CmdSavePrefab, AnyMode, nullptr, "Save Clipboard as Prefab PWAD"},
     {CmdPrefabSlotFirst, CmdPrefabSlotLast, AnyMode, nullptr, "prefab commands"},
-    {CmdViewClipboard, CmdThingMask, AnyMode, nullptr, "View Clipboard, Thing Filter Mask"},
+    {CmdViewClipboard, CmdViewClipboard, AnyMode, nullptr, "View Clipboard"},
+    {CmdThingMask, CmdThingMask, AnyMode, ThingMaskCommand, "Thing Filter Mask"},
     {CmdViewLump, CmdWadList, AnyMode, nullptr, "ViewLump, Wadlist"},
     {CmdClearSelection, CmdClearSelection, AnyMode, ClearSelectionCommand, "Clear Selection"},
     {CmdFind, CmdRepeatLastFind, AnyMode, nullptr, "Find"},
@@ -121,7 +122,7 @@ constexpr RouteRow RouteTable[] = {
     {CmdWireFrame, CmdWireFrame, AnyMode, nullptr, "3D WireFrame Viewer"},
     // LineDef, Sector and Thing operations.
     {CmdFlipVertexesOnly, CmdSwapSideDefs, LineDefs, MiscEntryCommand, "flip, swap"},
-    {CmdSide1Textures, CmdSide2Textures, LineDefs, nullptr, "texture pick for a side"},
+    {CmdSide1Textures, CmdSide2Textures, LineDefs, SideTextureCommand, "texture pick for a side"},
     // Texture alignment: the X offsets need the texture catalogue's widths.
     {CmdAlignXShift, CmdAlignXShift, LineDefs, AlignTexturesXCommand, "Align X shift"},
     {CmdAlignYShift, CmdAlignYShift, LineDefs, AlignTexturesYCommand, "Align Y shift"},
@@ -138,8 +139,9 @@ constexpr RouteRow RouteTable[] = {
     {CmdAlignYSide2, CmdAlignYSide2, LineDefs, AlignTexturesYCommand, "Align Y side 2"},
     {CmdRaiseCeiling, CmdLowerBoth, Sectors | Things, nullptr, "heights"},
     {CmdLightUp, CmdLightLast, Sectors, nullptr, "light"},
-    {CmdEditObject, CmdEditObject, AnyMode, nullptr, "edit objects"},
-    {CmdEditObjectT, CmdEditObjectT, AnyMode, nullptr, "edit objects"},
+    {CmdEditObject, CmdEditObject, Things | LineDefs | Sectors, EditObjectCommand, "edit objects"},
+    {CmdEditObjectT, CmdEditObjectT, Things | LineDefs | Sectors, EditObjectCommand,
+     "edit objects"},
     // The Misc popups: Rotate and Scale belongs to the drag tools, the Sector splits to the
     // Sector construction.
     {501, 501, Sectors, RotateScaleCommand, "Rotate and Scale"},

@@ -28,6 +28,11 @@
 #include <string>
 #include <string_view>
 
+namespace kelvar::game
+{
+class ObjectEditor;
+}
+
 namespace kelvar::app
 {
 
@@ -81,6 +86,19 @@ struct SessionHooks
     std::function<bool()> CheckDialog;
     /// Opens a lump tool of the F7 menu (a LumpTool). Empty: no window.
     std::function<void(int tool)> LumpTool;
+    /// The editor window of the editor's kind ("EditLineDef2", "EditSector", "ThingEdit"); it
+    /// returns when the window closes. Empty: nothing is edited.
+    std::function<void(game::ObjectEditor&)> ObjectEditor;
+    /// The "ThingMask" dialog on game::TheThingMask(); true when OK changed it.
+    std::function<bool()> ThingMask;
+    /// The BOOM generalized LineDef dialogs on a type (a Floor type for a plain one): the
+    /// composed type, or nothing when cancelled.
+    std::function<std::optional<std::uint16_t>(std::uint16_t type)> GeneralizedLine;
+    /// "EditHexenArgs" on the editor's LineDefs or Things; true when something changed.
+    std::function<bool(game::ObjectEditor&)> HexenArgs;
+    /// "EditSectorBOOM" or "EditSectorZDOOM" on the editor's Sectors; true when something
+    /// changed.
+    std::function<bool(game::ObjectEditor&)> SectorFlags;
 };
 
 /// The session words.

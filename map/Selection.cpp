@@ -148,6 +148,12 @@ void ToggleHighlighted(bool additive)
     ObjectListPush(state.Selection, object);
 }
 
+std::function<bool(const Thing&)>& BoxThingFilter()
+{
+    static std::function<bool(const Thing&)> filter;
+    return filter;
+}
+
 ObjectList SelectInBox(const LevelData& level, int kind, double x1, double y1, double x2, double y2)
 {
     const double minX = std::min(x1, x2);
@@ -162,6 +168,12 @@ ObjectList SelectInBox(const LevelData& level, int kind, double x1, double y1, d
                                              ? index.ThingsIn(minX, minY, maxX, maxY)
                                              : index.VertexesIn(minX, minY, maxX, maxY))
         {
+            const auto& filter = BoxThingFilter();
+            if (kind == ModeThings && filter &&
+                !filter(level.Things[static_cast<std::size_t>(object)]))
+            {
+                continue;
+            }
             ObjectListPush(list, object);
         }
         return list;

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 namespace kelvar::map
@@ -76,9 +77,13 @@ bool CountOrComplain(int kind, bool exactly, int wanted, int& outCount, const Ob
 /// the error signal sounds.
 void ToggleHighlighted(bool additive);
 
+/// The Things a box may select: a Thing the map's Thing filter hides can't be. Empty lets
+/// every Thing through. It lasts for the session: the filter's owner sets it when it changes.
+std::function<bool(const Thing&)>& BoxThingFilter();
+
 /// The objects of `kind` in the box of map corners, edges included, in ascending order (the
 /// highest ends at the head): Things and Vertexes by position, LineDefs with both ends in
-/// it, and Sectors on either side of such a LineDef.
+/// it, and Sectors on either side of such a LineDef. Things the filter hides are left out.
 ObjectList SelectInBox(const LevelData& level, int kind, double x1, double y1, double x2,
                        double y2);
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "view/Renderer.h"
 
+#include "game/ThingMask.h"
 #include "view/RendererParts.h"
 
 #include <algorithm>
@@ -171,9 +172,15 @@ bool ThingsShown(int mode, const ViewState& view)
 void DrawThings(platform::Canvas& canvas, const map::LevelData& level, const ViewState& view,
                 bool sprites)
 {
+    const game::ThingMask& mask = game::TheThingMask();
+    const bool everything = game::MaskShowsAll(mask);
+    const bool hexenFormat = level.LevelLayout == map::LayoutHexen;
     for (const map::Thing& thing : level.Things)
     {
-        DrawThing(canvas, thing, view, false, sprites);
+        if (everything || game::ThingPassesMask(thing, mask, hexenFormat))
+        {
+            DrawThing(canvas, thing, view, false, sprites);
+        }
     }
 }
 

@@ -11,6 +11,7 @@
 #include "app/Session.h"
 #include "app/ShellState.h"
 #include "app/ui/CheckDialog.h"
+#include "app/ui/EditorWindows.h"
 #include "app/ui/LumpTools.h"
 #include "app/ui/SaveDialog.h"
 #include "platform/Messages.h"
@@ -183,6 +184,7 @@ void MainWindow::InstallSessionHooks()
         return CheckDialog::Open(*ErrorList, this);
     };
     hooks.LumpTool = [this](int tool) { OpenLumpTool(tool, this); };
+    InstallEditorHooks(hooks, this);
     run::TestHooks& test = run::Run().Test.Hooks;
     test.EditTestOptions = [this](run::TestOptions& options, const std::string& info)
     { return run::EditTestOptions(this, options, info); };
