@@ -6,6 +6,7 @@
 #include "app/CommandHandlers.h"
 #include "app/Commands.h"
 #include "app/Modes.h"
+#include "app/PaneTexts.h"
 #include "app/Session.h"
 #include "app/ShellState.h"
 #include "app/TagCommands.h"
@@ -720,6 +721,78 @@ int PaneTextureKey(int mode, const PanePlace& place, char key)
         changed = editor.SetSideTexture(place.Side, place.Part, name);
     }
     if (changed > 0)
+    {
+        AskForRedraw();
+    }
+    return changed;
+}
+
+std::optional<PanePlace> PanePlaceOfBox(int box)
+{
+    const view::InfoPane pane = InfoPaneTexts();
+    if (box < 0 || static_cast<std::size_t>(box) >= pane.Textures.size())
+    {
+        return std::nullopt;
+    }
+    const view::TextureBox& texture = pane.Textures[static_cast<std::size_t>(box)];
+    PanePlace place;
+    place.Side = texture.Side;
+    place.Part = texture.Label == "upper"   ? game::SidePart::Upper
+                 : texture.Label == "lower" ? game::SidePart::Lower
+                                            : game::SidePart::Normal;
+    return place;
+}
+
+bool PaneClick(int mode, int line, int box)
+{
+    if (!Session().LevelLoaded || (mode != map::ModeSectors && mode != map::ModeLineDefs))
+    {
+        return false;
+    }
+    game::ObjectEditor editor =
+        EditorOn(KindOfMode(mode), map::SelectionOrHighlight(map::Map().Level, mode));
+    if (editor.Empty())
+    {
+        return false;
+    }
+    bool changed = false;
+    if (mode == map::ModeLineDefs)
+    {
+        const std::optional<PanePlace> place = PanePlaceOfBox(box);
+        changed = place && ChooseSideTexture(editor, place->Side, place->Part);
+    }
+    else
+    {
+        // The pane's lines come in pairs: a title, then its value.
+        const auto ask = [&editor](const char* caption, game::SectorField field, int current)
+        {
+            const std::optional<int> value =
+                platform::TheUi().AskNumber(caption, caption, current, -32768, 32767);
+            return value && editor.SetSectorField(field, *value) > 0;
+        };
+        const map::Sector& head = editor.HeadSector();
+        switch (line / 2)
+        {
+        case 1:
+            changed = ask("Ceiling Height", game::SectorField::Ceiling, head.CeilingHeight);
+            break;
+        case 2:
+            changed = ask("Floor Height", game::SectorField::Floor, head.FloorHeight);
+            break;
+        case 3:
+            changed = ChooseSectorFlat(editor, false); // "Choose New Ceiling"
+            break;
+        case 4:
+            changed = ChooseSectorFlat(editor, true); // "Choose New Floor"
+            break;
+        case 5:
+            changed = ask("New Light Level", game::SectorField::Light, head.Light);
+            break;
+        default:
+            break;
+        }
+    }
+    if (changed)
     {
         AskForRedraw();
     }

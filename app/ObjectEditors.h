@@ -134,4 +134,16 @@ struct PanePlace
 /// changed, and takes one undo step when any did.
 int PaneTextureKey(int mode, const PanePlace& place, char key);
 
+/// The hot areas of the pane, as the lines of view::SectorInfo and the texture boxes of
+/// view::LineDefInfo. In Sector mode a click on line `line` of the pane: the heights ask
+/// "Ceiling Height" or "Floor Height", the textures open the Flats browser ("Choose New
+/// Ceiling", "Choose New Floor"), the light asks "New Light Level"; in LineDef mode a click on
+/// texture box `box` opens the Textures browser for that side and place. The change reaches
+/// every selected object. Returns true when something changed.
+bool PaneClick(int mode, int line, int box);
+
+/// The place of texture box `box` of the LineDef pane (view::LineDefInfo's order); nothing
+/// when there is no such box.
+std::optional<PanePlace> PanePlaceOfBox(int box);
+
 } // namespace kelvar::app

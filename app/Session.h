@@ -214,9 +214,13 @@ bool LoadProjectFiles();
 /// scanned (the reason was shown) or no level was read.
 bool ReloadAllFiles(bool keepView);
 
-/// The EditLevel list: the levels of the level list, `current` in the caption. Returns the
-/// chosen name, or nothing when cancelled.
+/// The EditLevel list: the levels of the level list, `current` in the caption, and last
+/// BrowseLevelsEntry, which opens the Levels browser. Returns the chosen name, or nothing when
+/// cancelled.
 std::optional<std::string> ChooseLevel(const std::string& current);
+
+/// The entry after the level names of the EditLevel list: the Levels browser.
+inline constexpr const char* BrowseLevelsEntry = "Browse Levels...";
 
 /// Reads the current level again after a file, project or level command, or at start.
 /// `newLevel` is passed to the reader; `resetView` rebuilds what depends on the palette.

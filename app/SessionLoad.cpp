@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/Session.h"
 
+#include "app/BrowserLists.h"
 #include "app/RecentLists.h"
 #include "app/ShellState.h"
 #include "app/StatusFiles.h"
@@ -362,11 +363,18 @@ std::optional<std::string> ChooseLevel(const std::string& current)
     {
         names.push_back(entry.Name.Text());
     }
+    // The last entry opens the Levels browser, where each level shows as a small map.
+    std::vector<std::string> entries = names;
+    entries.emplace_back(BrowseLevelsEntry);
     const std::optional<int> index = platform::TheUi().ChooseFromList(
-        platform::Format("Edit Level - %s", current.c_str()), names);
-    if (!index || *index < 0 || static_cast<std::size_t>(*index) >= names.size())
+        platform::Format("Edit Level - %s", current.c_str()), entries);
+    if (!index || *index < 0 || static_cast<std::size_t>(*index) > names.size())
     {
         return std::nullopt;
+    }
+    if (static_cast<std::size_t>(*index) == names.size())
+    {
+        return OpenBrowser(BrowseLevels, current);
     }
     return names[static_cast<std::size_t>(*index)];
 }

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "game/GameState.h"
 
+#include "game/ObjectEdit.h"
+#include "game/ThingMask.h"
 #include "map/GameCodes.h"
 #include "wad/WadState.h"
 
@@ -72,6 +74,8 @@ GameState& Game()
 void ResetGame()
 {
     Game() = GameState{};
+    TheThingMask() = ThingMask{};
+    LastDoorArguments() = DefaultDoorArguments;
 }
 
 void SelectGameTables()

@@ -52,8 +52,12 @@ std::uint16_t FieldValue(std::uint16_t type, const GeneralizedField& field)
     return static_cast<std::uint16_t>((type >> field.FirstBit) & ((1 << field.Bits) - 1));
 }
 
+// The most fields a category has.
+constexpr std::size_t MostFields = 8;
+using FieldValues = std::array<int, MostFields>;
+
 // What a type moves, for the checks that look ahead at moving Sectors.
-std::uint16_t MotionOf(GeneralizedCategory category, const std::vector<int>& values)
+std::uint16_t MotionOf(GeneralizedCategory category, const FieldValues& values)
 {
     constexpr std::size_t Direction = 3; // the direction field of floors and ceilings
     switch (category)
@@ -171,6 +175,53 @@ std::uint16_t ComposeLineType(GeneralizedCategory category, const std::vector<in
     return static_cast<std::uint16_t>(type);
 }
 
+namespace
+{
+
+// The field values of a type of `category`, in the order of FieldsOf.
+FieldValues ValuesOf(std::uint16_t type, const std::vector<GeneralizedField>& fields)
+{
+    FieldValues values{};
+    for (std::size_t i = 0; i < fields.size() && i < MostFields; ++i)
+    {
+        values[i] = FieldValue(type, fields[i]);
+    }
+    return values;
+}
+
+// The name written into `out`, cut at its size: the decoder fills every number of the range
+// into a fixed row, so it builds the text in place instead of in a string.
+template <std::size_t N>
+std::size_t WriteName(GeneralizedCategory category, const std::vector<GeneralizedField>& fields,
+                      const FieldValues& values, std::array<char, N>& out)
+{
+    std::size_t length = 0;
+    const auto append = [&](std::string_view text)
+    {
+        const std::size_t room = N - 1 - length;
+        const std::size_t count = std::min(room, text.size());
+        std::copy_n(text.begin(), count, out.begin() + static_cast<std::ptrdiff_t>(length));
+        length += count;
+    };
+    const auto text = [&](std::size_t i)
+    { return std::string_view(fields[i].Texts[static_cast<std::size_t>(values[i])]); };
+    append(text(0));
+    append("  ");
+    append(CategoryRow(category).Word);
+    append(" ");
+    append(text(1));
+    append(" ");
+    for (std::size_t i = 2; i < fields.size() && i < MostFields; ++i)
+    {
+        append(text(i));
+        append(" ");
+    }
+    std::fill(out.begin() + static_cast<std::ptrdiff_t>(length), out.end(), '\0');
+    return length;
+}
+
+} // namespace
+
 std::string GeneralizedLineName(std::uint16_t type)
 {
     const std::optional<GeneralizedCategory> category = CategoryOfType(type);
@@ -179,15 +230,9 @@ std::string GeneralizedLineName(std::uint16_t type)
         return {};
     }
     const std::vector<GeneralizedField>& fields = FieldsOf(*category);
-    const std::vector<int> values = DecodeFieldValues(type);
-    const auto text = [&](std::size_t i)
-    { return std::string(fields[i].Texts[static_cast<std::size_t>(values[i])]); };
-    std::string name = text(0) + "  " + CategoryRow(*category).Word + " " + text(1) + " ";
-    for (std::size_t i = 2; i < fields.size(); ++i)
-    {
-        name += text(i) + " ";
-    }
-    return name;
+    std::array<char, 128> name{};
+    const std::size_t length = WriteName(*category, fields, ValuesOf(type, fields), name);
+    return std::string(name.data(), length);
 }
 
 const LineTypeRow& DecodeGeneralizedLine(std::uint16_t type)
@@ -200,11 +245,12 @@ const LineTypeRow& DecodeGeneralizedLine(std::uint16_t type)
     {
         return row;
     }
-    const std::string name = GeneralizedLineName(type);
-    SetText(row.Name, name);
-    SetText(row.ShortName, std::string_view(name).substr(0, 16));
-    row.TagType = name.front() == 'D' ? TagOption : TagSector;
-    const std::vector<int> values = DecodeFieldValues(type);
+    const std::vector<GeneralizedField>& fields = FieldsOf(*category);
+    const FieldValues values = ValuesOf(type, fields);
+    (void)WriteName(*category, fields, values, row.Name);
+    SetText(row.ShortName,
+            std::string_view(row.Name.data(), std::min<std::size_t>(16, Text(row.Name).size())));
+    row.TagType = row.Name[0] == 'D' ? TagOption : TagSector;
     if (*category == GeneralizedCategory::Locked)
     {
         constexpr std::size_t Key = 3; // the key field

@@ -184,11 +184,13 @@ ObjectEditor::ObjectEditor(map::LevelData& level, int kind, std::vector<std::int
     : Data(level), ObjectKind(kind), BeforeFirst(std::move(beforeFirstChange))
 {
     const std::int32_t count = ObjectCount(level, kind);
+    std::vector<bool> seen(static_cast<std::size_t>(count), false);
+    List.reserve(objects.size());
     for (const std::int32_t object : objects)
     {
-        if (object >= 0 && object < count &&
-            std::find(List.begin(), List.end(), object) == List.end())
+        if (object >= 0 && object < count && !seen[static_cast<std::size_t>(object)])
         {
+            seen[static_cast<std::size_t>(object)] = true;
             List.push_back(object);
         }
     }
@@ -318,7 +320,8 @@ int ObjectEditor::SetLineTypeWithArgs(std::uint32_t type, const std::array<std::
                      line.Type = type;
                      if (hexenFormat)
                      {
-                         line.Tag = args[0];
+                         // The first argument is the tag's low byte, as Set tag writes it.
+                         line.Tag = static_cast<std::uint16_t>((line.Tag & 0xFF00) | args[0]);
                          std::copy(args.begin() + 1, args.end(), line.Args.begin());
                      }
                  });
@@ -341,7 +344,7 @@ int ObjectEditor::SetLineArg(int index, std::uint8_t value)
                  {
                      if (index == 0)
                      {
-                         line.Tag = value;
+                         line.Tag = static_cast<std::uint16_t>((line.Tag & 0xFF00) | value);
                      }
                      else
                      {
@@ -703,7 +706,7 @@ std::optional<std::uint8_t> ParseArgument(std::string_view text)
 
 std::array<std::uint8_t, 2>& LastDoorArguments()
 {
-    static std::array<std::uint8_t, 2> last{16, 150};
+    static std::array<std::uint8_t, 2> last = DefaultDoorArguments;
     return last;
 }
 

@@ -223,7 +223,9 @@ std::vector<std::string> ArgumentLabels(std::string_view name);
 /// are from 0 to 255" is the caller's) when a text isn't a number from 0 to 255.
 std::optional<std::uint8_t> ParseArgument(std::string_view text);
 
-/// The arguments of type 12 the menu fills from the last ones used, kept for the session.
+/// The arguments of type 12 the menu fills from the last ones used, kept for the session; the
+/// speed and delay of a plain door until one is set.
 std::array<std::uint8_t, 2>& LastDoorArguments();
+inline constexpr std::array<std::uint8_t, 2> DefaultDoorArguments{16, 150};
 
 } // namespace kelvar::game

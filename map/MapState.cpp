@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "map/MapState.h"
 
+#include "map/Selection.h"
+
 #include <algorithm>
 
 namespace kelvar::map
@@ -18,6 +20,7 @@ void ResetMap()
     // The selection gives its count back first, so the counters start from zero.
     ObjectListClear(Map().Select.Selection);
     Map() = MapState{};
+    BoxThingFilter() = nullptr;
 }
 
 const char* KindName(int kind)

@@ -5,6 +5,7 @@
 #include "app/CommandState.h"
 #include "app/Menus.h"
 #include "app/Modes.h"
+#include "app/ObjectEditors.h"
 #include "app/PaneTexts.h"
 #include "app/Router.h"
 #include "app/SaveDispatcher.h"
@@ -27,7 +28,9 @@
 #include <QCursor>
 #include <QFileInfo>
 #include <QFontDatabase>
+#include <QKeyEvent>
 #include <QMenuBar>
+#include <QMouseEvent>
 #include <QScreen>
 #include <QStandardPaths>
 #include <QStatusBar>
@@ -97,6 +100,7 @@ MainWindow::MainWindow()
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     MapView = new MapWidget(central);
+    MapView->installEventFilter(this);
     layout->addWidget(MapView, 1);
 
     InfoPane = new QWidget(central);
@@ -112,6 +116,8 @@ MainWindow::MainWindow()
     InfoTextures->setAlignment(Qt::AlignTop | Qt::AlignLeft);
     paneLayout->addWidget(InfoLines, 1);
     paneLayout->addWidget(InfoTextures, 1);
+    InfoLines->installEventFilter(this);
+    InfoTextures->installEventFilter(this);
     layout->addWidget(InfoPane, 0);
     setCentralWidget(central);
 
@@ -457,6 +463,77 @@ std::vector<QString> MainWindow::StatusTexts() const
         texts.push_back(field->text());
     }
     return texts;
+}
+
+int MainWindow::PaneLineAt(const QLabel* label, QPoint at)
+{
+    const int top = label->contentsRect().top();
+    const int spacing = std::max(1, label->fontMetrics().lineSpacing());
+    return at.y() < top ? -1 : (at.y() - top) / spacing;
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == MapView && event->type() == QEvent::KeyPress)
+    {
+        return PaneKey(static_cast<QKeyEvent*>(event)) || QMainWindow::eventFilter(watched, event);
+    }
+    if ((watched != InfoLines && watched != InfoTextures) ||
+        event->type() != QEvent::MouseButtonPress)
+    {
+        return QMainWindow::eventFilter(watched, event);
+    }
+    const auto* mouse = static_cast<QMouseEvent*>(event);
+    if (mouse->button() != Qt::LeftButton || Acting)
+    {
+        return false;
+    }
+    const int line = PaneLineAt(static_cast<QLabel*>(watched), mouse->position().toPoint());
+    const bool lines = watched == InfoLines;
+    if (PaneClick(EditMode(), lines ? line : -1, lines ? -1 : line))
+    {
+        ActOnRequests();
+    }
+    return true;
+}
+
+bool MainWindow::PaneKey(QKeyEvent* key)
+{
+    const int mode = EditMode();
+    if (!InfoPane->isVisible() || (mode != ModeSectors && mode != ModeLineDefs) ||
+        (key->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0 ||
+        key->text().size() != 1 || !key->text().front().isPrint())
+    {
+        return false;
+    }
+    const QPoint global = QCursor::pos();
+    if (!InfoPane->rect().contains(InfoPane->mapFromGlobal(global)))
+    {
+        return false;
+    }
+    PanePlace place;
+    if (mode == ModeSectors)
+    {
+        // Left of the pane's middle is the ceiling, right of it the floor.
+        place.Floor = InfoPane->mapFromGlobal(global).x() >= InfoPane->width() / 2;
+    }
+    else
+    {
+        const QPoint at = InfoTextures->mapFromGlobal(global);
+        const std::optional<PanePlace> box = InfoTextures->rect().contains(at)
+                                                 ? PanePlaceOfBox(PaneLineAt(InfoTextures, at))
+                                                 : std::nullopt;
+        if (!box)
+        {
+            return false;
+        }
+        place = *box;
+    }
+    if (PaneTextureKey(mode, place, key->text().front().toLatin1()) > 0)
+    {
+        ActOnRequests();
+    }
+    return true;
 }
 
 QString MainWindow::InfoPaneText() const

@@ -50,6 +50,9 @@ public:
 
 protected:
     bool event(QEvent* event) override;
+    /// The info pane's hot areas: clicks on its lines and texture boxes, and keys typed with the
+    /// pointer over it.
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -64,6 +67,9 @@ private:
     void NoteWindowRect();
     void ShowMiscPopup(QPoint position);
     void TakeKeyboardBack();
+    /// The line of a pane label under a point of it.
+    static int PaneLineAt(const QLabel* label, QPoint at);
+    bool PaneKey(QKeyEvent* key);
 
     MapWidget* MapView = nullptr;
     ErrorListWindow* ErrorList = nullptr; // the checker's findings; made on first use

@@ -10,11 +10,13 @@
 #include "map/Undo.h"
 #include "tests/app/ui/MainWindowFixture.h"
 #include "tests/app/ui/WhenUp.h"
+#include "wad/WadState.h"
 
 #include <QCheckBox>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSpinBox>
+#include <cstring>
 
 namespace kelvar::app
 {
@@ -236,6 +238,42 @@ TEST_F(EditorWindowsTest, TheRightClickOpensTheThingEditorOnTheThingUnderThePoin
     expected[static_cast<std::size_t>(thing)].Flags =
         static_cast<std::uint16_t>(expected[static_cast<std::size_t>(thing)].Flags | 8);
     EXPECT_EQ(Records(map::Map().Level.Things), expected);
+}
+
+TEST_F(EditorWindowsTest, AClickOnTheSectorPanesCeilingTextureBrowsesTheFlats)
+{
+    QTest::keyClick(Map(), Qt::Key_S);
+    Settle();
+    Mark({2, 3});
+    map::Selected().HighlightedObject = 2;
+    Shell().Requests.RefreshInfoPanes = true;
+    Window->ActOnRequests();
+    auto* lines = Window->findChild<QLabel*>("InfoLines");
+    ASSERT_NE(lines, nullptr);
+    ASSERT_TRUE(lines->text().contains("Ceiling Texture"));
+    const int spacing = lines->fontMetrics().lineSpacing();
+    // Line 6 is "Ceiling Texture", line 7 its name.
+    const QPoint at(10, lines->contentsRect().top() + 7 * spacing + spacing / 2);
+    Ui.AnswerBrowse("CEIL1_1");
+    QTest::mouseClick(lines, Qt::LeftButton, Qt::NoModifier, at);
+    ASSERT_EQ(Ui.BrowseRequests.size(), 1U);
+    EXPECT_EQ(Ui.BrowseRequests[0].Caption, "Flats");
+    const map::LevelData& level = map::Map().Level;
+    EXPECT_EQ(level.Sectors[2].CeilingTexture.Text(), "CEIL1_1");
+    EXPECT_EQ(level.Sectors[3].CeilingTexture.Text(), "CEIL1_1");
+    EXPECT_TRUE(lines->text().contains("CEIL1_1"));
+}
+
+TEST_F(EditorWindowsTest, TheLevelChoiceOffersTheLevelsBrowser)
+{
+    Ui.AnswerList(static_cast<int>(wad::Wad().Levels.size())).AnswerBrowse("MAP03");
+    QTest::keyClick(Map(), Qt::Key_F2, Qt::ShiftModifier);
+    ASSERT_FALSE(Ui.ListItems.empty());
+    EXPECT_EQ(Ui.ListItems.back().back(), BrowseLevelsEntry);
+    ASSERT_EQ(Ui.BrowseRequests.size(), 1U);
+    EXPECT_EQ(Ui.BrowseRequests[0].Caption, "Levels");
+    EXPECT_EQ(std::string(Shell().Project.LevelName, strnlen(Shell().Project.LevelName, 8)),
+              "MAP03");
 }
 
 TEST_F(EditorWindowsTest, TheThingMaskHidesThingsFromTheBoxSelection)
