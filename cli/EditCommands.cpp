@@ -9,6 +9,7 @@
 #include "app/ShellState.h"
 #include "cli/Commands.h"
 #include "cli/SaveCommands.h"
+#include "game/ObjectEdit.h"
 #include "map/MapState.h"
 #include "map/ObjectStore.h"
 #include "map/Selection.h"
@@ -283,7 +284,7 @@ struct Field
     const char* Name;
     long Lowest;
     long Highest;
-    std::function<void(map::LevelData&, int object, long value)> Write;
+    std::function<int(game::ObjectEditor&, long value)> Write; // the objects written
 };
 
 template <typename Number> constexpr long Low()
@@ -295,34 +296,37 @@ template <typename Number> constexpr long High()
     return static_cast<long>(std::numeric_limits<Number>::max());
 }
 
+// The fields `set` writes, through the editors' rule: an object is written only where its
+// value differs.
 const std::vector<Field>& Fields()
 {
-    using map::LevelData;
+    using game::ObjectEditor;
+    using game::SectorField;
+    using game::ThingField;
+    const auto thing = [](ThingField f)
+    { return [f](ObjectEditor& e, long v) { return e.SetThingField(f, int(v)); }; };
+    const auto sector = [](SectorField f)
+    { return [f](ObjectEditor& e, long v) { return e.SetSectorField(f, int(v)); }; };
     static const std::vector<Field> fields = {
-        {map::ModeThings, "type", 0, High<std::uint16_t>(),
-         [](LevelData& l, int o, long v) { l.Things[std::size_t(o)].Type = std::uint16_t(v); }},
-        {map::ModeThings, "angle", 0, 359,
-         [](LevelData& l, int o, long v) { l.Things[std::size_t(o)].Angle = std::uint16_t(v); }},
+        {map::ModeThings, "type", 0, High<std::uint16_t>(), thing(ThingField::Type)},
+        {map::ModeThings, "angle", 0, 359, thing(ThingField::Angle)},
+        {map::ModeThings, "x", Low<std::int16_t>(), High<std::int16_t>(), thing(ThingField::X)},
+        {map::ModeThings, "y", Low<std::int16_t>(), High<std::int16_t>(), thing(ThingField::Y)},
         {map::ModeThings, "flags", 0, High<std::uint16_t>(),
-         [](LevelData& l, int o, long v) { l.Things[std::size_t(o)].Flags = std::uint16_t(v); }},
+         [](ObjectEditor& e, long v) { return e.SetThingFlags(std::uint16_t(v)); }},
         {map::ModeLineDefs, "type", 0, High<std::uint16_t>(),
-         [](LevelData& l, int o, long v) { l.LineDefs[std::size_t(o)].Type = std::uint32_t(v); }},
+         [](ObjectEditor& e, long v) { return e.SetLineType(std::uint32_t(v)); }},
         {map::ModeLineDefs, "tag", 0, High<std::uint16_t>(),
-         [](LevelData& l, int o, long v) { l.LineDefs[std::size_t(o)].Tag = std::uint16_t(v); }},
+         [](ObjectEditor& e, long v) { return e.SetLineTag(std::uint16_t(v)); }},
         {map::ModeLineDefs, "flags", 0, High<std::uint16_t>(),
-         [](LevelData& l, int o, long v) { l.LineDefs[std::size_t(o)].Flags = std::uint16_t(v); }},
+         [](ObjectEditor& e, long v) { return e.SetLineFlags(std::uint16_t(v)); }},
         {map::ModeSectors, "floor", Low<std::int16_t>(), High<std::int16_t>(),
-         [](LevelData& l, int o, long v)
-         { l.Sectors[std::size_t(o)].FloorHeight = std::int16_t(v); }},
+         sector(SectorField::Floor)},
         {map::ModeSectors, "ceiling", Low<std::int16_t>(), High<std::int16_t>(),
-         [](LevelData& l, int o, long v)
-         { l.Sectors[std::size_t(o)].CeilingHeight = std::int16_t(v); }},
-        {map::ModeSectors, "light", 0, 255,
-         [](LevelData& l, int o, long v) { l.Sectors[std::size_t(o)].Light = std::int16_t(v); }},
-        {map::ModeSectors, "type", 0, High<std::uint16_t>(),
-         [](LevelData& l, int o, long v) { l.Sectors[std::size_t(o)].Type = std::uint16_t(v); }},
-        {map::ModeSectors, "tag", 0, High<std::uint16_t>(),
-         [](LevelData& l, int o, long v) { l.Sectors[std::size_t(o)].Tag = std::uint16_t(v); }},
+         sector(SectorField::Ceiling)},
+        {map::ModeSectors, "light", 0, 255, sector(SectorField::Light)},
+        {map::ModeSectors, "type", 0, High<std::uint16_t>(), sector(SectorField::Type)},
+        {map::ModeSectors, "tag", 0, High<std::uint16_t>(), sector(SectorField::Tag)},
     };
     return fields;
 }
@@ -341,7 +345,7 @@ int KindOfMode(int mode)
 }
 
 // set FIELD VALUE: one field written to every selected object of the mode (the highlighted one
-// when nothing is selected), as one undo step.
+// when nothing is selected) as the editors write it, as one undo step when anything changed.
 int RunSet(const std::string& command, const std::vector<std::string>& words)
 {
     const std::optional<int> value = words.size() == 3 ? Number(words[2]) : std::nullopt;
@@ -363,22 +367,14 @@ int RunSet(const std::string& command, const std::vector<std::string>& words)
     {
         return Refuse(command, "value out of range");
     }
-    std::vector<std::int32_t> objects = map::Selected().Selection.Objects();
-    if (objects.empty())
-    {
-        objects.push_back(map::Selected().HighlightedObject);
-    }
     map::LevelData& level = map::Map().Level;
-    if (!map::IsValidObject(level, mode, objects.front()))
+    game::ObjectEditor editor(level, KindOfMode(mode), map::SelectionOrHighlight(level, mode),
+                              [] { (void)map::SaveUndoStep(); });
+    if (editor.Empty())
     {
         return Refuse(command, "nothing selected");
     }
-    (void)map::SaveUndoStep();
-    for (const std::int32_t object : objects)
-    {
-        field->Write(level, object, *value);
-    }
-    map::NoteChange(level, KindOfMode(mode));
+    (void)field->Write(editor, *value);
     return ExitOk;
 }
 
