@@ -32,6 +32,7 @@ bool RunPreSaveChecks()
     {
         return false;
     }
+    (void)check::ArgumentRangeCheck(level);
     check::PlayerOneCheck(level);
     // Yes to the start count's question runs the checker's player start and exit check.
     const check::CheckSettings settings = CheckerSettings();
@@ -48,7 +49,12 @@ bool RunPreSaveChecks()
 bool RunSaveAsChecks()
 {
     map::LevelData& level = map::Map().Level;
-    return check::ShortLineCheck(level) && check::PortLimitCaution(level, OptionsOfChk());
+    if (!check::ShortLineCheck(level) || !check::PortLimitCaution(level, OptionsOfChk()))
+    {
+        return false;
+    }
+    (void)check::ArgumentRangeCheck(level);
+    return true;
 }
 
 } // namespace kelvar::app

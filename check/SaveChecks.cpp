@@ -11,6 +11,7 @@
 #include "platform/Ui.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace kelvar::check
 {
@@ -124,6 +125,35 @@ bool ShortLineCheck(const map::LevelData& level)
                                            "Run Error checker\nand Fix or Nodes will blow "
                                            "up!\n\nQuit Save Now (yes recommended)?",
                                            line);
+}
+
+int ArgumentRangeCheck(map::LevelData& level)
+{
+    if (level.LevelLayout != map::LayoutHexen)
+    {
+        return 0;
+    }
+    int changed = 0;
+    for (std::size_t i = 0; i < level.LineDefs.size(); ++i)
+    {
+        if (std::as_const(level).LineDefs[i].Tag <= 0xFF)
+        {
+            continue;
+        }
+        // One message for the level: the rest are set to 0 the same way.
+        if (changed == 0)
+        {
+            platform::ShowInfo("One or more argument values of LineDef %hu exceeds 255\n\nSet to 0",
+                               static_cast<unsigned short>(i));
+        }
+        level.LineDefs[i].Tag = 0;
+        ++changed;
+    }
+    if (changed > 0)
+    {
+        map::NoteChange(level, map::KindThing);
+    }
+    return changed;
 }
 
 bool CheckShortLines(map::LevelData& level)

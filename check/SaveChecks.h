@@ -49,6 +49,12 @@ bool IsZeroLength(const map::LevelData& level, const map::LineDef& line);
 /// "Short LineDef check Cancelled!". Returns false to stop the save (Yes, or Escape).
 [[nodiscard]] bool ShortLineCheck(const map::LevelData& level);
 
+/// In a level of the Hexen layout, a LineDef whose first argument (the tag's field) is above
+/// 255 can't be written: the first such LineDef shows "One or more argument values of LineDef
+/// %hu exceeds 255\n\nSet to 0", and every such argument is set to 0, counted as one edit.
+/// Returns the LineDefs changed.
+int ArgumentRangeCheck(map::LevelData& level);
+
 /// The checker's repair of zero-length LineDefs: under the same progress it finds them all,
 /// then deletes them with what hangs on them, and reports "%d -0- length lines deleted" when
 /// there were any. Escape shows "Short LineDef check Cancelled!" before anything is deleted,

@@ -91,6 +91,30 @@ TEST_F(SaveChecks, ShortLineCheckAsksAboutTheFirstZeroLengthLineOnly)
     EXPECT_TRUE(Ui.Messages.empty());
 }
 
+TEST_F(SaveChecks, AHexenFirstArgumentAbove255IsSetTo0WithOneMessage)
+{
+    map::LevelData level = LevelBuilder().Room(0, 0, 128, 128).Build();
+    level.LevelLayout = map::LayoutHexen;
+    level.LineDefs[0].Tag = 12;
+    level.LineDefs[1].Tag = 300;
+    level.LineDefs[3].Tag = 0xFF00;
+    const std::uint16_t changes = level.ChangeCount;
+    EXPECT_EQ(ArgumentRangeCheck(level), 2);
+    EXPECT_EQ(Texts(), std::vector<std::string>{
+                           "One or more argument values of LineDef 1 exceeds 255\n\nSet to 0"});
+    EXPECT_EQ(level.LineDefs[0].Tag, 12);
+    EXPECT_EQ(level.LineDefs[1].Tag, 0);
+    EXPECT_EQ(level.LineDefs[3].Tag, 0);
+    EXPECT_EQ(static_cast<std::uint16_t>(level.ChangeCount - changes), 1);
+
+    Ui.Clear();
+    map::LevelData doom = LevelBuilder().Room(0, 0, 128, 128).Build();
+    doom.LineDefs[1].Tag = 300;
+    EXPECT_EQ(ArgumentRangeCheck(doom), 0) << "a Doom tag is a full number";
+    EXPECT_EQ(doom.LineDefs[1].Tag, 300);
+    EXPECT_TRUE(Ui.Messages.empty());
+}
+
 TEST_F(SaveChecks, CheckShortLinesDeletesEveryZeroLengthLine)
 {
     map::LevelData level = ZeroLengthLevel();

@@ -15,6 +15,7 @@
 #include <QCheckBox>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QSpinBox>
 #include <cstring>
 
@@ -274,6 +275,31 @@ TEST_F(EditorWindowsTest, TheLevelChoiceOffersTheLevelsBrowser)
     EXPECT_EQ(Ui.BrowseRequests[0].Caption, "Levels");
     EXPECT_EQ(std::string(Shell().Project.LevelName, strnlen(Shell().Project.LevelName, 8)),
               "MAP03");
+}
+
+TEST(GeneralizedDialog, ComposesTheTypeItOpensOnAcrossTheRange)
+{
+    // Every 7th number reaches each field value of every category at least once.
+    for (int type = 12160; type <= 32767; type += 7)
+    {
+        const GeneralizedDialog dialog(static_cast<std::uint16_t>(type), nullptr);
+        ASSERT_EQ(dialog.Type(), type);
+        const game::GeneralizedCategoryRow& row =
+            game::CategoryRow(*game::CategoryOfType(static_cast<std::uint16_t>(type)));
+        ASSERT_EQ(dialog.objectName(), row.Dialog);
+        ASSERT_EQ(dialog.windowTitle(), row.Title);
+    }
+}
+
+TEST(GeneralizedDialog, SwitchingFloorsToCeilingsKeepsTheFields)
+{
+    const std::uint16_t floor = 24576 + 0x1C7; // fields above the trigger and speed
+    GeneralizedDialog dialog(floor, nullptr);
+    auto* ceiling = dialog.findChildren<QRadioButton*>().at(1);
+    ASSERT_EQ(ceiling->text(), "Ceiling");
+    ceiling->click();
+    EXPECT_EQ(dialog.windowTitle(), "BOOM Ceilings");
+    EXPECT_EQ(dialog.Type(), 16384 + 0x1C7);
 }
 
 TEST_F(EditorWindowsTest, TheThingMaskHidesThingsFromTheBoxSelection)
