@@ -12,10 +12,13 @@
 #include "view/Renderer.h"
 #include "view/SpriteFrames.h"
 #include "view/Viewport.h"
+#include "wad/LevelReader.h"
 #include "wad/MarkerRanges.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <filesystem>
 #include <sstream>
 
 namespace kelvar::view
@@ -118,6 +121,51 @@ TEST_F(SpriteDisplay, ThingsInThingModeAreTheirSpritesFittedIntoTheirBoxes)
     state.Options.SpriteDisplay = false;
     DrawMap(symbols, picture, state, DrawFull);
     EXPECT_TRUE(symbols.OpsNamed("DrawPicture").empty());
+}
+
+// MAP01 in Thing mode with every Thing as its sprite, drawn through the raster canvas, against
+// a picture of it kept with the tests. KELVAR_UPDATE_GOLDEN=1 writes the picture afresh. A few
+// pixels may differ (the rounding of fitted sprites); a change of what is drawn moves many.
+TEST_F(SpriteDisplay, Map01WithSpritesMatchesItsGoldenPicture)
+{
+    map::LevelData level;
+    ASSERT_TRUE(wad::ReadLevel(level, "MAP01", false));
+    ViewState state;
+    state.Options.SpriteDisplay = true;
+    SetWindowSize(state.Viewport, 800, 600);
+    BestFit(state.Viewport, level);
+    platform::RasterCanvas canvas(800, 600, ColorTable());
+    MapPicture picture;
+    picture.Level = &level;
+    picture.EditMode = ModeThings;
+    DrawMap(canvas, picture, state, DrawFull);
+
+    const std::filesystem::path golden = KELVAR_SOURCE_DIR "/tests/golden/map01_sprites.png";
+    if (std::getenv("KELVAR_UPDATE_GOLDEN") != nullptr)
+    {
+        ASSERT_TRUE(platform::WritePng(golden, 800, 600, canvas.Data()));
+    }
+    int width = 0;
+    int height = 0;
+    const std::vector<std::uint32_t> expected = platform::ReadPng(golden, width, height);
+    ASSERT_EQ(width, 800);
+    ASSERT_EQ(height, 600);
+    const std::span<const std::uint32_t> drawn = canvas.Data();
+    int differing = 0;
+    for (std::size_t i = 0; i < expected.size(); ++i)
+    {
+        for (int shift = 0; shift < 24; shift += 8)
+        {
+            const int a = static_cast<int>((drawn[i] >> shift) & 0xFF);
+            const int b = static_cast<int>((expected[i] >> shift) & 0xFF);
+            if (std::abs(a - b) > 8)
+            {
+                ++differing;
+                break;
+            }
+        }
+    }
+    EXPECT_LT(differing, 800 * 600 / 500) << "pixels that differ from the golden picture";
 }
 
 TEST(CanvasPicture, ARasterCanvasStretchesToTheNearestPixelAndLeavesTheHolesAlone)
