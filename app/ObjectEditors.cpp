@@ -60,21 +60,6 @@ game::ObjectEditor EditorOn(int kind, std::vector<std::int32_t> objects)
                               [] { EditorStepTaken() = map::SaveUndoStep() == 1; });
 }
 
-int KindOfMode(int mode)
-{
-    switch (mode)
-    {
-    case map::ModeThings:
-        return map::KindThing;
-    case map::ModeLineDefs:
-        return map::KindLineDef;
-    case map::ModeSectors:
-        return map::KindSector;
-    default:
-        return 0;
-    }
-}
-
 // The entries of a type menu that can be picked, with the texts ChooseEntry shows.
 struct MenuChoice
 {
@@ -247,7 +232,7 @@ void ApplyThingMask()
 
 bool EditObjects(int mode, std::vector<std::int32_t> objects)
 {
-    const int kind = KindOfMode(mode);
+    const int kind = map::KindOfMode(mode);
     if (kind == 0 || !Session().LevelLoaded)
     {
         return false;
@@ -693,7 +678,7 @@ int PaneTextureKey(int mode, const PanePlace& place, char key)
         return 0;
     }
     game::ObjectEditor editor =
-        EditorOn(KindOfMode(mode), map::SelectionOrHighlight(map::Map().Level, mode));
+        EditorOn(map::KindOfMode(mode), map::SelectionOrHighlight(map::Map().Level, mode));
     if (editor.Empty())
     {
         return 0;
@@ -750,7 +735,7 @@ bool PaneClick(int mode, int line, int box)
         return false;
     }
     game::ObjectEditor editor =
-        EditorOn(KindOfMode(mode), map::SelectionOrHighlight(map::Map().Level, mode));
+        EditorOn(map::KindOfMode(mode), map::SelectionOrHighlight(map::Map().Level, mode));
     if (editor.Empty())
     {
         return false;

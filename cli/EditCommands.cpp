@@ -331,19 +331,6 @@ const std::vector<Field>& Fields()
     return fields;
 }
 
-int KindOfMode(int mode)
-{
-    switch (mode)
-    {
-    case map::ModeThings:
-        return map::KindThing;
-    case map::ModeLineDefs:
-        return map::KindLineDef;
-    default:
-        return map::KindSector;
-    }
-}
-
 // set FIELD VALUE: one field written to every selected object of the mode (the highlighted one
 // when nothing is selected) as the editors write it, as one undo step when anything changed.
 int RunSet(const std::string& command, const std::vector<std::string>& words)
@@ -368,7 +355,7 @@ int RunSet(const std::string& command, const std::vector<std::string>& words)
         return Refuse(command, "value out of range");
     }
     map::LevelData& level = map::Map().Level;
-    game::ObjectEditor editor(level, KindOfMode(mode), map::SelectionOrHighlight(level, mode),
+    game::ObjectEditor editor(level, map::KindOfMode(mode), map::SelectionOrHighlight(level, mode),
                               [] { (void)map::SaveUndoStep(); });
     if (editor.Empty())
     {

@@ -148,6 +148,23 @@ void ToggleHighlighted(bool additive)
     ObjectListPush(state.Selection, object);
 }
 
+int KindOfMode(int mode)
+{
+    switch (mode)
+    {
+    case ModeThings:
+        return KindThing;
+    case ModeLineDefs:
+        return KindLineDef;
+    case ModeVertexes:
+        return KindVertex;
+    case ModeSectors:
+        return KindSector;
+    default:
+        return 0;
+    }
+}
+
 std::function<bool(const Thing&)>& BoxThingFilter()
 {
     static std::function<bool(const Thing&)> filter;

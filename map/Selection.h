@@ -77,6 +77,10 @@ bool CountOrComplain(int kind, bool exactly, int wanted, int& outCount, const Ob
 /// the error signal sounds.
 void ToggleHighlighted(bool additive);
 
+/// The kind of object an edit mode edits (KindThing, KindLineDef, KindVertex, KindSector); 0
+/// for a number that is no mode.
+int KindOfMode(int mode);
+
 /// The Things a box may select: a Thing the map's Thing filter hides can't be. Empty lets
 /// every Thing through. It lasts for the session: the filter's owner sets it when it changes.
 std::function<bool(const Thing&)>& BoxThingFilter();

@@ -239,6 +239,35 @@ TEST_F(EditorWindowsTest, TheRightClickOpensTheThingEditorOnTheThingUnderThePoin
     expected[static_cast<std::size_t>(thing)].Flags =
         static_cast<std::uint16_t>(expected[static_cast<std::size_t>(thing)].Flags | 8);
     EXPECT_EQ(Records(map::Map().Level.Things), expected);
+
+    QTest::keyClick(Map(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Records(map::Map().Level.Things), before);
+}
+
+TEST_F(EditorWindowsTest, TheSectorEditorAddsToEveryHeightAndOneUndoTakesItBack)
+{
+    QTest::keyClick(Map(), Qt::Key_S);
+    Mark({4, 5, 6});
+    const std::vector<map::Sector> before = Records(map::Map().Level.Sectors);
+    Ui.AnswerNumber(-16);
+    WhenModal(
+        [](QWidget* widget)
+        {
+            QPushButton* floor = Button(widget, "Floor Height  ++");
+            ASSERT_NE(floor, nullptr);
+            floor->click();
+            dynamic_cast<QDialog*>(widget)->accept();
+        });
+    QTest::keyClick(Map(), Qt::Key_Return, Qt::ShiftModifier);
+    std::vector<map::Sector> expected = before;
+    for (const std::size_t sector : {4U, 5U, 6U})
+    {
+        expected[sector].FloorHeight = static_cast<std::int16_t>(expected[sector].FloorHeight - 16);
+    }
+    EXPECT_EQ(Records(map::Map().Level.Sectors), expected)
+        << "each Sector lowered from its own height";
+    QTest::keyClick(Map(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Records(map::Map().Level.Sectors), before);
 }
 
 TEST_F(EditorWindowsTest, AClickOnTheSectorPanesCeilingTextureBrowsesTheFlats)
