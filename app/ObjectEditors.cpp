@@ -364,8 +364,23 @@ bool AskLineType(game::ObjectEditor& editor)
     }
     const int high = HexenFormat() ? 255 : 65535;
     const int current = std::min(static_cast<int>(editor.HeadLine().Type), high);
-    const std::optional<int> type =
-        platform::TheUi().AskNumber("LineDef Type", "LineDef Type", current, 0, high);
+    std::optional<int> type;
+    if (HexTypeNumbers())
+    {
+        // With the numbers shown in hexadecimal, the type is typed in hexadecimal too.
+        const std::optional<std::string> text =
+            platform::TheUi().AskText("LineDef Type", "LineDef Type (hexadecimal)",
+                                      platform::Format("%04X", static_cast<unsigned>(current)));
+        type = text ? ParseNumber(*text, 16) : std::nullopt;
+        if (text && !type)
+        {
+            platform::TheUi().Beep();
+        }
+    }
+    else
+    {
+        type = platform::TheUi().AskNumber("LineDef Type", "LineDef Type", current, 0, high);
+    }
     if (!type || *type < 0 || *type > high)
     {
         return false;

@@ -143,9 +143,10 @@ std::optional<int> RecordingUi::AskNumber(const std::string& caption, const std:
 }
 
 std::optional<std::string> RecordingUi::AskText(const std::string& caption,
-                                                const std::string& /*prompt*/,
-                                                const std::string& /*initial*/)
+                                                const std::string& prompt,
+                                                const std::string& initial)
 {
+    TextPrompts.push_back({caption, prompt, initial});
     return TakeOrFail(Texts, "text prompt", caption);
 }
 
@@ -217,6 +218,7 @@ void RecordingUi::Clear()
     ListItems.clear();
     BrowseRequests.clear();
     NumberPrompts.clear();
+    TextPrompts.clear();
     StatusTexts.clear();
     Progress.clear();
 }

@@ -90,6 +90,14 @@ public:
     std::vector<std::vector<bool>> EntriesEnabled;   // of each menu of choices, which were enabled
     std::vector<BrowseRequest> BrowseRequests;
     std::vector<NumberPrompt> NumberPrompts;
+    /// A text prompt as it was asked: caption, prompt and the text offered.
+    struct TextPrompt
+    {
+        std::string Caption;
+        std::string Prompt;
+        std::string Initial;
+    };
+    std::vector<TextPrompt> TextPrompts;
     std::vector<std::string> StatusTexts;
     std::vector<std::pair<std::string, std::string>> Progress;
     int EscapePolls = 0;

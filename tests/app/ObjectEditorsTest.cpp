@@ -209,6 +209,33 @@ TEST_F(ObjectEditorsTest, TheTypeMenuSetsTheTypeOfEveryLineDef)
     EXPECT_EQ(Ui.ListCaptions.size(), 5u) << "no sub-menu";
 }
 
+TEST_F(ObjectEditorsTest, TheTypeNumberIsTypedInTheBaseTheNumbersAreShownIn)
+{
+    Edit(TwoRooms(), ModeLineDefs);
+    game::ObjectEditor editor = EditorOnMap(map::KindLineDef, {0, 1});
+
+    Shell().Chk.DecimalTypes = 1;
+    EXPECT_EQ(LineTypeButtonText(26), "  &2.   26");
+    Ui.AnswerNumber(26);
+    EXPECT_TRUE(AskLineType(editor));
+    EXPECT_EQ(map::Map().Level.LineDefs[1].Type, 26u);
+
+    Shell().Chk.DecimalTypes = 0;
+    EXPECT_EQ(LineTypeButtonText(26), "  &2.   001A");
+    Ui.AnswerText("3c01"); // a generalized floor
+    EXPECT_TRUE(AskLineType(editor));
+    EXPECT_EQ(map::Map().Level.LineDefs[0].Type, 0x3C01u);
+    ASSERT_EQ(Ui.TextPrompts.size(), 1u);
+    EXPECT_EQ(Ui.TextPrompts[0].Caption, "LineDef Type");
+    EXPECT_EQ(Ui.TextPrompts[0].Initial, "001A");
+
+    const map::LevelData typed = map::Map().Level;
+    Ui.AnswerText("26g");
+    EXPECT_FALSE(AskLineType(editor));
+    EXPECT_EQ(map::Map().Level, typed) << "a text that is no hexadecimal number changes nothing";
+    EXPECT_EQ(Ui.Beeps, 1);
+}
+
 TEST_F(ObjectEditorsTest, HexenTypesBringTheirArgumentsAndDoorsTheLastOnesUsed)
 {
     map::LevelData level = TwoRooms();
@@ -252,6 +279,10 @@ TEST_F(ObjectEditorsTest, RawFlagsAreHexadecimalAndWrittenWhereTheyDiffer)
     Ui.AnswerText("zz").AnswerText(std::nullopt).AnswerText("0201");
     EXPECT_FALSE(EditRawFlags(editor));
     EXPECT_EQ(Ui.Beeps, 1) << "not a hexadecimal number";
+    ASSERT_EQ(Ui.TextPrompts.size(), 1u);
+    EXPECT_EQ(Ui.TextPrompts[0].Caption, "Edit Raw Flags");
+    EXPECT_EQ(Ui.TextPrompts[0].Prompt, "Old Flags (0001)") << "the head's word";
+    EXPECT_EQ(Ui.TextPrompts[0].Initial, "0001");
     EXPECT_FALSE(EditRawFlags(editor));
     EXPECT_EQ(editor.Changes(), 0);
     EXPECT_EQ(map::Map().Undo.Position, -1);
