@@ -60,6 +60,7 @@ QButtonGroup* RadioGroup(QWidget* parent, QLayout* into, const QString& title,
     {
         button->setChecked(true);
     }
+    layout->addStretch();
     into->addWidget(box);
     return group;
 }
@@ -260,6 +261,9 @@ GeneralizedDialog::GeneralizedDialog(std::uint16_t type, QWidget* parent) : QDia
     Fields = new QWidget(this);
     new QHBoxLayout(Fields);
     layout->addWidget(Fields);
+    Result = new QLabel(this);
+    Result->setObjectName("GeneralizedResult");
+    layout->addWidget(Result);
     layout->addWidget(OkCancel(this));
     Build(Category, game::DecodeFieldValues(type));
 }
@@ -287,7 +291,18 @@ void GeneralizedDialog::Build(game::GeneralizedCategory category, const std::vec
         }
         Groups.push_back(
             RadioGroup(Fields, layout, fields[i].Label, texts, i < values.size() ? values[i] : 0));
+        connect(Groups.back(), &QButtonGroup::idClicked, this, [this] { ShowResult(); });
     }
+    ShowResult();
+}
+
+void GeneralizedDialog::ShowResult()
+{
+    const std::uint16_t type = Type();
+    Result->setText(QString("%1 (%2)  %3")
+                        .arg(type)
+                        .arg(QString::number(type, 16).toUpper().rightJustified(4, '0'))
+                        .arg(QString::fromStdString(game::GeneralizedLineName(type))));
 }
 
 std::uint16_t GeneralizedDialog::Type() const

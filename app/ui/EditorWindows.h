@@ -214,9 +214,12 @@ public:
 
 private:
     void Build(game::GeneralizedCategory category, const std::vector<int>& values);
+    /// The number and name the groups make, under them.
+    void ShowResult();
 
     game::GeneralizedCategory Category;
     QWidget* Fields = nullptr;
+    QLabel* Result = nullptr;
     std::vector<QButtonGroup*> Groups;
 };
 

@@ -328,7 +328,10 @@ TEST(GeneralizedDialog, SwitchingFloorsToCeilingsKeepsTheFields)
     ASSERT_EQ(ceiling->text(), "Ceiling");
     ceiling->click();
     EXPECT_EQ(dialog.windowTitle(), "BOOM Ceilings");
+    dialog.grab().save(KELVAR_SCREENSHOT_DIR "/generalized-dialog.png");
     EXPECT_EQ(dialog.Type(), 16384 + 0x1C7);
+    EXPECT_EQ(dialog.findChild<QLabel*>("GeneralizedResult")->text().toStdString(),
+              "16839 (41C7)  " + game::GeneralizedLineName(16384 + 0x1C7));
 }
 
 TEST_F(EditorWindowsTest, TheThingMaskHidesThingsFromTheBoxSelection)
