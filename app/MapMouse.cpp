@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 namespace kelvar::app
 {
@@ -229,7 +230,11 @@ view::ClickMeaning MapMouseEvent(MapMouseState& state, const view::MouseInput& e
         BeginDrag(state, event);
         return meaning;
     case view::ClickMeaning::Edit:
-        (void)RunCommand(CmdEditObject, CommandSource::Key);
+        // Vertexes have no editor: a right click on one is no mistake to beep at.
+        state.EditPending = EditMode() != map::ModeVertexes;
+        return meaning;
+    case view::ClickMeaning::PopupMenu:
+        state.EditPending = false;
         return meaning;
     case view::ClickMeaning::Mark:
         map::ToggleHighlighted(map::Map().Options.AdditiveSelect ||
@@ -244,6 +249,16 @@ view::ClickMeaning MapMouseEvent(MapMouseState& state, const view::MouseInput& e
         TrackPointer(event.X, event.Y, event.Modifiers);
     }
     return meaning;
+}
+
+bool RunPendingEdit(MapMouseState& state)
+{
+    if (!std::exchange(state.EditPending, false) || !EditingLevel())
+    {
+        return false;
+    }
+    (void)RunCommand(CmdEditObject, CommandSource::Key);
+    return true;
 }
 
 bool MapMouseKey(MapMouseState& state, int key)

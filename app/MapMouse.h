@@ -21,17 +21,24 @@ struct MapMouseState
     bool LeftDown = false;
     int PressX = 0;
     int PressY = 0;
-    tools::DragState Drag; // the right button's drag
+    tools::DragState Drag;    // the right button's drag
+    bool EditPending = false; // a right click waits to see whether a second makes it double
 };
 
 /// One mouse event of the map window. Moves track the object under the pointer (or follow it
-/// with AutoMode, unless Shift is down); a left click marks or unmarks it; a left hold and
+/// with AutoMode, unless Shift is down); a left click marks or unmarks it; a right click (Edit)
+/// leaves the editor pending until RunPendingEdit, so that a double right click opens the
+/// pop-up menu alone; a left hold and
 /// move is the rubber band, whose release selects what it holds; the wheel zooms about the
 /// pointer or steps the mode. A right hold and move drags the selection, or the object at the
 /// press when nothing is selected, until the release. Returns the gesture the event completed: the
 /// window opens the mode's pop-up menu for PopupMenu. Acts only with a level loaded and the map
 /// editable.
 view::ClickMeaning MapMouseEvent(MapMouseState& state, const view::MouseInput& event);
+
+/// Called once the double click time has passed after a right click: opens the editor of the
+/// mode (494) unless a second click made the click double. Returns true when it ran.
+bool RunPendingEdit(MapMouseState& state);
 
 /// A key while the rubber band is out: Esc drops it, Z zooms to it; while a drag runs, Esc
 /// puts everything back. Returns true when the band or the drag took the key.

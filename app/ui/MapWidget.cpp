@@ -17,6 +17,7 @@
 #include <QCursor>
 #include <QPainter>
 #include <QPen>
+#include <QTimer>
 
 namespace kelvar::app
 {
@@ -116,6 +117,18 @@ void MapWidget::Mouse(const view::MouseInput& input)
     if (meaning == view::ClickMeaning::PopupMenu)
     {
         emit PopupMenuWanted(QPoint(input.X, input.Y));
+    }
+    if (meaning == view::ClickMeaning::Edit)
+    {
+        // The editor opens once no second click has come to make the click a double one.
+        QTimer::singleShot(MouseState.Clicks.DoubleClickMs + 10, this,
+                           [this]
+                           {
+                               if (RunPendingEdit(MouseState))
+                               {
+                                   emit RequestsLeft();
+                               }
+                           });
     }
     emit RequestsLeft();
 }

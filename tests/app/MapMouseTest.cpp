@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/MapMouse.h"
 
+#include "game/ObjectEdit.h"
 #include "tests/app/CommandTestKit.h"
 
 namespace kelvar::app
@@ -67,6 +68,44 @@ TEST_F(MapMouseTest, MovesTrackTheNearestLineAndClicksMarkIt)
     EXPECT_EQ(Marked().size(), map::Map().Options.AdditiveSelect ? 2u : 1u);
     ClickAt(x, y, view::ModCtrl);
     EXPECT_EQ(Marked().size(), map::Map().Options.AdditiveSelect ? 1u : 2u) << "Ctrl adds";
+}
+
+TEST_F(MapMouseTest, ARightClickOpensTheEditorUnlessASecondMakesItDouble)
+{
+    int opened = 0;
+    Session().Hooks.ObjectEditor = [&opened](game::ObjectEditor&) { ++opened; };
+    const auto [x, y] = Pixel(128, 64);
+    (void)MapMouseEvent(State, At(view::MouseEventKind::Move, x, y));
+    (void)MapMouseEvent(State, At(view::MouseEventKind::Press, x, y, view::MouseButton::Right));
+    EXPECT_EQ(
+        MapMouseEvent(State, At(view::MouseEventKind::Release, x, y, view::MouseButton::Right)),
+        view::ClickMeaning::Edit);
+    EXPECT_EQ(opened, 0) << "not before the double click time";
+    EXPECT_TRUE(RunPendingEdit(State));
+    EXPECT_EQ(opened, 1);
+    EXPECT_FALSE(RunPendingEdit(State)) << "once";
+
+    // A second press in time: the pop-up menu, and no editor.
+    const std::int64_t first = Time + 500;
+    (void)MapMouseEvent(State,
+                        {view::MouseEventKind::Press, view::MouseButton::Right, x, y, 0, 0, first});
+    (void)MapMouseEvent(
+        State, {view::MouseEventKind::Release, view::MouseButton::Right, x, y, 0, 0, first + 50});
+    EXPECT_EQ(MapMouseEvent(State, {view::MouseEventKind::Press, view::MouseButton::Right, x, y, 0,
+                                    0, first + 120}),
+              view::ClickMeaning::PopupMenu);
+    Time = first + 200;
+    (void)MapMouseEvent(State, At(view::MouseEventKind::Release, x, y, view::MouseButton::Right));
+    EXPECT_FALSE(RunPendingEdit(State));
+    EXPECT_EQ(opened, 1);
+
+    // Vertexes have no editor, and nothing sounds.
+    Shell().Chk.EditMode = ModeVertexes;
+    (void)MapMouseEvent(State, At(view::MouseEventKind::Press, x, y, view::MouseButton::Right));
+    (void)MapMouseEvent(State, At(view::MouseEventKind::Release, x, y, view::MouseButton::Right));
+    EXPECT_FALSE(RunPendingEdit(State));
+    EXPECT_EQ(Ui.Beeps, 0);
+    Session().Hooks.ObjectEditor = nullptr;
 }
 
 TEST_F(MapMouseTest, RubberBandSelectsTheLinesWhollyInsideIt)
