@@ -22,6 +22,7 @@
 #include "wad/WadState.h"
 
 #include <algorithm>
+#include <cstring>
 #include <fstream>
 #include <utility>
 
@@ -74,6 +75,20 @@ constexpr std::pair<bool S::*, std::int16_t ChkRecord::*> WordSwitches[] = {
 };
 constexpr std::int16_t WordOn = 257;
 
+// The record is packed, so its 16-bit fields may stand at odd addresses: they are copied byte
+// by byte rather than loaded or stored as words.
+std::int16_t ReadWord(const ChkRecord& chk, std::int16_t ChkRecord::*field)
+{
+    std::int16_t value = 0;
+    std::memcpy(&value, &(chk.*field), sizeof value);
+    return value;
+}
+
+void WriteWord(ChkRecord& chk, std::int16_t ChkRecord::*field, std::int16_t value)
+{
+    std::memcpy(&(chk.*field), &value, sizeof value);
+}
+
 } // namespace
 
 check::CheckSettings CheckerSettings()
@@ -86,7 +101,7 @@ check::CheckSettings CheckerSettings()
     }
     for (const auto& [setting, field] : WordSwitches)
     {
-        settings.*setting = chk.*field != 0;
+        settings.*setting = ReadWord(chk, field) != 0;
     }
     settings.ShortestLine = std::min<int>(chk.ShortestLine, check::ShortestLineLimit);
     settings.ExpertMode = chk.ExpertMode != 0;
@@ -106,7 +121,7 @@ void StoreCheckerSettings(const check::CheckSettings& settings)
     }
     for (const auto& [setting, field] : WordSwitches)
     {
-        chk.*field = settings.*setting ? WordOn : std::int16_t{0};
+        WriteWord(chk, field, settings.*setting ? WordOn : std::int16_t{0});
     }
     chk.ShortestLine =
         static_cast<std::uint8_t>(std::clamp(settings.ShortestLine, 0, check::ShortestLineLimit));

@@ -29,7 +29,8 @@ TEST_F(CheckerSettingsTest, EveryOptionStoredReadsBack)
     }
     settings.ShortestLine = 12;
     StoreCheckerSettings(settings);
-    EXPECT_EQ(Shell().Chk.ThingShooter, 0);
+    // The record is packed: its words are read as values, not bound to references.
+    EXPECT_EQ(std::int16_t{Shell().Chk.ThingShooter}, 0);
     EXPECT_EQ(Shell().Chk.ShortestLine, check::ShortestLineLimit);
     check::CheckSettings read = CheckerSettings();
     EXPECT_EQ(read.ShortestLine, check::ShortestLineLimit);
@@ -38,7 +39,7 @@ TEST_F(CheckerSettingsTest, EveryOptionStoredReadsBack)
 
     settings.SectorClosed3 = true;
     StoreCheckerSettings(settings);
-    EXPECT_EQ(Shell().Chk.SectorClosed3, 257);
+    EXPECT_EQ(std::int16_t{Shell().Chk.SectorClosed3}, 257);
 }
 
 } // namespace
