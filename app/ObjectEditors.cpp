@@ -82,14 +82,15 @@ MenuChoice Pickable(std::vector<game::TypeMenuEntry> entries)
     return choice;
 }
 
-std::optional<game::TypeMenuEntry> PickFrom(const std::string& caption, MenuChoice choice)
+std::optional<game::TypeMenuEntry> PickFrom(const std::string& caption, MenuChoice choice,
+                                            int current = -1)
 {
     if (choice.Entries.empty())
     {
         return std::nullopt;
     }
-    const std::optional<int> picked = platform::TheUi().ChooseEntry(
-        caption, choice.Texts, std::vector<bool>(choice.Texts.size(), true));
+    const std::optional<int> picked = platform::TheUi().ChooseEntryAt(
+        caption, choice.Texts, std::vector<bool>(choice.Texts.size(), true), current);
     if (!picked || *picked < 0 || static_cast<std::size_t>(*picked) >= choice.Entries.size())
     {
         return std::nullopt;
@@ -97,17 +98,31 @@ std::optional<game::TypeMenuEntry> PickFrom(const std::string& caption, MenuChoi
     return choice.Entries[static_cast<std::size_t>(*picked)];
 }
 
-// The type menu of `kind`: a category, then a type of it. A direct entry comes back as it is.
-std::optional<game::TypeMenuEntry> PickType(int kind, const std::string& caption)
+// The type menu of `kind`: a category, then a type of it. The menu starts on the category of
+// `currentType`. A direct entry comes back as it is.
+std::optional<game::TypeMenuEntry> PickType(int kind, const std::string& caption,
+                                            std::uint32_t currentType)
 {
+    MenuChoice categories = Pickable(game::CategoryMenu(kind));
+    const std::uint32_t heading = game::HeadingOfType(kind, currentType);
+    const auto at = std::find_if(categories.Entries.begin(), categories.Entries.end(),
+                                 [heading](const game::TypeMenuEntry& entry)
+                                 { return heading != 0 && entry.Category == heading; });
+    const int current =
+        at == categories.Entries.end() ? -1 : static_cast<int>(at - categories.Entries.begin());
     const std::optional<game::TypeMenuEntry> category =
-        PickFrom(caption, Pickable(game::CategoryMenu(kind)));
+        PickFrom(caption, std::move(categories), current);
     if (!category || category->Category == 0)
     {
         return category;
     }
-    return PickFrom(category->Text,
-                    Pickable(game::TypeSubMenu(kind, category->Category, HexTypeNumbers())));
+    MenuChoice types = Pickable(game::TypeSubMenu(kind, category->Category, HexTypeNumbers()));
+    const auto type = std::find_if(types.Entries.begin(), types.Entries.end(),
+                                   [currentType](const game::TypeMenuEntry& entry)
+                                   { return entry.Type == currentType; });
+    return PickFrom(category->Text, std::move(types),
+                    type == types.Entries.end() ? -1
+                                                : static_cast<int>(type - types.Entries.begin()));
 }
 
 std::optional<int> ParseNumber(std::string_view text, int base)
@@ -203,6 +218,12 @@ std::string Upper(std::string text)
 }
 
 } // namespace
+
+std::uint16_t FlagBitsOfSectors()
+{
+    const std::optional<game::SectorFlagBits> bits = game::CurrentSectorFlags();
+    return bits ? bits->Mask : std::uint16_t{0};
+}
 
 bool HexenFormat()
 {
@@ -327,7 +348,8 @@ bool ChooseLineType(game::ObjectEditor& editor)
     {
         return EditGeneralizedType(editor);
     }
-    const std::optional<game::TypeMenuEntry> entry = PickType(map::KindLineDef, "LineDef Type");
+    const std::optional<game::TypeMenuEntry> entry =
+        PickType(map::KindLineDef, "LineDef Type", editor.HeadLine().Type);
     if (!entry)
     {
         return false;
@@ -394,7 +416,9 @@ bool ChooseSectorType(game::ObjectEditor& editor)
     {
         return false;
     }
-    const std::optional<game::TypeMenuEntry> entry = PickType(map::KindSector, "Sector Type");
+    const std::optional<game::TypeMenuEntry> entry =
+        PickType(map::KindSector, "Sector Type",
+                 static_cast<std::uint16_t>(editor.HeadSector().Type & ~FlagBitsOfSectors()));
     if (!entry)
     {
         return false;
@@ -431,7 +455,8 @@ bool ChooseThingType(game::ObjectEditor& editor)
     {
         return false;
     }
-    const std::optional<game::TypeMenuEntry> entry = PickType(map::KindThing, "Thing Type");
+    const std::optional<game::TypeMenuEntry> entry =
+        PickType(map::KindThing, "Thing Type", editor.HeadThing().Type);
     if (!entry)
     {
         return false;
@@ -478,7 +503,8 @@ bool ChooseThingSpecial(game::ObjectEditor& editor)
     {
         return false;
     }
-    const std::optional<game::TypeMenuEntry> entry = PickType(map::KindLineDef, "Thing Special");
+    const std::optional<game::TypeMenuEntry> entry =
+        PickType(map::KindLineDef, "Thing Special", editor.HeadThing().Special);
     if (!entry || entry->Category != 0 || entry->Command < game::TypeMenuFirst || entry->Type > 255)
     {
         return false;

@@ -41,6 +41,8 @@ void ApplyThingMask();
 
 /// True when the project's levels are in the Hexen format.
 bool HexenFormat();
+/// The Sector type bits that are Boom or ZDoom flags in this project; 0 for none.
+std::uint16_t FlagBitsOfSectors();
 /// True when type numbers are shown in hexadecimal.
 bool HexTypeNumbers();
 

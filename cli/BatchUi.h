@@ -81,9 +81,9 @@ public:
     }
     /// A menu of choices takes its last enabled entry (for the split question: a real split
     /// when one can be made).
-    std::optional<int> ChooseEntry(const std::string& /*caption*/,
-                                   const std::vector<std::string>& items,
-                                   const std::vector<bool>& enabled) override
+    std::optional<int> ChooseEntryAt(const std::string& /*caption*/,
+                                     const std::vector<std::string>& items,
+                                     const std::vector<bool>& enabled, int /*current*/) override
     {
         for (std::size_t i = items.size(); i-- > 0;)
         {

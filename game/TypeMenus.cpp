@@ -106,7 +106,32 @@ std::vector<TypeMenuEntry> SubMenuOf(const std::vector<Row>& rows, std::uint32_t
     return entries;
 }
 
+template <class Row> std::uint32_t HeadingIn(const std::vector<Row>& rows, std::uint32_t type)
+{
+    std::uint32_t heading = 0;
+    for (std::size_t i = 0; i < rows.size() && rows[i].Type != EndOfTable; ++i)
+    {
+        if (rows[i].Type >= FirstHeading)
+        {
+            heading = rows[i].Type;
+        }
+        else if (rows[i].Type == type && type != SeparatorType)
+        {
+            return heading;
+        }
+    }
+    return 0;
+}
+
 } // namespace
+
+std::uint32_t HeadingOfType(int kind, std::uint32_t type)
+{
+    const GameState& game = Game();
+    return kind == map::KindThing    ? HeadingIn(game.Things, type)
+           : kind == map::KindSector ? HeadingIn(game.Sectors, type)
+                                     : HeadingIn(game.LineDefs, type);
+}
 
 std::vector<TypeMenuEntry> CategoryMenu(int kind)
 {

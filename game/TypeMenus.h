@@ -39,6 +39,10 @@ std::vector<TypeMenuEntry> CategoryMenu(int kind);
 /// hexadecimal.
 std::vector<TypeMenuEntry> TypeSubMenu(int kind, std::uint32_t category, bool hexadecimal);
 
+/// The heading code under which `type` stands in the table of `kind` (map::KindThing,
+/// KindLineDef or KindSector); 0 when no row has it.
+std::uint32_t HeadingOfType(int kind, std::uint32_t type);
+
 /// Numbers the mnemonics of the Thing menu again after categories were opened: '1' to '9', then
 /// 'A' onward, up to the first row whose mnemonic is x, y or z.
 void RenumberThingMenu();

@@ -19,9 +19,9 @@ Ui*& Installed()
 
 } // namespace
 
-std::optional<int> Ui::ChooseEntry(const std::string& caption,
-                                   const std::vector<std::string>& items,
-                                   const std::vector<bool>& enabled)
+std::optional<int> Ui::ChooseEntryAt(const std::string& caption,
+                                     const std::vector<std::string>& items,
+                                     const std::vector<bool>& enabled, int /*current*/)
 {
     const std::optional<int> choice = ChooseFromList(caption, items);
     if (!choice || *choice < 0 || static_cast<std::size_t>(*choice) >= items.size() ||

@@ -97,11 +97,20 @@ public:
 
     /// Lets the user pick one entry of a small menu of choices, where `enabled[i]` false shows
     /// entry i greyed; the index, or nothing when cancelled. Entries may carry '&' before
-    /// their mnemonic. This form shows the list and takes a pick of a greyed entry as a
-    /// cancel; a window system overrides it to grey the entries.
-    virtual std::optional<int> ChooseEntry(const std::string& caption,
-                                           const std::vector<std::string>& items,
-                                           const std::vector<bool>& enabled);
+    /// their mnemonic.
+    std::optional<int> ChooseEntry(const std::string& caption,
+                                   const std::vector<std::string>& items,
+                                   const std::vector<bool>& enabled)
+    {
+        return ChooseEntryAt(caption, items, enabled, -1);
+    }
+
+    /// ChooseEntry with entry `current` (when not negative) the one the keyboard starts on. This
+    /// form shows the list and takes a pick of a greyed entry as a cancel; a window system
+    /// overrides it to grey the entries.
+    virtual std::optional<int> ChooseEntryAt(const std::string& caption,
+                                             const std::vector<std::string>& items,
+                                             const std::vector<bool>& enabled, int current);
 
     /// Opens a browser and returns the name picked, or nothing when it closed without one.
     /// This form offers the names as a list choice; a window system overrides it to show the

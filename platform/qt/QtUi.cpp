@@ -281,9 +281,9 @@ std::optional<int> QtUi::ChooseFromList(const std::string& caption,
     return list->currentRow();
 }
 
-std::optional<int> QtUi::ChooseEntry(const std::string& caption,
-                                     const std::vector<std::string>& items,
-                                     const std::vector<bool>& enabled)
+std::optional<int> QtUi::ChooseEntryAt(const std::string& caption,
+                                       const std::vector<std::string>& items,
+                                       const std::vector<bool>& enabled, int current)
 {
     // A column of buttons, one per entry, each with its mnemonic; a greyed entry can't be
     // pressed. Escape or closing the window cancels.
@@ -304,6 +304,11 @@ std::optional<int> QtUi::ChooseEntry(const std::string& caption,
                              dialog.accept();
                          });
         layout->addWidget(button);
+        if (static_cast<int>(i) == current && button->isEnabled())
+        {
+            button->setDefault(true);
+            button->setFocus();
+        }
     }
     if (dialog.exec() != QDialog::Accepted || chosen < 0)
     {

@@ -44,9 +44,9 @@ public:
     std::vector<std::filesystem::path> ChooseFiles(const FileChoice& choice) override;
     std::optional<int> ChooseFromList(const std::string& caption,
                                       const std::vector<std::string>& items) override;
-    std::optional<int> ChooseEntry(const std::string& caption,
-                                   const std::vector<std::string>& items,
-                                   const std::vector<bool>& enabled) override;
+    std::optional<int> ChooseEntryAt(const std::string& caption,
+                                     const std::vector<std::string>& items,
+                                     const std::vector<bool>& enabled, int current) override;
     std::optional<std::string> Browse(const BrowseRequest& request) override;
     std::optional<int> AskNumber(const std::string& caption, const std::string& prompt, int initial,
                                  int low, int high) override;

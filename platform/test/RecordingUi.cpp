@@ -126,13 +126,14 @@ std::optional<std::string> RecordingUi::Browse(const BrowseRequest& request)
     return TakeOrFail(Browsed, "browser", request.Caption);
 }
 
-std::optional<int> RecordingUi::ChooseEntry(const std::string& caption,
-                                            const std::vector<std::string>& items,
-                                            const std::vector<bool>& enabled)
+std::optional<int> RecordingUi::ChooseEntryAt(const std::string& caption,
+                                              const std::vector<std::string>& items,
+                                              const std::vector<bool>& enabled, int current)
 {
     // Answered from the list queue; the base form refuses a greyed entry.
     EntriesEnabled.push_back(enabled);
-    return Ui::ChooseEntry(caption, items, enabled);
+    EntriesCurrent.push_back(current);
+    return Ui::ChooseEntryAt(caption, items, enabled, current);
 }
 
 std::optional<int> RecordingUi::AskNumber(const std::string& caption, const std::string& prompt,
@@ -218,6 +219,7 @@ void RecordingUi::Clear()
     ListItems.clear();
     BrowseRequests.clear();
     NumberPrompts.clear();
+    EntriesCurrent.clear();
     TextPrompts.clear();
     StatusTexts.clear();
     Progress.clear();

@@ -42,9 +42,9 @@ public:
     std::optional<std::filesystem::path> ChooseFile(const FileChoice& choice) override;
     std::optional<int> ChooseFromList(const std::string& caption,
                                       const std::vector<std::string>& items) override;
-    std::optional<int> ChooseEntry(const std::string& caption,
-                                   const std::vector<std::string>& items,
-                                   const std::vector<bool>& enabled) override;
+    std::optional<int> ChooseEntryAt(const std::string& caption,
+                                     const std::vector<std::string>& items,
+                                     const std::vector<bool>& enabled, int current) override;
     std::optional<std::string> Browse(const BrowseRequest& request) override;
     std::optional<int> AskNumber(const std::string& caption, const std::string& prompt, int initial,
                                  int low, int high) override;
@@ -88,6 +88,7 @@ public:
     std::vector<std::string> ListCaptions;
     std::vector<std::vector<std::string>> ListItems; // the items of each list choice
     std::vector<std::vector<bool>> EntriesEnabled;   // of each menu of choices, which were enabled
+    std::vector<int> EntriesCurrent;                 // of each menu of choices, where it started
     std::vector<BrowseRequest> BrowseRequests;
     std::vector<NumberPrompt> NumberPrompts;
     /// A text prompt as it was asked: caption, prompt and the text offered.

@@ -199,6 +199,8 @@ TEST_F(ObjectEditorsTest, TheTypeMenuSetsTheTypeOfEveryLineDef)
     Ui.AnswerList(2).AnswerList(std::nullopt);
     ASSERT_TRUE(EditObjects(ModeLineDefs, {0, 3}));
     EXPECT_FALSE(changed);
+    // The menus start where the first LineDef's type stands: its category, then the type.
+    EXPECT_EQ(Ui.EntriesCurrent, (std::vector<int>{-1, -1, 2, 0}));
     EXPECT_EQ(map::Map().Level, typed);
     EXPECT_EQ(map::Map().Undo.Position, -1);
 
