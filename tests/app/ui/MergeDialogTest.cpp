@@ -113,6 +113,8 @@ TEST_F(MergeDialogTest, TargetCommandsAndInputRenameWorkFromTheListsKeys)
             // F2 on the target's first row renames it; Delete takes the second away.
             TargetListView* targets = dialog.TargetView();
             targets->setFocus();
+            // The list's keys act only once it has the focus, which a busy machine gives late.
+            ASSERT_TRUE(QTest::qWaitFor([targets] { return targets->hasFocus(); }));
             targets->SelectHead(0);
             Ui.AnswerText("RENAMED");
             QTest::keyClick(targets, Qt::Key_F2);
@@ -123,6 +125,8 @@ TEST_F(MergeDialogTest, TargetCommandsAndInputRenameWorkFromTheListsKeys)
             // The input DEHACKED becomes DEH2; a level component's name is refused.
             QTreeWidget* imports = dialog.ImportView();
             imports->setFocus();
+            // The list's keys act only once it has the focus, which a busy machine gives late.
+            ASSERT_TRUE(QTest::qWaitFor([imports] { return imports->hasFocus(); }));
             imports->setCurrentItem(imports->topLevelItem(1));
             Ui.AnswerText("deh2");
             QTest::keyClick(imports, Qt::Key_F2);

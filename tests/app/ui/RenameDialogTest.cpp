@@ -55,6 +55,10 @@ TEST_F(RenameDialogTest, RenameAndDeleteAreSavedAfterTheWarning)
             EXPECT_EQ(list->topLevelItem(1)->text(2), "LEVEL 11");
 
             list->setFocus();
+
+            // The list's keys act only once it has the focus, which a busy machine gives late.
+
+            ASSERT_TRUE(QTest::qWaitFor([list] { return list->hasFocus(); }));
             list->SelectHead(0);
             Ui.AnswerText("music");
             PressAlt(dialog, Qt::Key_R);
