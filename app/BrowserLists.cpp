@@ -9,11 +9,11 @@
 #include "gfx/GamePalette.h"
 #include "gfx/TextureCatalogue.h"
 #include "platform/Ui.h"
+#include "wad/LumpName.h"
 #include "wad/MarkerRanges.h"
 #include "wad/WadState.h"
 
 #include <algorithm>
-#include <cctype>
 #include <unordered_map>
 
 namespace kelvar::app
@@ -34,12 +34,14 @@ BrowserItem Item(std::string name, int directoryIndex, int file, int number = -1
 // Lumps of the patch and sprite runs this short are markers, not pictures.
 constexpr std::int32_t LeastPictureSize = 13;
 
-std::string UpperText(std::string text)
+BrowserItem CatalogueItem(const gfx::CatalogueEntry& entry, bool upperCase)
 {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c)
-                   { return static_cast<char>(std::toupper(static_cast<unsigned char>(c))); });
-    return text;
+    BrowserItem item;
+    item.Name = upperCase ? wad::UpperText(entry.Name.Text()) : entry.Name.Text();
+    item.DirectoryIndex = entry.DirectoryIndex;
+    item.File = entry.File;
+    item.Class = entry.Class;
+    return item;
 }
 
 std::vector<BrowserItem> CatalogueList(const gfx::NameCatalogue& catalogue, bool externalOnly,
@@ -48,13 +50,7 @@ std::vector<BrowserItem> CatalogueList(const gfx::NameCatalogue& catalogue, bool
     std::vector<BrowserItem> list;
     for (const int row : externalOnly ? catalogue.PwadList() : catalogue.List())
     {
-        const gfx::CatalogueEntry& entry = catalogue.Rows()[static_cast<std::size_t>(row)];
-        BrowserItem item;
-        item.Name = upperCase ? UpperText(entry.Name.Text()) : entry.Name.Text();
-        item.DirectoryIndex = entry.DirectoryIndex;
-        item.File = entry.File;
-        item.Class = entry.Class;
-        list.push_back(std::move(item));
+        list.push_back(CatalogueItem(catalogue.Rows()[static_cast<std::size_t>(row)], upperCase));
     }
     return list;
 }
@@ -129,7 +125,7 @@ std::vector<BrowserItem> PatchList(bool externalOnly)
     std::vector<BrowserItem> list = RunList({markers.P, markers.PP}, externalOnly);
     std::sort(list.begin(), list.end(),
               [](const BrowserItem& a, const BrowserItem& b)
-              { return UpperText(a.Name) < UpperText(b.Name); });
+              { return wad::UpperText(a.Name) < wad::UpperText(b.Name); });
     return list;
 }
 
@@ -247,31 +243,25 @@ std::optional<BrowserItem> OpenBrowserItem(int variant, std::string_view startNa
 
 BrowserPicture PreviewPicture(int variant, std::string_view name)
 {
-    if (variant == BrowseTextures || variant == BrowseFlats)
+    if (variant != BrowseTextures && variant != BrowseFlats)
     {
-        EnsureBrowserCatalogues();
+        return {};
     }
+    EnsureBrowserCatalogues();
     EnsurePalette();
-    const auto same = [name](const BrowserItem& item)
+    const gfx::CatalogueState& catalogue = gfx::Catalogue();
+    const gfx::NameCatalogue& names = variant == BrowseFlats ? catalogue.Flats : catalogue.Textures;
+    const int position = names.Position(wad::LumpName::From(name));
+    if (position == 0)
     {
-        return std::equal(item.Name.begin(), item.Name.end(), name.begin(), name.end(),
-                          [](char a, char b)
-                          {
-                              return std::toupper(static_cast<unsigned char>(a)) ==
-                                     std::toupper(static_cast<unsigned char>(b));
-                          });
-    };
+        return {};
+    }
+    const int row = names.List()[static_cast<std::size_t>(position - 1)];
     BrowserState state;
     state.Variant = variant;
-    for (BrowserItem& item : BuildBrowserList(variant, false))
-    {
-        if (same(item))
-        {
-            state.List.push_back(std::move(item));
-            return ReadBrowserPicture(state, 0);
-        }
-    }
-    return {};
+    state.List.push_back(
+        CatalogueItem(names.Rows()[static_cast<std::size_t>(row)], variant == BrowseFlats));
+    return ReadBrowserPicture(state, 0);
 }
 
 BrowserPicture ThingPreview(std::uint16_t type)

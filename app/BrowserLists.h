@@ -35,8 +35,9 @@ std::vector<BrowserItem> BuildBrowserList(int variant, bool externalOnly);
 /// it isn't loaded ("Couldn't locate palette \"PLAYPAL\" entry" when it can't be).
 std::optional<std::string> OpenBrowser(int variant, std::string_view startName);
 
-/// The picture of one name of a browser's list (case ignored), read as its cell would be: the
-/// previews of the object editors. Nothing drawn when the list has no such name.
+/// The picture of a wall texture (BrowseTextures) or flat (BrowseFlats) by name, case ignored,
+/// read as its browser cell would be: the previews of the object editors. Nothing drawn for a
+/// name the catalogue doesn't have, or another variant.
 BrowserPicture PreviewPicture(int variant, std::string_view name);
 /// The picture of a Thing type: its sprite.
 BrowserPicture ThingPreview(std::uint16_t type);

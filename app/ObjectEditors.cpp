@@ -21,6 +21,7 @@
 #include "map/Undo.h"
 #include "platform/Format.h"
 #include "platform/Ui.h"
+#include "wad/LumpName.h"
 #include "wad/WadState.h"
 
 #include <algorithm>
@@ -58,6 +59,12 @@ game::ObjectEditor EditorOn(int kind, std::vector<std::int32_t> objects)
     EditorStepTaken() = false;
     return game::ObjectEditor(map::Map().Level, kind, std::move(objects),
                               [] { EditorStepTaken() = map::SaveUndoStep() == 1; });
+}
+
+// An editor on the selection of `mode`, or on its highlighted object.
+game::ObjectEditor EditorOnSelection(int mode)
+{
+    return EditorOn(map::KindOfMode(mode), map::SelectionOrHighlight(map::Map().Level, mode));
 }
 
 // The entries of a type menu that can be picked, with the texts ChooseEntry shows.
@@ -208,15 +215,6 @@ std::vector<int> LineIds(const map::LevelData& level)
     return numbers;
 }
 
-std::string Upper(std::string text)
-{
-    for (char& c : text)
-    {
-        c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-    }
-    return text;
-}
-
 } // namespace
 
 std::uint16_t FlagBitsOfSectors()
@@ -290,8 +288,7 @@ void EditObjectCommand(int /*number*/, CommandSource /*source*/)
 void SideTextureCommand(int number, CommandSource /*source*/)
 {
     const int side = number == CmdSide2Textures ? 2 : 1;
-    game::ObjectEditor editor =
-        EditorOn(map::KindLineDef, map::SelectionOrHighlight(map::Map().Level, map::ModeLineDefs));
+    game::ObjectEditor editor = EditorOnSelection(map::ModeLineDefs);
     if (editor.Empty() || !editor.AnySide(side))
     {
         platform::TheUi().Beep();
@@ -445,8 +442,7 @@ bool ChooseSectorType(game::ObjectEditor& editor)
         break;
     }
     // A plain type keeps the Sector flags each Sector has.
-    const std::optional<game::SectorFlagBits> bits = game::CurrentSectorFlags();
-    return editor.SetSectorType(static_cast<std::uint16_t>(entry->Type), bits ? bits->Mask : 0) > 0;
+    return editor.SetSectorType(static_cast<std::uint16_t>(entry->Type), FlagBitsOfSectors()) > 0;
 }
 
 bool ChooseThingType(game::ObjectEditor& editor)
@@ -640,10 +636,7 @@ bool ChooseSideTexture(game::ObjectEditor& editor, int side, game::SidePart part
     std::string start;
     if (const map::SideDef* head = editor.HeadSide(side))
     {
-        const map::TextureName& name = part == game::SidePart::Upper   ? head->UpperTexture
-                                       : part == game::SidePart::Lower ? head->LowerTexture
-                                                                       : head->NormalTexture;
-        start = name.Text();
+        start = game::SideTexture(*head, part).Text();
     }
     const std::optional<std::string> picked = OpenBrowser(BrowseTextures, start);
     if (!picked)
@@ -666,7 +659,7 @@ bool ChooseSectorFlat(game::ObjectEditor& editor, bool floor)
     {
         return false;
     }
-    return editor.SetSectorTexture(floor, map::TextureName::From(Upper(*picked))) > 0;
+    return editor.SetSectorTexture(floor, map::TextureName::From(wad::UpperText(*picked))) > 0;
 }
 
 // --- Flags ---------------------------------------------------------------------------------
@@ -718,8 +711,7 @@ int PaneTextureKey(int mode, const PanePlace& place, char key)
     {
         return 0;
     }
-    game::ObjectEditor editor =
-        EditorOn(map::KindOfMode(mode), map::SelectionOrHighlight(map::Map().Level, mode));
+    game::ObjectEditor editor = EditorOnSelection(mode);
     if (editor.Empty())
     {
         return 0;
@@ -775,8 +767,7 @@ bool PaneClick(int mode, int line, int box)
     {
         return false;
     }
-    game::ObjectEditor editor =
-        EditorOn(map::KindOfMode(mode), map::SelectionOrHighlight(map::Map().Level, mode));
+    game::ObjectEditor editor = EditorOnSelection(mode);
     if (editor.Empty())
     {
         return false;

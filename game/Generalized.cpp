@@ -289,8 +289,8 @@ std::optional<std::uint16_t> WithSectorFlags(std::uint16_t sectorType, std::uint
     }
     if (!Game().ZdoomTypes)
     {
-        constexpr std::array<int, 8> TakesFlags = {0, 1, 2, 3, 8, 12, 13, 17};
-        if (std::find(TakesFlags.begin(), TakesFlags.end(), sectorType & 0x1F) == TakesFlags.end())
+        if (std::find(BoomLightTypes.begin(), BoomLightTypes.end(), sectorType & 0x1F) ==
+            BoomLightTypes.end())
         {
             return std::nullopt;
         }

@@ -80,6 +80,10 @@ std::string GeneralizedLineName(std::uint16_t type);
 /// otherwise; a locked door's key as its property; and the motion of what it moves.
 const LineTypeRow& DecodeGeneralizedLine(std::uint16_t type);
 
+/// The classic types (the low five bits) that take Boom's Sector flags: no light effect, and the
+/// lights "Random", "FastBlink", "SlowBlink", "Pulsating", "SlowSync", "FastSync", "Flicker".
+inline constexpr std::array<std::uint16_t, 8> BoomLightTypes{0, 1, 2, 3, 8, 12, 13, 17};
+
 /// The flag bits of a Sector type: Boom's (Doom formats with the Boom switch) or ZDoom's.
 struct SectorFlagBits
 {

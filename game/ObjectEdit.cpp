@@ -42,7 +42,8 @@ std::uint16_t ClampU16(int value)
     return static_cast<std::uint16_t>(std::clamp(value, 0, 0xFFFF));
 }
 
-map::TextureName& PartOf(map::SideDef& side, SidePart part)
+// A SideDef's texture at `part`, writable when the SideDef is.
+template <class Side> auto& PartOf(Side& side, SidePart part)
 {
     switch (part)
     {
@@ -78,7 +79,14 @@ void SetSectorValue(map::Sector& sector, SectorField field, int value)
     }
 }
 
-int SectorValue(const map::Sector& sector, SectorField field)
+} // namespace
+
+const map::TextureName& SideTexture(const map::SideDef& side, SidePart part)
+{
+    return PartOf(side, part);
+}
+
+int SectorFieldValue(const map::Sector& sector, SectorField field)
 {
     switch (field)
     {
@@ -96,7 +104,27 @@ int SectorValue(const map::Sector& sector, SectorField field)
     return sector.Tag;
 }
 
-} // namespace
+int ThingFieldValue(const map::Thing& thing, ThingField field)
+{
+    switch (field)
+    {
+    case ThingField::Type:
+        return thing.Type;
+    case ThingField::Angle:
+        return thing.Angle;
+    case ThingField::X:
+        return thing.X;
+    case ThingField::Y:
+        return thing.Y;
+    case ThingField::Z:
+        return thing.Z;
+    case ThingField::Tid:
+        return thing.Tid;
+    case ThingField::Special:
+        break;
+    }
+    return thing.Special;
+}
 
 // --- Flag rows ---------------------------------------------------------------------------
 
@@ -494,7 +522,7 @@ int ObjectEditor::AddToSectorField(SectorField field, int delta)
 {
     return Apply(Data.Sectors, Targets(), map::KindSector,
                  [field, delta](map::Sector& sector)
-                 { SetSectorValue(sector, field, SectorValue(sector, field) + delta); });
+                 { SetSectorValue(sector, field, SectorFieldValue(sector, field) + delta); });
 }
 
 int ObjectEditor::SetSectorTexture(bool floor, map::TextureName name)

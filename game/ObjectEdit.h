@@ -103,6 +103,12 @@ enum class ThingField : std::uint8_t
     Special,
 };
 
+/// The texture of a SideDef at `part`.
+const map::TextureName& SideTexture(const map::SideDef& side, SidePart part);
+/// The value of a Sector's number field, and of a Thing's.
+int SectorFieldValue(const map::Sector& sector, SectorField field);
+int ThingFieldValue(const map::Thing& thing, ThingField field);
+
 /// What an editor edits: the kind, the objects (head first) and the level.
 class ObjectEditor
 {

@@ -6,6 +6,7 @@
 #include "map/MapState.h"
 #include "platform/Messages.h"
 #include "platform/Ui.h"
+#include "platform/qt/QtText.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
@@ -23,10 +24,7 @@ namespace kelvar::app
 namespace
 {
 
-QString Text(const std::string& text)
-{
-    return QString::fromStdString(text);
-}
+using platform::Text;
 
 } // namespace
 

@@ -10,6 +10,7 @@
 #include "game/TypeLookup.h"
 #include "gfx/GamePalette.h"
 #include "map/LevelData.h"
+#include "platform/qt/QtText.h"
 #include "view/ViewState.h"
 
 #include <QButtonGroup>
@@ -30,10 +31,7 @@ namespace kelvar::app
 namespace
 {
 
-QString Text(std::string_view text)
-{
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
+using platform::Text;
 
 QDialogButtonBox* OkCancel(QDialog* dialog)
 {
@@ -329,7 +327,7 @@ SectorFlagsDialog::SectorFlagsDialog(game::ObjectEditor& editor, QWidget* parent
     auto* groups = new QHBoxLayout();
     if (!Zdoom)
     {
-        static const std::array<int, 8> lightTypes{0, 1, 2, 3, 8, 12, 13, 17};
+        const auto& lightTypes = game::BoomLightTypes;
         const auto at = std::find(lightTypes.begin(), lightTypes.end(), type & 0x1F);
         Lights =
             RadioGroup(this, groups, "Lights",
@@ -361,9 +359,9 @@ void SectorFlagsDialog::accept()
 {
     if (Lights != nullptr && Lights->checkedId() >= 0)
     {
-        static const std::array<std::uint16_t, 8> lightTypes{0, 1, 2, 3, 8, 12, 13, 17};
-        (void)Edit.SetSectorType(lightTypes[static_cast<std::size_t>(Lights->checkedId())],
-                                 static_cast<std::uint16_t>(~0x1Fu & 0xFFFFu));
+        (void)Edit.SetSectorType(
+            game::BoomLightTypes[static_cast<std::size_t>(Lights->checkedId())],
+            static_cast<std::uint16_t>(~0x1Fu & 0xFFFFu));
     }
     std::uint16_t flags =
         static_cast<std::uint16_t>(std::max(0, Damage->checkedId()) << Bits.DamageShift);

@@ -8,6 +8,7 @@
 #include "lumps/ExportLump.h"
 #include "lumps/ExportView.h"
 #include "platform/Format.h"
+#include "platform/qt/QtText.h"
 #include "sound/Playback.h"
 #include "wad/FindLump.h"
 #include "wad/WadState.h"
@@ -38,10 +39,7 @@ using lumps::ExportPreview;
 // Lines of a data lump the pane shows; more would not fit anyway.
 constexpr std::size_t PreviewLines = 40;
 
-QString Text(const std::string& text)
-{
-    return QString::fromStdString(text);
-}
+using platform::Text;
 
 // While an export or a scan runs, the window takes no input: the rows it works on stay as
 // they are, and nothing starts a second one from the events the progress panel lets through.

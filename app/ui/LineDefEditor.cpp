@@ -7,6 +7,7 @@
 #include "game/GameState.h"
 #include "game/TypeLookup.h"
 #include "map/MapState.h"
+#include "platform/qt/QtText.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -22,20 +23,10 @@ namespace kelvar::app
 namespace
 {
 
-QString Text(std::string_view text)
-{
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
+using platform::Text;
 
 constexpr std::array<game::SidePart, 3> Parts{game::SidePart::Upper, game::SidePart::Normal,
                                               game::SidePart::Lower};
-
-const map::TextureName& NameOf(const map::SideDef& side, game::SidePart part)
-{
-    return part == game::SidePart::Upper   ? side.UpperTexture
-           : part == game::SidePart::Lower ? side.LowerTexture
-                                           : side.NormalTexture;
-}
 
 QSpinBox* NumberBox(QWidget* parent, int low, int high)
 {
@@ -228,7 +219,8 @@ void LineDefEditorDialog::RefreshSide(int side)
     const bool any = Edit.AnySide(side);
     for (std::size_t i = 0; i < Parts.size(); ++i)
     {
-        const std::string name = head != nullptr ? NameOf(*head, Parts[i]).Text() : std::string();
+        const std::string name =
+            head != nullptr ? game::SideTexture(*head, Parts[i]).Text() : std::string();
         widgets.Textures[i]->setText(Text(TextureButtonText(widgets.Mnemonics[i], name)));
         widgets.Textures[i]->setEnabled(any);
         widgets.Previews[i]->setEnabled(any);

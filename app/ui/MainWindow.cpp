@@ -17,6 +17,7 @@
 #include "app/ui/SaveDialog.h"
 #include "platform/Messages.h"
 #include "platform/Processes.h"
+#include "platform/qt/QtText.h"
 #include "run/RunState.h"
 #include "run/ui/TestOptionsDialog.h"
 #include "run/ui/TestR3dDialog.h"
@@ -64,10 +65,7 @@ void PlayCueSound(SoundCue cue)
     }
 }
 
-QString Text(std::string_view text)
-{
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
+using platform::Text;
 
 // The Save dialog's test of a custom builder: its program must be found.
 bool CustomBuilderReady()

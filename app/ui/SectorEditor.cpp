@@ -8,6 +8,7 @@
 #include "game/Generalized.h"
 #include "game/TypeLookup.h"
 #include "platform/Ui.h"
+#include "platform/qt/QtText.h"
 
 #include <QGridLayout>
 #include <QGroupBox>
@@ -21,28 +22,7 @@ namespace kelvar::app
 namespace
 {
 
-QString Text(std::string_view text)
-{
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
-int ValueOf(const map::Sector& sector, game::SectorField field)
-{
-    switch (field)
-    {
-    case game::SectorField::Floor:
-        return sector.FloorHeight;
-    case game::SectorField::Ceiling:
-        return sector.CeilingHeight;
-    case game::SectorField::Light:
-        return sector.Light;
-    case game::SectorField::Type:
-        return sector.Type;
-    case game::SectorField::Tag:
-        break;
-    }
-    return sector.Tag;
-}
+using platform::Text;
 
 } // namespace
 
@@ -165,7 +145,7 @@ void SectorEditorDialog::Refresh()
     const map::Sector& sector = Edit.HeadSector();
     for (const auto& [field, number] : Numbers)
     {
-        number->Show(ValueOf(sector, field));
+        number->Show(game::SectorFieldValue(sector, field));
     }
     const auto type = static_cast<std::int16_t>(sector.Type);
     TypeButton->setText(

@@ -7,6 +7,7 @@
 #include "app/ui/EditorWindows.h"
 #include "game/GameState.h"
 #include "game/TypeLookup.h"
+#include "platform/qt/QtText.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -23,10 +24,7 @@ namespace kelvar::app
 namespace
 {
 
-QString Text(std::string_view text)
-{
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
+using platform::Text;
 
 // The angle buttons, and the angle each stands for.
 constexpr std::array<std::pair<const char*, int>, 8> AngleButtons{{{"N", 90},
@@ -37,28 +35,6 @@ constexpr std::array<std::pair<const char*, int>, 8> AngleButtons{{{"N", 90},
                                                                    {"SW", 225},
                                                                    {"W", 180},
                                                                    {"NW", 135}}};
-
-int ValueOf(const map::Thing& thing, game::ThingField field)
-{
-    switch (field)
-    {
-    case game::ThingField::Type:
-        return thing.Type;
-    case game::ThingField::Angle:
-        return thing.Angle;
-    case game::ThingField::X:
-        return thing.X;
-    case game::ThingField::Y:
-        return thing.Y;
-    case game::ThingField::Z:
-        return thing.Z;
-    case game::ThingField::Tid:
-        return thing.Tid;
-    case game::ThingField::Special:
-        break;
-    }
-    return thing.Special;
-}
 
 } // namespace
 
@@ -229,7 +205,7 @@ void ThingEditorDialog::Refresh()
     TypeName->setText(QString("%1  %2").arg(thing.Type).arg(Text(game::ThingTypeName(thing.Type))));
     for (const auto& [field, number] : Numbers)
     {
-        number->Show(ValueOf(thing, field));
+        number->Show(game::ThingFieldValue(thing, field));
     }
     if (QAbstractButton* button = Angles->button(thing.Angle))
     {

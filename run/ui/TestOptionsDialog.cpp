@@ -1,6 +1,7 @@
 // The TestOptions dialog.
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "run/ui/TestOptionsDialog.h"
+#include "platform/qt/QtText.h"
 
 #include <QDialogButtonBox>
 #include <QFileDialog>
@@ -38,10 +39,7 @@ constexpr SwitchRow<TestOptions> GameSwitches[] = {
     {"respawn", "Respawn", &TestOptions::Respawn},
 };
 
-QString Text(const std::string& text)
-{
-    return QString::fromStdString(text);
-}
+using platform::Text;
 
 std::string Text(const QLineEdit* edit)
 {
